@@ -1,0 +1,40 @@
+# vinora: the two everyday commands are `make run` and `make test`.
+BUILD_DIR ?= build
+JOBS ?= $(shell nproc)
+CMAKE_FLAGS ?= -DCMAKE_BUILD_TYPE=RelWithDebInfo
+# The catalogue `make run` opens; any folder will do (VINORA_HOME=/path make run).
+VINORA_HOME ?= $(HOME)/.local/share/vinora
+
+.PHONY: all deps configure build run test bench install clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps.sh
+
+configure: deps
+	@cmake -S . -B $(BUILD_DIR) $(CMAKE_FLAGS) > /dev/null
+
+build: configure
+	@cmake --build $(BUILD_DIR) -j $(JOBS)
+
+run: build
+	@if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then \
+		VINORA_HOME="$(VINORA_HOME)" $(BUILD_DIR)/src/app/vinora; \
+	else \
+		echo "No display found: starting vinora under Xvfb (a virtual screen you cannot see)."; \
+		VINORA_HOME="$(VINORA_HOME)" xvfb-run -a -s "-screen 0 1280x1024x24" $(BUILD_DIR)/src/app/vinora; \
+	fi
+
+test: build
+	@cd $(BUILD_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+bench: build
+	@cmake --build $(BUILD_DIR) -j $(JOBS) --target benchmarks
+	@bash bench/run.sh $(BUILD_DIR)
+
+install: build
+	@cmake --install $(BUILD_DIR)
+
+clean:
+	@rm -rf $(BUILD_DIR)

@@ -1,0 +1,43 @@
+#include "app/Startup.h"
+#include "frame/AppContext.h"
+#include "frame/Clock.h"
+#include "mainwindow/frmMain.h"
+#include "mainwindow/frmSplashMain.h"
+#include "ui/QtPrompter.h"
+
+#include <QApplication>
+#include <QLocale>
+#include <QLockFile>
+
+#include <memory>
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("vinora"));
+    QApplication::setDesktopFileName(QStringLiteral("vinora"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vinora.svg")));
+    // The interface is Russian, and so are its dates and numbers.
+    QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+
+    vinora::QtPrompter prompter;
+    vinora::SystemClock clock;
+    vinora::AppContext ctx(vinora::applicationFolder(), prompter, clock);
+    QLockFile instanceLock(ctx.appFile(QStringLiteral("vinora.lock")));
+
+    std::unique_ptr<vinora::frmSplashMain> splash;
+    const bool proceed = vinora::Main(ctx, instanceLock, [&] {
+        splash = std::make_unique<vinora::frmSplashMain>();
+        splash->showAndPaint();
+    });
+    if (!proceed) {
+        return 0;
+    }
+
+    vinora::frmMain mainWindow(ctx);
+    prompter.setParentWindow(&mainWindow);
+    mainWindow.Form_Load();
+    splash.reset();
+    mainWindow.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringView>
+
+// Windows code page 1251: the encoding of the settings files, the fault log and the
+// exported pages, so that files move between this program and older copies unchanged.
+namespace vinora::cp1251 {
+
+QString decode(const QByteArray& bytes);
+// Characters without a place in the code page become '?'.
+QByteArray encode(QStringView text);
+
+} // namespace vinora::cp1251

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "frame/AppError.h"
+
+#include <QDateTime>
+#include <QString>
+
+namespace vinora {
+
+class AppContext;
+
+// The program's version as the fault log writes it: "1.0 b1".
+QString faultLogVersion();
+
+// One line of bugreport.log: date, time, version, description, code and place.
+QString faultLogLine(const QDateTime& when, const AppError& error, const QString& place);
+
+// The text of the fault dialog.
+QString faultMessage(const AppError& error);
+
+// The last resort of every routine: appends the line to bugreport.log in the application
+// folder, tells the user, and ends the process. `place` names the routine, as in
+// "frmMain, LoadData()".
+[[noreturn]] void ReportFault(const AppContext& ctx, const QString& place, const AppError& error);
+[[noreturn]] void ReportFault(const AppContext& ctx, const QString& place, const std::exception& error);
+
+// Runs `work`; an AppError or other exception escaping it goes to ReportFault with `place`.
+template <typename Work>
+auto underFaultHandler(const AppContext& ctx, const QString& place, Work&& work) -> decltype(work())
+{
+    try {
+        return work();
+    } catch (const AppError& error) {
+        ReportFault(ctx, place, error);
+    } catch (const std::bad_alloc&) {
+        ReportFault(ctx, place, AppError(err::OutOfMemory, QStringLiteral("Out of memory")));
+    } catch (const std::exception& error) {
+        ReportFault(ctx, place, error);
+    }
+}
+
+} // namespace vinora

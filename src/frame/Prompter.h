@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+class QDialog;
+
+namespace vinora {
+
+// Message box kinds by the values the program has always used for them.
+enum class MessageStyle {
+    Plain = 0,              // OK, no icon
+    OkCancelQuestion = 33,  // OK, Cancel, question
+    Stop = 16,              // OK, stop
+    Question = 32,          // OK, question
+    YesNoQuestion = 36,     // Yes, No, question
+    Exclamation = 48,       // OK, exclamation
+    OkCancelStop = 49,      // OK, Cancel, stop
+    YesNoExclamation = 52,  // Yes, No, exclamation
+    Information = 64,       // OK, information
+};
+
+enum class Answer { Ok, Cancel, Yes, No };
+
+// True for the styles that offer a choice, so an answer must be given.
+constexpr bool asksQuestion(MessageStyle style)
+{
+    switch (style) {
+    case MessageStyle::OkCancelQuestion:
+    case MessageStyle::YesNoQuestion:
+    case MessageStyle::OkCancelStop:
+    case MessageStyle::YesNoExclamation:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Every message, question, input box, file or folder chooser and modal child window goes
+// through this interface. The program shows Qt dialogs; tests answer from a script and
+// keep what was shown.
+class Prompter
+{
+public:
+    virtual ~Prompter() = default;
+
+    virtual Answer message(const QString& text, MessageStyle style) = 0;
+    // The text typed, or nothing when the box was cancelled.
+    virtual std::optional<QString> input(const QString& prompt, const QString& title,
+                                         const QString& initial) = 0;
+    // A chosen path, or the empty text when the chooser was cancelled. The filter is in
+    // the form "Description (*.db)|*.db|All (*.*)|*.*".
+    virtual QString openFile(const QString& title, const QString& filter, const QString& startPath) = 0;
+    virtual QString saveFile(const QString& title, const QString& filter, const QString& startPath) = 0;
+    virtual QString chooseFolder(const QString& title, const QString& startFolder) = 0;
+    // Shows a window modally and returns its result code.
+    virtual int showModal(QDialog& dialog) = 0;
+};
+
+} // namespace vinora

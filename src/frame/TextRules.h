@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+namespace vinora {
+
+// Free text made safe for the catalogue's tables: a double quotation mark becomes an
+// apostrophe, "[" becomes "(", "]" becomes ")".
+QString CleanText(const QString& text);
+
+// Key filters of the input fields, on the typed character code: the code passes through
+// or 0 comes back to drop it. Backspace is code 8.
+int DigitKeys(int keyAscii);     // digits
+int DiscCountKeys(int keyAscii); // the digits 1 to 6
+
+} // namespace vinora

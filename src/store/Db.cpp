@@ -1,0 +1,186 @@
+#include "store/Db.h"
+
+#include "store/SqlFunctions.h"
+
+#include <QAtomicInteger>
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QUrl>
+
+#include <unistd.h>
+
+namespace vinora {
+namespace {
+
+QAtomicInteger<quint64> g_connectionSerial;
+
+bool writable(const QString& path)
+{
+    return ::access(QFile::encodeName(path).constData(), W_OK) == 0;
+}
+
+// The checks the engine made before it opened a file, with its error numbers.
+void checkOpenable(const QString& path, Db::Access access)
+{
+    const QFileInfo file(path);
+    const QFileInfo folder(file.path());
+    if (!folder.isDir()) {
+        throw AppError(err::InvalidPath, u'\'' + path + QStringLiteral("' isn't a valid path."));
+    }
+    if (!file.exists()) {
+        if (access != Db::Access::Create) {
+            throw AppError(err::CannotFindFile, QStringLiteral("Could not find file '") + path + u'\'');
+        }
+        if (!writable(folder.filePath())) {
+            throw AppError(err::CannotOpenFile,
+                           QStringLiteral("The database engine cannot open the file '") + path +
+                               QStringLiteral("'. The folder is read-only."));
+        }
+        return;
+    }
+    if (file.isDir()) {
+        throw AppError(err::UnrecognizedFormat, QStringLiteral("Unrecognized database format '") + path + u'\'');
+    }
+    if (access != Db::Access::ReadOnly && (!writable(path) || !writable(folder.filePath()))) {
+        throw AppError(err::CannotOpenFile, QStringLiteral("The database engine cannot open the file '") + path +
+                                                QStringLiteral("'. It is read-only or its folder is."));
+    }
+}
+
+QString uriFor(const QString& path, Db::Access access)
+{
+    QUrl url = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
+    const char* mode = access == Db::Access::ReadOnly ? "ro" : access == Db::Access::Create ? "rwc" : "rw";
+    url.setQuery(QStringLiteral("mode=") + QLatin1StringView(mode));
+    return url.toString(QUrl::FullyEncoded);
+}
+
+} // namespace
+
+AppError sqlError(const QString& driverText, const QString& sql)
+{
+    const QString where = QStringLiteral(" [") + sql.simplified().left(300) + u']';
+    const auto has = [&](const char* part) { return driverText.contains(QLatin1StringView(part)); };
+    int number = err::EngineError;
+    if (has("FOREIGN KEY constraint failed")) {
+        // Deleting a row that others refer to, or pointing a row at one that is not there.
+        number = sql.trimmed().startsWith(QStringLiteral("DELETE"), Qt::CaseInsensitive) ? err::RelatedRecordsExist
+                                                                                        : err::RelatedRecordRequired;
+    } else if (has("CHECK constraint failed")) {
+        number = has("<> ''")     ? err::ZeroLengthString
+                 : has("length(") ? err::FieldTooSmall
+                 : has("BETWEEN") ? err::Overflow
+                                  : err::ValidationRule;
+    } else if (has("UNIQUE constraint failed")) {
+        number = err::DuplicateValue;
+    } else if (has("not a database")) {
+        number = err::UnrecognizedFormat;
+    } else if (has("readonly") || has("unable to open") || has("locked") || has("disk I/O")) {
+        number = err::CannotOpenFile;
+    } else if (has("already exists")) {
+        number = err::TableExists;
+    } else if (has("no such table")) {
+        number = err::NoSuchTable;
+    }
+    return AppError(number, driverText + where);
+}
+
+Db::Db(const QString& path, Access access)
+    : m_path(path), m_connectionName(QStringLiteral("vinora-") + QString::number(++g_connectionSerial))
+{
+    checkOpenable(path, access);
+    m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    m_db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=5000"));
+    m_db.setDatabaseName(uriFor(path, access));
+    if (!m_db.open()) {
+        const QString text = m_db.lastError().text();
+        m_db = QSqlDatabase();
+        QSqlDatabase::removeDatabase(m_connectionName);
+        throw sqlError(text, QStringLiteral("open ") + path);
+    }
+    try {
+        installSqlFunctions(m_db);
+        // The first read tells a database from any other file.
+        scalar(QStringLiteral("SELECT count(*) FROM sqlite_master"));
+        exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+    } catch (...) {
+        m_db.close();
+        m_db = QSqlDatabase();
+        QSqlDatabase::removeDatabase(m_connectionName);
+        throw;
+    }
+}
+
+Db::~Db()
+{
+    m_db.close();
+    m_db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(m_connectionName);
+}
+
+QSqlQuery Db::query(const QString& sql, const QVariantList& values) const
+{
+    QSqlQuery query(m_db);
+    query.setForwardOnly(true);
+    if (!query.prepare(sql)) {
+        throw sqlError(query.lastError().text(), sql);
+    }
+    for (const QVariant& value : values) {
+        query.addBindValue(value);
+    }
+    if (!query.exec()) {
+        throw sqlError(query.lastError().text(), sql);
+    }
+    return query;
+}
+
+void Db::exec(const QString& sql, const QVariantList& values) const
+{
+    query(sql, values);
+}
+
+QVariant Db::scalar(const QString& sql, const QVariantList& values) const
+{
+    QSqlQuery result = query(sql, values);
+    return result.next() ? result.value(0) : QVariant();
+}
+
+bool Db::tableExists(const QString& table) const
+{
+    return scalar(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = ?"), {table})
+               .toInt() > 0;
+}
+
+Transaction::Transaction(const Db& db) : m_db(db)
+{
+    m_db.exec(QStringLiteral("BEGIN"));
+}
+
+Transaction::~Transaction()
+{
+    if (m_open) {
+        QSqlQuery(QStringLiteral("ROLLBACK"), m_db.connection());
+    }
+}
+
+void Transaction::commit()
+{
+    m_db.exec(QStringLiteral("COMMIT"));
+    m_open = false;
+}
+
+QVariant dateValue(const QDate& date)
+{
+    return date.isValid() ? QVariant(date.toString(Qt::ISODate)) : QVariant();
+}
+
+QDate dateFrom(const QVariant& stored)
+{
+    if (stored.isNull()) {
+        return {};
+    }
+    return QDate::fromString(stored.toString().left(10), Qt::ISODate);
+}
+
+} // namespace vinora

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "frame/AppError.h"
+
+#include <QDate>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+#include <QVariant>
+
+namespace vinora {
+
+// One open database for one user operation: opened by the constructor, closed by the
+// destructor. Every connection compares text without regard to case, Cyrillic and Latin
+// alike, orders it in Russian alphabetical order, reads "*" and "?" in LIKE, and enforces
+// the relations between tables. Errors come out as AppError with the numbers the
+// handlers test (3044 no such folder, 3051 cannot be written, 3343 not a database ...).
+class Db
+{
+public:
+    enum class Access {
+        ReadWrite, // the file must exist
+        ReadOnly,  // the file must exist; nothing is written
+        Create,    // made when missing
+    };
+
+    explicit Db(const QString& path, Access access = Access::ReadWrite);
+    ~Db();
+    Db(const Db&) = delete;
+    Db& operator=(const Db&) = delete;
+
+    const QString& path() const { return m_path; }
+    QSqlDatabase connection() const { return m_db; }
+
+    // Runs one statement with its values bound in order and returns the positioned-before-
+    // first result. Text from users, files or the network only ever travels as a bound value.
+    QSqlQuery query(const QString& sql, const QVariantList& values = {}) const;
+    void exec(const QString& sql, const QVariantList& values = {}) const;
+    // The first column of the first row, or an invalid QVariant when there is no row.
+    QVariant scalar(const QString& sql, const QVariantList& values = {}) const;
+    bool tableExists(const QString& table) const;
+
+private:
+    QString m_path;
+    QString m_connectionName;
+    QSqlDatabase m_db;
+};
+
+// A transaction that rolls back unless committed.
+class Transaction
+{
+public:
+    explicit Transaction(const Db& db);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    void commit();
+
+private:
+    const Db& m_db;
+    bool m_open = true;
+};
+
+// Booleans are stored as the engine always stored them: True is -1.
+inline constexpr int kTrue = -1;
+inline constexpr int kFalse = 0;
+
+// Dates are stored as ISO text ("2026-11-22"), which sorts and compares as dates do.
+QVariant dateValue(const QDate& date);
+QDate dateFrom(const QVariant& stored);
+
+// The error of a failed statement, numbered for the handlers.
+AppError sqlError(const QString& driverText, const QString& sql);
+
+} // namespace vinora

@@ -1,0 +1,101 @@
+#include "store/SqlFunctions.h"
+
+#include "frame/AppError.h"
+#include "store/JetPattern.h"
+
+#include <QCollator>
+#include <QLocale>
+#include <QSqlDriver>
+#include <QString>
+
+#include <sqlite3.h>
+
+namespace vinora {
+namespace {
+
+QCollator makeCollator()
+{
+    QCollator collator(QLocale(QLocale::Russian, QLocale::Russia));
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    collator.setNumericMode(false);
+    collator.setIgnorePunctuation(false);
+    return collator;
+}
+
+int collateNoCase(void* state, int lengthA, const void* a, int lengthB, const void* b)
+{
+    const auto* collator = static_cast<QCollator*>(state);
+    const QString textA = QString::fromUtf8(static_cast<const char*>(a), lengthA);
+    const QString textB = QString::fromUtf8(static_cast<const char*>(b), lengthB);
+    const int order = collator->compare(textA, textB);
+    return order < 0 ? -1 : order > 0 ? 1 : 0;
+}
+
+void destroyCollator(void* state)
+{
+    delete static_cast<QCollator*>(state);
+}
+
+QString textArgument(sqlite3_value* value)
+{
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
+    return QString::fromUtf8(bytes, sqlite3_value_bytes(value));
+}
+
+void likeFunction(sqlite3_context* context, int argc, sqlite3_value** argv)
+{
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL || sqlite3_value_type(argv[1]) == SQLITE_NULL ||
+        (argc == 3 && sqlite3_value_type(argv[2]) == SQLITE_NULL)) {
+        sqlite3_result_null(context);
+        return;
+    }
+    sqlite3_result_int(context, jetLike(textArgument(argv[0]), textArgument(argv[1])) ? 1 : 0);
+}
+
+template <bool Upper>
+void caseFunction(sqlite3_context* context, int, sqlite3_value** argv)
+{
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+        sqlite3_result_null(context);
+        return;
+    }
+    const QByteArray converted = (Upper ? textArgument(argv[0]).toUpper() : textArgument(argv[0]).toLower()).toUtf8();
+    sqlite3_result_text(context, converted.constData(), static_cast<int>(converted.size()), SQLITE_TRANSIENT);
+}
+
+sqlite3* handleOf(const QSqlDatabase& db)
+{
+    const QVariant handle = db.driver()->handle();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) {
+        throw AppError(err::EngineError, QStringLiteral("The database driver gives no SQLite handle"));
+    }
+    return *static_cast<sqlite3* const*>(handle.constData());
+}
+
+} // namespace
+
+int compareText(QStringView a, QStringView b)
+{
+    thread_local const QCollator collator = makeCollator();
+    return collator.compare(a, b);
+}
+
+void installSqlFunctions(const QSqlDatabase& db)
+{
+    sqlite3* handle = handleOf(db);
+    constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
+    int rc = sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, new QCollator(makeCollator()),
+                                         collateNoCase, destroyCollator);
+    rc |= sqlite3_create_function_v2(handle, "like", 2, flags, nullptr, likeFunction, nullptr, nullptr, nullptr);
+    rc |= sqlite3_create_function_v2(handle, "like", 3, flags, nullptr, likeFunction, nullptr, nullptr, nullptr);
+    rc |= sqlite3_create_function_v2(handle, "upper", 1, flags, nullptr, caseFunction<true>, nullptr, nullptr,
+                                     nullptr);
+    rc |= sqlite3_create_function_v2(handle, "lower", 1, flags, nullptr, caseFunction<false>, nullptr, nullptr,
+                                     nullptr);
+    if (rc != SQLITE_OK) {
+        throw AppError(err::EngineError, QStringLiteral("Cannot install the text functions: ") +
+                                             QString::fromUtf8(sqlite3_errmsg(handle)));
+    }
+}
+
+} // namespace vinora
