@@ -68,10 +68,10 @@ AppError sqlError(const QString& driverText, const QString& sql)
         number = sql.trimmed().startsWith(QStringLiteral("DELETE"), Qt::CaseInsensitive) ? err::RelatedRecordsExist
                                                                                         : err::RelatedRecordRequired;
     } else if (has("CHECK constraint failed")) {
-        number = has("<> ''")     ? err::ZeroLengthString
-                 : has("length(") ? err::FieldTooSmall
-                 : has("BETWEEN") ? err::Overflow
-                                  : err::ValidationRule;
+        number = has("failed: empty:")   ? err::ZeroLengthString
+                 : has("failed: size:")  ? err::FieldTooSmall
+                 : has("failed: range:") ? err::Overflow
+                                         : err::ValidationRule;
     } else if (has("UNIQUE constraint failed")) {
         number = err::DuplicateValue;
     } else if (has("not a database")) {

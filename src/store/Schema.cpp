@@ -142,6 +142,13 @@ TableDef filterTable(const char* name, std::initializer_list<const char*> seed)
     return {QString::fromUtf8(name), {text("Файл", 255), boolean("Use", true)}, {}, QStringLiteral("Файл"), words(seed)};
 }
 
+// A named CHECK, so that a refusal tells which rule it broke (see sqlError).
+QString check(const char* rule, const QString& field, const QString& condition)
+{
+    return QStringLiteral(" CONSTRAINT ") + quoted(QString::fromLatin1(rule) + u':' + field) +
+           QStringLiteral(" CHECK (") + condition + u')';
+}
+
 QString columnSql(const FieldDef& field)
 {
     const QString name = quoted(field.name);
@@ -149,24 +156,25 @@ QString columnSql(const FieldDef& field)
     switch (field.type) {
     case FieldType::Long:
         sql += field.counter ? QStringLiteral(" INTEGER PRIMARY KEY AUTOINCREMENT")
-                             : QStringLiteral(" INTEGER CHECK (") + name +
-                                   QStringLiteral(" BETWEEN -2147483648 AND 2147483647)");
+                             : QStringLiteral(" INTEGER") +
+                                   check("range", field.name, name + QStringLiteral(" BETWEEN -2147483648 AND 2147483647"));
         break;
     case FieldType::Integer:
-        sql += QStringLiteral(" INTEGER CHECK (") + name + QStringLiteral(" BETWEEN -32768 AND 32767)");
+        sql += QStringLiteral(" INTEGER") + check("range", field.name, name + QStringLiteral(" BETWEEN -32768 AND 32767"));
         break;
     case FieldType::Text:
-        sql += QStringLiteral(" TEXT COLLATE NOCASE CHECK (length(") + name + QStringLiteral(") <= ") +
-               QString::number(field.size) + u')';
+        sql += QStringLiteral(" TEXT COLLATE NOCASE") +
+               check("size", field.name,
+                     QStringLiteral("length(") + name + QStringLiteral(") <= ") + QString::number(field.size));
         if (!field.allowEmpty) {
-            sql += QStringLiteral(" CHECK (") + name + QStringLiteral(" <> '')");
+            sql += check("empty", field.name, name + QStringLiteral(" <> ''"));
         }
         break;
     case FieldType::Date:
         sql += QStringLiteral(" TEXT");
         break;
     case FieldType::Boolean:
-        sql += QStringLiteral(" INTEGER CHECK (") + name + QStringLiteral(" IN (0, -1))");
+        sql += QStringLiteral(" INTEGER") + check("flag", field.name, name + QStringLiteral(" IN (0, -1)"));
         break;
     }
     if (!field.defaultSql.isEmpty()) {

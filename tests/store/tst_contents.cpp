@@ -1,0 +1,106 @@
+#include "frame/AppContext.h"
+#include "store/Compaction.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "store/Reanimator.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+
+using namespace vinora;
+
+class tst_contents : public QObject
+{
+    Q_OBJECT
+
+    static int errorOf(const std::function<void()>& work)
+    {
+        try {
+            work();
+        } catch (const AppError& error) {
+            return error.number();
+        }
+        return 0;
+    }
+
+private slots:
+    void createClashDropExists_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::newRow("files") << int(ContentsKind::Files);
+        QTest::newRow("tracks") << int(ContentsKind::Tracks);
+    }
+
+    void createClashDropExists()
+    {
+        QFETCH(int, kind);
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        const auto contentsKind = static_cast<ContentsKind>(kind);
+        Db db(contentsKind == ContentsKind::Files ? app.ctx.FilesDBPath : app.ctx.TracksDBPath);
+        const ContentsLists lists(db, contentsKind);
+        const ContentsDescriptor& descriptor = contentsDescriptor(contentsKind);
+
+        QVERIFY(!lists.exists(QStringLiteral("12345678")));
+        lists.create(QStringLiteral("12345678")); // digits only
+        lists.create(QStringLiteral("A1B2C3"));
+        QVERIFY(lists.exists(QStringLiteral("12345678")));
+        QVERIFY(lists.exists(QStringLiteral("a1b2c3")));
+        QCOMPARE(errorOf([&] { lists.create(QStringLiteral("a1b2c3")); }), 3010);
+
+        const QString insert = contentsKind == ContentsKind::Files
+                                   ? QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\', '0')")
+                                   : QStringLiteral("INSERT INTO Треки (ДискID, Номер, Название) VALUES (?, 1, ?)");
+        db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("Первый")});
+        db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("Второй")});
+        db.exec(insert, {QStringLiteral("12345678"), QStringLiteral("Другой")});
+        QCOMPARE(errorOf([&] { db.exec(insert, {QStringLiteral("FFFF"), QStringLiteral("без списка")}); }), 3201);
+        QCOMPARE(errorOf([&] { db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("")}); }), 3315);
+        QCOMPARE(lists.rowCount(QStringLiteral("A1B2C3")), 2);
+
+        lists.drop(QStringLiteral("A1B2C3"));
+        QVERIFY(!lists.exists(QStringLiteral("A1B2C3")));
+        QCOMPARE(lists.rowCount(QStringLiteral("A1B2C3")), 0);
+        QCOMPARE(lists.rowCount(QStringLiteral("12345678")), 1);
+        QCOMPARE(errorOf([&] { lists.drop(QStringLiteral("A1B2C3")); }), 3265);
+        QCOMPARE(lists.ids(), QStringList{QStringLiteral("12345678")});
+        QCOMPARE(descriptor.fields.size(), contentsKind == ContentsKind::Files ? 4 : 3);
+    }
+
+    void compactionKeepsListsAndLeavesNoTemporary()
+    {
+        test::TestApp app;
+        QTemporaryDir elsewhere;
+        app.ctx.setDatabaseFolder(elsewhere.path());
+        Reanimator(app.ctx, 0);
+        {
+            Db files(app.ctx.FilesDBPath);
+            const ContentsLists lists(files, ContentsKind::Files);
+            lists.create(QStringLiteral("KEEP"));
+            lists.create(QStringLiteral("BIG"));
+            Transaction transaction(files);
+            for (int i = 0; i < 3000; ++i) {
+                files.exec(QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\A\\', '1,0')"),
+                           {i % 100 == 0 ? QStringLiteral("KEEP") : QStringLiteral("BIG"),
+                            QStringLiteral("file%1.txt").arg(i)});
+            }
+            transaction.commit();
+            lists.drop(QStringLiteral("BIG"));
+        }
+        const qint64 before = databasesSize(app.ctx);
+        compactDatabases(app.ctx);
+        QVERIFY(databasesSize(app.ctx) < before);
+
+        Db files(app.ctx.FilesDBPath);
+        QCOMPARE(ContentsLists(files, ContentsKind::Files).rowCount(QStringLiteral("KEEP")), 30);
+        QCOMPARE(files.scalar(QStringLiteral("SELECT count(*) FROM Фильтр1")).toInt(), 8);
+        QCOMPARE(QDir(app.folder.path()).entryList({QStringLiteral("*~*"), QStringLiteral(".*part")},
+                                                    QDir::Files | QDir::Hidden),
+                 QStringList());
+        QCOMPARE(QDir(elsewhere.path()).entryList(QDir::Files | QDir::Hidden).size(), 3);
+    }
+};
+
+VINORA_TEST_MAIN(tst_contents)
+#include "tst_contents.moc"

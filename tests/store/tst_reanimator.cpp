@@ -1,0 +1,196 @@
+#include "frame/Cp1251.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "store/Reanimator.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestFolders.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+
+#include <sys/stat.h>
+
+using namespace vinora;
+
+namespace {
+
+ino_t inodeOf(const QString& path)
+{
+    struct stat info {};
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
+}
+
+int count(const QString& path, const QString& table)
+{
+    Db db(path, Db::Access::ReadOnly);
+    return db.scalar(QStringLiteral("SELECT count(*) FROM \"") + table + u'"').toInt();
+}
+
+} // namespace
+
+class tst_reanimator : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void newDatabasesHoldTheirRows_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("Стиль") << "Стиль" << 31;
+        QTest::newRow("Описание") << "Описание" << 23;
+        QTest::newRow("Жанр") << "Жанр" << 10;
+        QTest::newRow("ФорматЗвука") << "ФорматЗвука" << 8;
+        QTest::newRow("Аудио") << "Аудио" << 0;
+        QTest::newRow("Компьютер") << "Компьютер" << 0;
+        QTest::newRow("DVD") << "DVD" << 0;
+        QTest::newRow("Должники") << "Должники" << 0;
+        QTest::newRow("ИменаДолжников") << "ИменаДолжников" << 0;
+        QTest::newRow("_Информация") << "_Информация" << 0;
+    }
+
+    void newDatabasesHoldTheirRows()
+    {
+        QFETCH(QString, table);
+        QFETCH(int, rows);
+        test::TestApp app;
+        QCOMPARE(Reanimator(app.ctx, 0), false);
+        QCOMPARE(count(app.ctx.MainDBPath, table), rows);
+    }
+
+    void seedRowsInOrder()
+    {
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        Db db(app.ctx.MainDBPath);
+        for (const auto& [table, key, field] : {std::tuple{"Стиль", "КодСтиля", "Стиль"},
+                                                std::tuple{"Описание", "КодОписания", "Описание"},
+                                                std::tuple{"Жанр", "КодЖанр", "Жанр"}}) {
+            const QVariant first = db.scalar(QStringLiteral("SELECT %1 FROM %2 WHERE %3 = 1")
+                                                 .arg(QString::fromUtf8(field), QString::fromUtf8(table),
+                                                      QString::fromUtf8(key)));
+            QVERIFY2(!first.isNull() && first.toString().isEmpty(), table);
+        }
+        QCOMPARE(db.scalar(QStringLiteral("SELECT Стиль FROM Стиль WHERE КодСтиля = 31")).toString(),
+                 QStringLiteral("Trance"));
+        QCOMPARE(db.scalar(QStringLiteral("SELECT Описание FROM Описание WHERE КодОписания = 23")).toString(),
+                 QStringLiteral("WEB-дизайн"));
+        QCOMPARE(db.scalar(QStringLiteral("SELECT ФорматЗвука FROM ФорматЗвука WHERE КодФорматЗвука = 1")).toString(),
+                 QStringLiteral("Dolby Digital 2.0"));
+
+        Db files(app.ctx.FilesDBPath);
+        QCOMPARE(files.scalar(QStringLiteral("SELECT group_concat(Файл || ':' || Use, ' ') FROM Фильтр1")).toString(),
+                 QStringLiteral(".txt:-1 .doc:-1 .diz:-1 .nfo:-1 .htm:-1 .inf:-1 .ini:-1 .log:-1"));
+        QCOMPARE(files.scalar(QStringLiteral("SELECT group_concat(Файл, ' ') FROM Фильтр2")).toString(),
+                 QStringLiteral(".exe .zip .rar"));
+    }
+
+    void kindsTouchOnlyTheirFiles()
+    {
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        {
+            Db files(app.ctx.FilesDBPath);
+            ContentsLists(files, ContentsKind::Files).create(QStringLiteral("1A2B"));
+            files.exec(QStringLiteral("DELETE FROM Фильтр1"));
+        }
+        const ino_t main = inodeOf(app.ctx.MainDBPath);
+        const ino_t tracks = inodeOf(app.ctx.TracksDBPath);
+        QCOMPARE(Reanimator(app.ctx, 1), false);
+        QCOMPARE(inodeOf(app.ctx.MainDBPath), main);
+        QCOMPARE(inodeOf(app.ctx.TracksDBPath), tracks);
+        QCOMPARE(count(app.ctx.FilesDBPath, QStringLiteral("Фильтр1")), 8);
+        QCOMPARE(count(app.ctx.FilesDBPath, QStringLiteral("Списки")), 0);
+
+        const ino_t files = inodeOf(app.ctx.FilesDBPath);
+        Reanimator(app.ctx, 2);
+        QCOMPARE(inodeOf(app.ctx.FilesDBPath), files);
+        QCOMPARE(inodeOf(app.ctx.MainDBPath), main);
+        QVERIFY(inodeOf(app.ctx.TracksDBPath) != tracks);
+
+        // Nothing of the work in progress stays in the folder.
+        QCOMPARE(QDir(app.folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 3);
+    }
+
+    void unknownKindBuildsAll()
+    {
+        test::TestApp app;
+        QCOMPARE(Reanimator(app.ctx, 7), false);
+        QVERIFY(QFileInfo::exists(app.ctx.MainDBPath));
+        QVERIFY(QFileInfo::exists(app.ctx.FilesDBPath));
+        QVERIFY(QFileInfo::exists(app.ctx.TracksDBPath));
+    }
+
+    void existingMainDatabaseGoesToFaultLog()
+    {
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        const QByteArray before = test::readFile(app.ctx.MainDBPath);
+        QVERIFY_THROWS_EXCEPTION(ProcessEnded, Reanimator(app.ctx, 0));
+        QVERIFY(cp1251::decode(test::readFile(app.file(QStringLiteral("bugreport.log"))))
+                    .contains(QStringLiteral("(Код: 3204) vinoraModule, Reanimator()")));
+        QCOMPARE(test::readFile(app.ctx.MainDBPath), before);
+    }
+
+    void readOnlyFolderIsTold()
+    {
+        test::TestApp app;
+        QTemporaryDir elsewhere;
+        app.ctx.setDatabaseFolder(elsewhere.path());
+        test::ReadOnlyFolder readOnly(elsewhere.path());
+        if (!readOnly.active()) {
+            QSKIP("this machine cannot make a folder read-only");
+        }
+        QCOMPARE(Reanimator(app.ctx, 0), true);
+        QCOMPARE(app.prompter.texts(),
+                 QStringList{QStringLiteral("Папка '") + elsewhere.path() + QStringLiteral("' доступна только для чтения!")});
+        QCOMPARE(app.prompter.shown[0].style, MessageStyle::Exclamation);
+        QVERIFY(QDir(elsewhere.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    }
+
+    void missingFolderOffersTheApplicationFolder_data()
+    {
+        QTest::addColumn<bool>("yes");
+        QTest::newRow("Yes") << true;
+        QTest::newRow("No") << false;
+    }
+
+    void missingFolderOffersTheApplicationFolder()
+    {
+        QFETCH(bool, yes);
+        test::TestApp app;
+        const QString gone = app.file(QStringLiteral("gone"));
+        app.ctx.setDatabaseFolder(gone);
+        app.prompter.answer(yes ? Answer::Yes : Answer::No);
+        if (yes) {
+            QCOMPARE(Reanimator(app.ctx, 0), false);
+            QCOMPARE(app.ctx.ini().read(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), 255),
+                     app.folder.path());
+            QCOMPARE(count(app.file(QStringLiteral("vinora.db")), QStringLiteral("Стиль")), 31);
+            QVERIFY(QFileInfo::exists(app.file(QStringLiteral("vinora_tracks.db"))));
+        } else {
+            QVERIFY_THROWS_EXCEPTION(ProcessEnded, Reanimator(app.ctx, 0));
+            QVERIFY(!QFileInfo::exists(app.file(QStringLiteral("vinora.db"))));
+        }
+        QCOMPARE(app.prompter.texts(),
+                 QStringList{QStringLiteral("Папка '") + gone +
+                             QStringLiteral("' не существует!\n\nВосстановить путь к локальной базе данных?")});
+    }
+
+    void stockToolReadsTheFiles()
+    {
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        QProcess sqlite;
+        sqlite.start(QStringLiteral("sqlite3"),
+                     {app.ctx.MainDBPath, QStringLiteral("SELECT count(*) FROM Стиль WHERE Стиль LIKE 'r%';")});
+        QVERIFY(sqlite.waitForFinished(10000));
+        QCOMPARE(sqlite.exitCode(), 0);
+        QCOMPARE(sqlite.readAllStandardOutput().trimmed(), QByteArray("6"));
+    }
+};
+
+VINORA_TEST_MAIN(tst_reanimator)
+#include "tst_reanimator.moc"
