@@ -28,23 +28,24 @@ void checkOpenable(const QString& path, Db::Access access)
     if (!folder.isDir()) {
         throw AppError(err::InvalidPath, u'\'' + path + QStringLiteral("' isn't a valid path."));
     }
+    // The engine needs to write beside the file, so a folder that refuses new files
+    // refuses the database before anything else is looked at.
+    if (access != Db::Access::ReadOnly && !writable(folder.filePath())) {
+        throw AppError(err::CannotOpenFile, QStringLiteral("The database engine cannot open the file '") + path +
+                                                QStringLiteral("'. Its folder is read-only."));
+    }
     if (!file.exists()) {
         if (access != Db::Access::Create) {
             throw AppError(err::CannotFindFile, QStringLiteral("Could not find file '") + path + u'\'');
-        }
-        if (!writable(folder.filePath())) {
-            throw AppError(err::CannotOpenFile,
-                           QStringLiteral("The database engine cannot open the file '") + path +
-                               QStringLiteral("'. The folder is read-only."));
         }
         return;
     }
     if (file.isDir()) {
         throw AppError(err::UnrecognizedFormat, QStringLiteral("Unrecognized database format '") + path + u'\'');
     }
-    if (access != Db::Access::ReadOnly && (!writable(path) || !writable(folder.filePath()))) {
-        throw AppError(err::CannotOpenFile, QStringLiteral("The database engine cannot open the file '") + path +
-                                                QStringLiteral("'. It is read-only or its folder is."));
+    if (access != Db::Access::ReadOnly && !writable(path)) {
+        throw AppError(err::CannotOpenFile,
+                       QStringLiteral("The database engine cannot open the file '") + path + QStringLiteral("'. It is read-only."));
     }
 }
 

@@ -1,0 +1,230 @@
+#include "app/Startup.h"
+#include "frame/Cp1251.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "store/LocalDatabase.h"
+#include "store/Reanimator.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestFolders.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+
+#include <sys/stat.h>
+
+using namespace vinora;
+
+namespace {
+
+ino_t inodeOf(const QString& path)
+{
+    struct stat info {};
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
+}
+
+QStringList filesIn(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+}
+
+struct Start
+{
+    test::TestApp app;
+    QLockFile lock{app.file(QStringLiteral("vinora.lock"))};
+    bool splashShown = false;
+
+    bool run()
+    {
+        return Main(app.ctx, lock, [this] { splashShown = true; });
+    }
+};
+
+const QStringList kDatabases = {"vinora.db", "vinora_files.db", "vinora_tracks.db"};
+
+} // namespace
+
+class tst_startup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void firstStartCreatesTheDatabases()
+    {
+        Start start;
+        QVERIFY(start.run());
+        QVERIFY(start.splashShown);
+        QCOMPARE(filesIn(start.app.folder.path()), (QStringList{"vinora.db", "vinora.lock", "vinora_files.db",
+                                                                "vinora_tracks.db"}));
+        QCOMPARE(start.app.prompter.shown.size(), 0);
+        QVERIFY(!QFileInfo::exists(start.app.file(QStringLiteral("vinora.ini"))));
+    }
+
+    void secondInstanceIsRefusedAndTouchesNothing()
+    {
+        Start first;
+        QVERIFY(first.run());
+        const QStringList before = filesIn(first.app.folder.path());
+
+        test::ScriptedPrompter prompter;
+        test::FixedClock clock(first.app.clock.now());
+        AppContext second(first.app.folder.path(), prompter, clock);
+        QLockFile secondLock(second.appFile(QStringLiteral("vinora.lock")));
+        bool splash = false;
+        QVERIFY(!Main(second, secondLock, [&] { splash = true; }));
+        QVERIFY(!splash);
+        QCOMPARE(prompter.texts(), QStringList{"Программа уже запущена!"});
+        QCOMPARE(prompter.shown[0].style, MessageStyle::Exclamation);
+        QCOMPARE(filesIn(first.app.folder.path()), before);
+    }
+
+    void pathLocalDBFolderGetsTheDatabases()
+    {
+        Start start;
+        QTemporaryDir elsewhere;
+        start.app.ctx.ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), elsewhere.path());
+        QVERIFY(start.run());
+        QCOMPARE(filesIn(elsewhere.path()), kDatabases);
+        QCOMPARE(start.app.ctx.MainDBPath, elsewhere.filePath(QStringLiteral("vinora.db")));
+        QCOMPARE(filesIn(start.app.folder.path()), (QStringList{"vinora.ini", "vinora.lock"}));
+    }
+
+    void unreachablePathLocalDB_data()
+    {
+        QTest::addColumn<bool>("yes");
+        QTest::newRow("Yes: the application folder") << true;
+        QTest::newRow("No: the program ends") << false;
+    }
+
+    void unreachablePathLocalDB()
+    {
+        QFETCH(bool, yes);
+        Start start;
+        const QString gone = start.app.file(QStringLiteral("no/such/folder"));
+        start.app.ctx.ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), gone);
+        start.app.prompter.answer(yes ? Answer::Yes : Answer::No);
+        QCOMPARE(start.run(), yes);
+        QCOMPARE(start.app.prompter.texts(),
+                 QStringList{"Папка '" + gone + "' не существует!\n\nВосстановить путь к локальной базе данных?"});
+        QCOMPARE(start.app.prompter.shown[0].style, MessageStyle::YesNoExclamation);
+        const QString setting = start.app.ctx.ini().read(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), 255);
+        QCOMPARE(setting, yes ? start.app.folder.path() : gone);
+        QCOMPARE(QFileInfo::exists(start.app.file(QStringLiteral("vinora.db"))), yes);
+    }
+
+    void onlyTheMissingDatabaseIsMade()
+    {
+        Start start;
+        Reanimator(start.app.ctx, 0);
+        QFile::remove(start.app.ctx.TracksDBPath);
+        const ino_t main = inodeOf(start.app.ctx.MainDBPath);
+        const ino_t files = inodeOf(start.app.ctx.FilesDBPath);
+        QVERIFY(start.run());
+        QCOMPARE(inodeOf(start.app.ctx.MainDBPath), main);
+        QCOMPARE(inodeOf(start.app.ctx.FilesDBPath), files);
+        QVERIFY(QFileInfo::exists(start.app.ctx.TracksDBPath));
+    }
+
+    void lostMainDatabaseDiscardsTheLists()
+    {
+        Start start;
+        Reanimator(start.app.ctx, 0);
+        {
+            Db files(start.app.ctx.FilesDBPath);
+            ContentsLists(files, ContentsKind::Files).create(QStringLiteral("ABCD"));
+        }
+        QFile::remove(start.app.ctx.MainDBPath);
+        QVERIFY(start.run());
+        Db files(start.app.ctx.FilesDBPath);
+        QVERIFY(!ContentsLists(files, ContentsKind::Files).exists(QStringLiteral("ABCD")));
+    }
+
+    void garbageSettingsStillStart()
+    {
+        Start start;
+        QByteArray garbage("[Option]\nPathLocalDB=\n\x01\x02[[[\n=\n");
+        garbage.append(QByteArray(3000, '\xFF'));
+        test::writeFile(start.app.file(QStringLiteral("vinora.ini")), garbage);
+        QVERIFY(start.run());
+        QCOMPARE(start.app.ctx.MainDBPath, start.app.file(QStringLiteral("vinora.db")));
+        QVERIFY(QFileInfo::exists(start.app.ctx.MainDBPath));
+    }
+
+    void readOnlyPathLocalDB_data()
+    {
+        QTest::addColumn<bool>("yes");
+        QTest::newRow("Yes: the application folder") << true;
+        QTest::newRow("No: the program ends") << false;
+    }
+
+    void readOnlyPathLocalDB()
+    {
+        QFETCH(bool, yes);
+        Start start;
+        QTemporaryDir elsewhere;
+        start.app.ctx.ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), elsewhere.path());
+        test::ReadOnlyFolder readOnly(elsewhere.path());
+        if (!readOnly.active()) {
+            QSKIP("this machine cannot make a folder read-only");
+        }
+        QVERIFY(start.run());
+        const QString told = "Папка '" + elsewhere.path() + "' доступна только для чтения!";
+        QCOMPARE(start.app.prompter.texts(), (QStringList{told, told, told}));
+
+        // The first opening of the main database asks to go back to the application folder;
+        // nothing is created there by that answer.
+        start.app.prompter.answer(yes ? Answer::Yes : Answer::No);
+        if (yes) {
+            QVERIFY_THROWS_EXCEPTION(ProcessEnded, openMainDatabaseForRefresh(start.app.ctx));
+            QVERIFY(cp1251::decode(test::readFile(start.app.file(QStringLiteral("bugreport.log"))))
+                        .endsWith(" frmMain, LoadData()\n"));
+        } else {
+            QVERIFY_THROWS_EXCEPTION(ProcessEnded, openMainDatabaseForRefresh(start.app.ctx));
+        }
+        QCOMPARE(start.app.prompter.texts().value(3),
+                 "Папка '" + elsewhere.path() +
+                     "' доступна только для чтения! Локальная работа с базой данных не возможна!\n\n"
+                     "Восстановить путь к локальной базе данных?");
+        QCOMPARE(start.app.ctx.ini().read(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), 255),
+                 yes ? start.app.folder.path() : elsewhere.path());
+    }
+
+    void readOnlyFolderYesWithDatabasesInTheApplicationFolder()
+    {
+        Start start;
+        Reanimator(start.app.ctx, 0); // the application folder has its databases
+        QTemporaryDir elsewhere;
+        Start other;
+        other.app.ctx.setDatabaseFolder(elsewhere.path());
+        Reanimator(other.app.ctx, 0);
+        test::ReadOnlyFolder readOnly(elsewhere.path());
+        if (!readOnly.active()) {
+            QSKIP("this machine cannot make a folder read-only");
+        }
+        start.app.ctx.ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), elsewhere.path());
+        QVERIFY(start.run());
+        start.app.prompter.answer(Answer::Yes);
+        const auto db = openMainDatabaseForRefresh(start.app.ctx);
+        QCOMPARE(db->path(), start.app.file(QStringLiteral("vinora.db")));
+        QCOMPARE(db->scalar(QStringLiteral("SELECT count(*) FROM Стиль")).toInt(), 31);
+    }
+
+    void notADatabaseGoesToTheFaultLogAndStaysAsItWas()
+    {
+        Start start;
+        Reanimator(start.app.ctx, 0);
+        const QByteArray text("these are my notes, not a database\n");
+        QFile::remove(start.app.ctx.MainDBPath);
+        test::writeFile(start.app.ctx.MainDBPath, text);
+        QVERIFY(start.run());
+        QVERIFY_THROWS_EXCEPTION(ProcessEnded, openMainDatabaseForRefresh(start.app.ctx));
+        QVERIFY(start.app.prompter.texts().value(0).startsWith("ОШИБКА.\n\n"));
+        QVERIFY(cp1251::decode(test::readFile(start.app.file(QStringLiteral("bugreport.log"))))
+                    .contains("(Код: 3343) frmMain, LoadData()"));
+        QCOMPARE(test::readFile(start.app.ctx.MainDBPath), text);
+    }
+};
+
+VINORA_TEST_MAIN(tst_startup)
+#include "tst_startup.moc"
