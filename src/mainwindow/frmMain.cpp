@@ -85,10 +85,15 @@ void frmMain::buildMenusAndToolbars()
     }
     // The ticks of the tool bar toggles follow the bars, however they were hidden.
     for (const MainToolbar& entry : mainToolbars()) {
-        QToolBar* bar = toolbars.value(entry.title);
-        QAction* toggle = m_actions.value(entry.toggleCommand);
-        toggle->setChecked(true);
-        connect(bar, &QToolBar::visibilityChanged, toggle, [toggle, bar] { toggle->setChecked(!bar->isHidden()); });
+        connect(toolbars.value(entry.title), &QToolBar::visibilityChanged, this, &frmMain::syncToolbarTicks);
+    }
+    syncToolbarTicks();
+}
+
+void frmMain::syncToolbarTicks()
+{
+    for (const MainToolbar& entry : mainToolbars()) {
+        m_actions.value(entry.toggleCommand)->setChecked(!toolbar(entry.objectName)->isHidden());
     }
 }
 
@@ -132,7 +137,7 @@ void frmMain::runCommand(const QString& toolId)
         if (entry.toggleCommand == toolId) {
             QToolBar* bar = toolbar(entry.objectName);
             bar->setVisible(bar->isHidden());
-            m_actions.value(toolId)->setChecked(!bar->isHidden());
+            syncToolbarTicks();
         }
     }
 }
@@ -144,6 +149,7 @@ void frmMain::Form_Load()
         QFile layout(toolbarLayoutPath());
         if (layout.exists() && layout.open(QIODevice::ReadOnly)) {
             restoreState(layout.readAll());
+            syncToolbarTicks();
         }
         m_statusPanels[3]->setText(datePanelText(m_ctx.clock().today()));
         setWindowTitle(captionText());

@@ -44,6 +44,7 @@ private:
     void buildMenusAndToolbars();
     void buildStatusBar();
     void runCommand(const QString& toolId);
+    void syncToolbarTicks();
 
     AppContext& m_ctx;
     QHash<QString, QAction*> m_actions;

@@ -1,0 +1,228 @@
+#include "frame/Cp1251.h"
+#include "mainwindow/frmMain.h"
+#include "mainwindow/frmSplashMain.h"
+#include "store/Db.h"
+#include "store/Reanimator.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestFolders.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStatusBar>
+#include <QToolBar>
+
+#include <sys/stat.h>
+
+using namespace vinora;
+
+namespace {
+
+ino_t inodeOf(const QString& path)
+{
+    struct stat info {};
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
+}
+
+struct Window
+{
+    Window() { Reanimator(app.ctx, 0); }
+    test::TestApp app;
+    QString ini(const QString& section, const QString& key) const { return app.ctx.ini().read(section, key, 255); }
+    void set(const QString& key, const QString& value) { app.ctx.ini().write(QStringLiteral("Option"), key, value); }
+};
+
+} // namespace
+
+class tst_frmmain : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void loadShowsCaptionDateAndPlace()
+    {
+        Window w;
+        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Left"), QStringLiteral("1500"));
+        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Top"), QStringLiteral("750abc"));
+        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Width"), QStringLiteral("12000"));
+        frmMain window(w.app.ctx);
+        const QSize designed = window.size();
+        window.Form_Load();
+        QCOMPARE(window.windowTitle(), QStringLiteral("vinora 1.0"));
+        QCOMPARE(window.statusPanelText(4), QStringLiteral("22 ноября (воскресенье)"));
+        QCOMPARE(window.statusPanelText(1), QStringLiteral("База данных - локальная"));
+        QCOMPARE(window.pos(), QPoint(100, 50));
+        QCOMPARE(window.width(), 800);
+        QCOMPARE(window.height(), designed.height()); // no Height key: as designed
+        QCOMPARE(frmSplashMain::labelText().section(u'\n', 0, 0), QStringLiteral("vinora 1.0 build 1"));
+    }
+
+    void storedStateMaximises()
+    {
+        Window w;
+        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("State"), QStringLiteral("2"));
+        frmMain window(w.app.ctx);
+        window.Form_Load();
+        QVERIFY(window.windowState().testFlag(Qt::WindowMaximized));
+    }
+
+    void exitAsks_data()
+    {
+        QTest::addColumn<QString>("confirmExit"); // "-" for no key
+        QTest::addColumn<bool>("asked");
+        QTest::newRow("missing") << "-" << true;
+        QTest::newRow("empty") << "" << true;
+        QTest::newRow("1") << "1" << true;
+        QTest::newRow(" 1 with blanks") << " 1" << true;
+        QTest::newRow("10 starts with 1") << "10" << true;
+        QTest::newRow("0") << "0" << false;
+        QTest::newRow("garbage") << "yes" << false;
+    }
+
+    void exitAsks()
+    {
+        QFETCH(QString, confirmExit);
+        QFETCH(bool, asked);
+        Window w;
+        if (confirmExit != u"-") {
+            w.set(QStringLiteral("ConfirmExit"), confirmExit);
+        }
+        frmMain window(w.app.ctx);
+        window.Form_Load();
+        if (asked) {
+            w.app.prompter.answer(Answer::Yes);
+        }
+        QVERIFY(window.Form_Unload());
+        QCOMPARE(w.app.prompter.texts(),
+                 asked ? QStringList{"Вы действительно хотите выйти из программы?"} : QStringList{});
+    }
+
+    void noKeepsTheWindowAndWritesNothing()
+    {
+        Window w;
+        frmMain window(w.app.ctx);
+        window.Form_Load();
+        w.app.prompter.answer(Answer::No);
+        QVERIFY(!window.Form_Unload());
+        QVERIFY(!QFileInfo::exists(w.app.ctx.IniFilePath));
+        QVERIFY(!QFileInfo::exists(window.toolbarLayoutPath()));
+    }
+
+    void exitStoresThePlace()
+    {
+        Window w;
+        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
+        {
+            frmMain window(w.app.ctx);
+            window.Form_Load();
+            window.move(40, 30);
+            window.resize(700, 500);
+            QVERIFY(window.Form_Unload());
+        }
+        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("State")), QStringLiteral("0"));
+        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Left")), QStringLiteral("600"));
+        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Top")), QStringLiteral("450"));
+        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Width")), QStringLiteral("10500"));
+        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Height")), QStringLiteral("7500"));
+
+        // Closed maximised: only State changes.
+        frmMain window(w.app.ctx);
+        window.Form_Load();
+        window.showMaximized();
+        QVERIFY(window.Form_Unload());
+        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("State")), QStringLiteral("2"));
+        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Left")), QStringLiteral("600"));
+        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Width")), QStringLiteral("10500"));
+    }
+
+    void toolbarLayoutSurvives()
+    {
+        Window w;
+        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
+        {
+            frmMain window(w.app.ctx);
+            window.Form_Load();
+            window.show();
+            QVERIFY(window.toolbar(QStringLiteral("tbDue"))->isVisible());
+            window.action(QStringLiteral("ID_View_Toolbars_Due"))->trigger();
+            QVERIFY(!window.toolbar(QStringLiteral("tbDue"))->isVisible());
+            QVERIFY(!window.action(QStringLiteral("ID_View_Toolbars_Due"))->isChecked());
+            QVERIFY(window.Form_Unload());
+        }
+        QVERIFY(QFileInfo::exists(w.app.file(QStringLiteral("vinora.atb"))));
+        frmMain window(w.app.ctx);
+        window.Form_Load();
+        window.show();
+        QVERIFY(!window.toolbar(QStringLiteral("tbDue"))->isVisible());
+        QVERIFY(window.toolbar(QStringLiteral("tbCatalog"))->isVisible());
+        QVERIFY(!window.action(QStringLiteral("ID_View_Toolbars_Due"))->isChecked());
+    }
+
+    void commandsWithoutTheirScreensAreDisabled()
+    {
+        Window w;
+        frmMain window(w.app.ctx);
+        QVERIFY(window.action(QStringLiteral("ID_Quit"))->isEnabled());
+        for (const char* id : {"ID_Catalog_AudioCD", "ID_Due_List", "ID_DB_Open", "ID_DB_Option", "ID_Help_About",
+                               "ID_Panel"}) {
+            QVERIFY2(!window.action(QString::fromLatin1(id))->isEnabled(), id);
+        }
+    }
+
+    void compaction_data()
+    {
+        QTest::addColumn<QString>("setting"); // "-" for no key
+        QTest::addColumn<bool>("compacted");
+        QTest::newRow("missing") << "-" << false;
+        QTest::newRow("0") << "0" << false;
+        QTest::newRow("1") << "1" << true;
+        QTest::newRow("11 read through a buffer of 2") << "11" << true;
+        QTest::newRow("2") << "2" << false;
+    }
+
+    void compaction()
+    {
+        QFETCH(QString, setting);
+        QFETCH(bool, compacted);
+        Window w;
+        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
+        if (setting != u"-") {
+            w.set(QStringLiteral("AutoCompactDatabase"), setting);
+        }
+        const QStringList paths = {w.app.ctx.MainDBPath, w.app.ctx.FilesDBPath, w.app.ctx.TracksDBPath};
+        QList<ino_t> before;
+        for (const QString& path : paths) {
+            before.append(inodeOf(path));
+        }
+        frmMain window(w.app.ctx);
+        window.Form_Load();
+        QVERIFY(window.Form_Unload());
+        for (int i = 0; i < paths.size(); ++i) {
+            QCOMPARE(inodeOf(paths[i]) != before[i], compacted);
+        }
+        QCOMPARE(QDir(w.app.folder.path()).entryList({QStringLiteral("~*"), QStringLiteral(".*")}, QDir::Files | QDir::Hidden),
+                 QStringList());
+        Db db(w.app.ctx.MainDBPath);
+        QCOMPARE(db.scalar(QStringLiteral("SELECT count(*) FROM Стиль")).toInt(), 31);
+    }
+
+    void failedCompactionGoesToTheFaultLogAndKeepsTheData()
+    {
+        Window w;
+        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
+        w.set(QStringLiteral("AutoCompactDatabase"), QStringLiteral("1"));
+        frmMain window(w.app.ctx);
+        window.Form_Load();
+        // A folder where the temporary of the track database must go makes it fail.
+        QDir().mkpath(w.app.file(QStringLiteral("~vinora_tracks.db/blocker")));
+        const QByteArray main = test::readFile(w.app.ctx.MainDBPath);
+        QVERIFY_THROWS_EXCEPTION(ProcessEnded, window.Form_Unload());
+        QVERIFY(cp1251::decode(test::readFile(w.app.file(QStringLiteral("bugreport.log"))))
+                    .endsWith(" frmMain, CompactDB()\n"));
+        QCOMPARE(test::readFile(w.app.ctx.MainDBPath), main);
+        QVERIFY(!QFileInfo::exists(w.app.file(QStringLiteral("~vinora.db"))));
+    }
+};
+
+VINORA_TEST_MAIN(tst_frmmain)
+#include "tst_frmmain.moc"
