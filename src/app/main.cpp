@@ -3,6 +3,7 @@
 #include "frame/Clock.h"
 #include "mainwindow/frmMain.h"
 #include "mainwindow/frmSplashMain.h"
+#include "ui/DesktopTheme.h"
 #include "ui/QtPrompter.h"
 
 #include <QApplication>
@@ -17,6 +18,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(QStringLiteral("vinora"));
     QApplication::setDesktopFileName(QStringLiteral("vinora"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vinora.svg")));
+    vinora::followDesktopTheme(app);
     // The interface is Russian, and so are its dates and numbers.
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
 

@@ -1,8 +1,6 @@
 #include "frame/TextRules.h"
 #include "support/TestMain.h"
-#include "ui/KeyFilter.h"
 
-#include <QLineEdit>
 
 using namespace vinora;
 
@@ -50,16 +48,6 @@ private slots:
         QFETCH(bool, discCount);
         QCOMPARE(DigitKeys(key), digit ? key : 0);
         QCOMPARE(DiscCountKeys(key), discCount ? key : 0);
-    }
-
-    void keyFilterDropsCharactersInField()
-    {
-        QLineEdit field;
-        KeyFilter::install(&field, DiscCountKeys);
-        QTest::keyClicks(&field, QStringLiteral("0a7-3x6"));
-        QCOMPARE(field.text(), QStringLiteral("36"));
-        QTest::keyClick(&field, Qt::Key_Backspace);
-        QCOMPARE(field.text(), QStringLiteral("3"));
     }
 };
 

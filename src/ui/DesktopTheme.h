@@ -1,0 +1,17 @@
+#pragma once
+
+class QApplication;
+
+namespace vinora {
+
+enum class ColorScheme { Light, Dark };
+
+// The colour scheme the desktop asks for: VINORA_COLOR_SCHEME ("dark" or "light") when
+// set, else a GTK theme named with ":dark" or GNOME's "prefer-dark" setting, else light.
+ColorScheme desktopColorScheme();
+
+// Follows the desktop: the platform theme normally brings its palette; when the desktop
+// asks for dark and the palette is still light, a dark palette of the same style is used.
+void followDesktopTheme(QApplication& app);
+
+} // namespace vinora
