@@ -153,6 +153,23 @@ bool Db::tableExists(const QString& table) const
                .toInt() > 0;
 }
 
+Statement::Statement(const Db& db, QString sql) : m_query(db.connection()), m_sql(std::move(sql))
+{
+    if (!m_query.prepare(m_sql)) {
+        throw sqlError(m_query.lastError().text(), m_sql);
+    }
+}
+
+void Statement::run(const QVariantList& values)
+{
+    for (qsizetype i = 0; i < values.size(); ++i) {
+        m_query.bindValue(static_cast<int>(i), values[i]);
+    }
+    if (!m_query.exec()) {
+        throw sqlError(m_query.lastError().text(), m_sql);
+    }
+}
+
 Transaction::Transaction(const Db& db) : m_db(db)
 {
     m_db.exec(QStringLiteral("BEGIN"));

@@ -46,6 +46,18 @@ private:
     QSqlDatabase m_db;
 };
 
+// One statement prepared once and run many times with new values (bulk writes).
+class Statement
+{
+public:
+    Statement(const Db& db, QString sql);
+    void run(const QVariantList& values);
+
+private:
+    QSqlQuery m_query;
+    QString m_sql;
+};
+
 // A transaction that rolls back unless committed.
 class Transaction
 {

@@ -80,10 +80,9 @@ private slots:
             lists.create(QStringLiteral("KEEP"));
             lists.create(QStringLiteral("BIG"));
             Transaction transaction(files);
+            Statement insert(files, QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\A\\', '1,0')"));
             for (int i = 0; i < 3000; ++i) {
-                files.exec(QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\A\\', '1,0')"),
-                           {i % 100 == 0 ? QStringLiteral("KEEP") : QStringLiteral("BIG"),
-                            QStringLiteral("file%1.txt").arg(i)});
+                insert.run({i % 100 == 0 ? QStringLiteral("KEEP") : QStringLiteral("BIG"), QStringLiteral("file%1.txt").arg(i)});
             }
             transaction.commit();
             lists.drop(QStringLiteral("BIG"));

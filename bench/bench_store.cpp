@@ -1,0 +1,140 @@
+// Speed of the storage operations that every screen leans on, on a catalogue of the size
+// a long-time collector reaches. Each measurement is the median of several runs and is
+// checked against its goal; a missed goal makes the run fail.
+#include "store/Compaction.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "store/Reanimator.h"
+#include "frame/AppContext.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <vector>
+
+using namespace vinora;
+
+namespace {
+
+class NoPrompts final : public Prompter
+{
+public:
+    Answer message(const QString&, MessageStyle) override { return Answer::Ok; }
+    std::optional<QString> input(const QString&, const QString&, const QString&) override { return std::nullopt; }
+    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
+    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
+    QString chooseFolder(const QString&, const QString&) override { return {}; }
+    int showModal(QDialog&) override { return 0; }
+};
+
+int g_failures = 0;
+
+double medianMs(int runs, const std::function<void()>& work)
+{
+    std::vector<double> times;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        work();
+        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+void report(const char* what, double ms, double goalMs)
+{
+    const bool met = ms <= goalMs;
+    g_failures += met ? 0 : 1;
+    std::printf("%-58s %9.2f ms   goal %7.0f ms   %s\n", what, ms, goalMs, met ? "ok" : "MISSED");
+}
+
+QString title(int i)
+{
+    static const QStringList words = {QStringLiteral("Ария"), QStringLiteral("Кино"), QStringLiteral("the Doors"),
+                                      QStringLiteral("Ёлка"), QStringLiteral("Pink Floyd"), QStringLiteral("Зимовье")};
+    return words[i % words.size()] + u' ' + QString::number(i * 7919 % 100000);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication app(argc, argv);
+    QTemporaryDir dir;
+    NoPrompts prompts;
+    SystemClock clock;
+    AppContext ctx(dir.path(), prompts, clock);
+    constexpr int kDiscs = 20000;
+    constexpr int kFiles = 100000;
+
+    report("create the three databases", medianMs(1, [&] { Reanimator(ctx, 0); }), 500);
+
+    {
+        Db db(ctx.MainDBPath);
+        Transaction transaction(db);
+        Statement insert(db, QStringLiteral("INSERT INTO Аудио (Номер, Название, Альбом, КодСтиля) VALUES (?, ?, ?, 1)"));
+        for (int i = 0; i < kDiscs; ++i) {
+            insert.run({i % 32000, title(i), title(i * 3)});
+        }
+        transaction.commit();
+    }
+
+    report("open and close the main database", medianMs(21, [&] { Db db(ctx.MainDBPath); }), 5);
+    report("20,000 audio discs ordered by title (Russian order)", medianMs(5, [&] {
+               Db db(ctx.MainDBPath);
+               auto query = db.query(QStringLiteral("SELECT Номер, Название FROM Аудио ORDER BY Название, Номер"));
+               int rows = 0;
+               while (query.next()) {
+                   ++rows;
+               }
+               if (rows != kDiscs) {
+                   std::abort();
+               }
+           }),
+           400);
+    report("20,000 audio discs searched with LIKE '*ёлка 1*'", medianMs(5, [&] {
+               Db db(ctx.MainDBPath);
+               db.scalar(QStringLiteral("SELECT count(*) FROM Аудио WHERE Название LIKE ? OR Альбом LIKE ?"),
+                         {QStringLiteral("*ёлка 1*"), QStringLiteral("*ёлка 1*")});
+           }),
+           150);
+
+    report("100,000 file rows stored in one transaction", medianMs(1, [&] {
+               Db db(ctx.FilesDBPath);
+               const ContentsLists lists(db, ContentsKind::Files);
+               Transaction transaction(db);
+               Statement insert(db, QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, ?, ?)"));
+               for (int disc = 0; disc < 10; ++disc) {
+                   const QString id = QString::number(0xA000 + disc, 16).toUpper();
+                   lists.create(id);
+                   for (int i = 0; i < kFiles / 10; ++i) {
+                       insert.run({id, QStringLiteral("file%1.mp3").arg(i), QStringLiteral("\\MUSIC\\%1\\").arg(i / 100),
+                                QStringLiteral("4 096,0")});
+                   }
+               }
+               transaction.commit();
+           }),
+           1500);
+    report("one list of 10,000 files read by its disc id", medianMs(5, [&] {
+               Db db(ctx.FilesDBPath);
+               auto query = db.query(QStringLiteral("SELECT Имя, Путь, Размер FROM Файлы WHERE ДискID = ?"),
+                                     {QStringLiteral("A005")});
+               while (query.next()) {
+               }
+           }),
+           100);
+    report("drop a list of 10,000 files", medianMs(1, [&] {
+               Db db(ctx.FilesDBPath);
+               ContentsLists(db, ContentsKind::Files).drop(QStringLiteral("A003"));
+           }),
+           500);
+    report("compact the three databases", medianMs(3, [&] { compactDatabases(ctx); }), 3000);
+
+    std::printf("%s\n", g_failures == 0 ? "all goals met" : "some goals missed");
+    return g_failures == 0 ? 0 : 1;
+}
