@@ -12,17 +12,10 @@
 #include <QFileInfo>
 #include <QLockFile>
 
-#include <sys/stat.h>
 
 using namespace vinora;
 
 namespace {
-
-ino_t inodeOf(const QString& path)
-{
-    struct stat info {};
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
-}
 
 QStringList filesIn(const QString& folder)
 {
@@ -118,11 +111,11 @@ private slots:
         Start start;
         Reanimator(start.app.ctx, 0);
         QFile::remove(start.app.ctx.TracksDBPath);
-        const ino_t main = inodeOf(start.app.ctx.MainDBPath);
-        const ino_t files = inodeOf(start.app.ctx.FilesDBPath);
+        const quint64 main = test::inodeOf(start.app.ctx.MainDBPath);
+        const quint64 files = test::inodeOf(start.app.ctx.FilesDBPath);
         QVERIFY(start.run());
-        QCOMPARE(inodeOf(start.app.ctx.MainDBPath), main);
-        QCOMPARE(inodeOf(start.app.ctx.FilesDBPath), files);
+        QCOMPARE(test::inodeOf(start.app.ctx.MainDBPath), main);
+        QCOMPARE(test::inodeOf(start.app.ctx.FilesDBPath), files);
         QVERIFY(QFileInfo::exists(start.app.ctx.TracksDBPath));
     }
 

@@ -12,17 +12,10 @@
 #include <QStatusBar>
 #include <QToolBar>
 
-#include <sys/stat.h>
 
 using namespace vinora;
 
 namespace {
-
-ino_t inodeOf(const QString& path)
-{
-    struct stat info {};
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
-}
 
 struct Window
 {
@@ -190,15 +183,15 @@ private slots:
             w.set(QStringLiteral("AutoCompactDatabase"), setting);
         }
         const QStringList paths = {w.app.ctx.MainDBPath, w.app.ctx.FilesDBPath, w.app.ctx.TracksDBPath};
-        QList<ino_t> before;
+        QList<quint64> before;
         for (const QString& path : paths) {
-            before.append(inodeOf(path));
+            before.append(test::inodeOf(path));
         }
         frmMain window(w.app.ctx);
         window.Form_Load();
         QVERIFY(window.Form_Unload());
         for (int i = 0; i < paths.size(); ++i) {
-            QCOMPARE(inodeOf(paths[i]) != before[i], compacted);
+            QCOMPARE(test::inodeOf(paths[i]) != before[i], compacted);
         }
         QCOMPARE(QDir(w.app.folder.path()).entryList({QStringLiteral("~*"), QStringLiteral(".*")}, QDir::Files | QDir::Hidden),
                  QStringList());

@@ -10,17 +10,10 @@
 #include <QFileInfo>
 #include <QProcess>
 
-#include <sys/stat.h>
 
 using namespace vinora;
 
 namespace {
-
-ino_t inodeOf(const QString& path)
-{
-    struct stat info {};
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
-}
 
 int count(const QString& path, const QString& table)
 {
@@ -96,19 +89,19 @@ private slots:
             ContentsLists(files, ContentsKind::Files).create(QStringLiteral("1A2B"));
             files.exec(QStringLiteral("DELETE FROM Фильтр1"));
         }
-        const ino_t main = inodeOf(app.ctx.MainDBPath);
-        const ino_t tracks = inodeOf(app.ctx.TracksDBPath);
+        const quint64 main = test::inodeOf(app.ctx.MainDBPath);
+        const quint64 tracks = test::inodeOf(app.ctx.TracksDBPath);
         QCOMPARE(Reanimator(app.ctx, 1), false);
-        QCOMPARE(inodeOf(app.ctx.MainDBPath), main);
-        QCOMPARE(inodeOf(app.ctx.TracksDBPath), tracks);
+        QCOMPARE(test::inodeOf(app.ctx.MainDBPath), main);
+        QCOMPARE(test::inodeOf(app.ctx.TracksDBPath), tracks);
         QCOMPARE(count(app.ctx.FilesDBPath, QStringLiteral("Фильтр1")), 8);
         QCOMPARE(count(app.ctx.FilesDBPath, QStringLiteral("Списки")), 0);
 
-        const ino_t files = inodeOf(app.ctx.FilesDBPath);
+        const quint64 files = test::inodeOf(app.ctx.FilesDBPath);
         Reanimator(app.ctx, 2);
-        QCOMPARE(inodeOf(app.ctx.FilesDBPath), files);
-        QCOMPARE(inodeOf(app.ctx.MainDBPath), main);
-        QVERIFY(inodeOf(app.ctx.TracksDBPath) != tracks);
+        QCOMPARE(test::inodeOf(app.ctx.FilesDBPath), files);
+        QCOMPARE(test::inodeOf(app.ctx.MainDBPath), main);
+        QVERIFY(test::inodeOf(app.ctx.TracksDBPath) != tracks);
 
         // Nothing of the work in progress stays in the folder.
         QCOMPARE(QDir(app.folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 3);

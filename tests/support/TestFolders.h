@@ -26,5 +26,7 @@ private:
 // Writes bytes to a file, creating its folder.
 void writeFile(const QString& path, const QByteArray& bytes);
 QByteArray readFile(const QString& path);
+// The file's inode: it changes when a file is replaced, not when it is written in place.
+quint64 inodeOf(const QString& path);
 
 } // namespace vinora::test
