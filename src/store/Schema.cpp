@@ -47,13 +47,13 @@ FieldDef discId(const char* name)
     return text(name, 10, true);
 }
 
-TableDef dictionary(const char* table, const char* key, const char* nameField, QStringList seed)
+TableDef dictionary(const char* table, const char* key, const char* nameField, QStringList rows)
 {
     return {QString::fromUtf8(table),
             {counter(key), text(nameField, 50, true)},
             {},
             QString::fromUtf8(nameField),
-            std::move(seed)};
+            std::move(rows)};
 }
 
 QStringList words(std::initializer_list<const char*> list)
@@ -137,9 +137,9 @@ QList<TableDef> buildMainTables()
     return {info, audio, style, loans, borrowers, computer, description, dvd, genre, soundFormat};
 }
 
-TableDef filterTable(const char* name, std::initializer_list<const char*> seed)
+TableDef filterTable(const char* name, std::initializer_list<const char*> rows)
 {
-    return {QString::fromUtf8(name), {text("Файл", 255), boolean("Use", true)}, {}, QStringLiteral("Файл"), words(seed)};
+    return {QString::fromUtf8(name), {text("Файл", 255), boolean("Use", true)}, {}, QStringLiteral("Файл"), words(rows)};
 }
 
 // A named CHECK, so that a refusal tells which rule it broke (see sqlError).
@@ -231,9 +231,9 @@ QString createTableSql(const TableDef& table)
 void createTable(const Db& db, const TableDef& table)
 {
     db.exec(createTableSql(table));
-    const QString insert = QStringLiteral("INSERT INTO ") + quoted(table.name) + u'(' + quoted(table.seedField) +
+    const QString insert = QStringLiteral("INSERT INTO ") + quoted(table.name) + u'(' + quoted(table.initialField) +
                            QStringLiteral(") VALUES (?)");
-    for (const QString& row : table.seedRows) {
+    for (const QString& row : table.initialRows) {
         // The "nothing chosen" row of a dictionary has the empty name.
         db.exec(insert, {row});
     }

@@ -37,10 +37,10 @@ struct TableDef
     QString name;
     QList<FieldDef> fields;
     QList<RelationDef> relations;
-    // Rows of a new database, one value each for the field `seedField` (the filter tables
+    // Rows of a new database, one value each for the field `initialField` (the filter tables
     // get their Use flag from its default).
-    QString seedField;
-    QStringList seedRows;
+    QString initialField;
+    QStringList initialRows;
 };
 
 // The tables of vinora.db in the order they are made.
@@ -49,7 +49,7 @@ const QList<TableDef>& mainTables();
 const QList<TableDef>& filterTables();
 
 QString createTableSql(const TableDef& table);
-// Creates the table and adds its seed rows.
+// Creates the table and adds its initial rows.
 void createTable(const Db& db, const TableDef& table);
 
 // Quotes an identifier for SQL; only for the names of this schema, never for user text.

@@ -53,7 +53,7 @@ private slots:
         QCOMPARE(count(app.ctx.MainDBPath, table), rows);
     }
 
-    void seedRowsInOrder()
+    void initialRowsInOrder()
     {
         test::TestApp app;
         Reanimator(app.ctx, 0);
