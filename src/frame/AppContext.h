@@ -62,6 +62,7 @@ public:
     qint16 OldDiscCount = 0;
     QString PickedDisc;
     QString CurrentDiscID;
+    QString LastDiscKind; // the kind word of the disc GetDiskID last read
     std::array<QString, 6> DiscIDSlots;
     bool CDDBUpdateRow = false;
     bool CDDBSaveToIni = false;

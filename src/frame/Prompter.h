@@ -11,6 +11,7 @@ namespace vinora {
 // Message box kinds by the values the program has always used for them.
 enum class MessageStyle {
     Plain = 0,              // OK, no icon
+    YesNo = 4,              // Yes, No, no icon
     OkCancelQuestion = 33,  // OK, Cancel, question
     Stop = 16,              // OK, stop
     Question = 32,          // OK, question
@@ -27,6 +28,7 @@ enum class Answer { Ok, Cancel, Yes, No };
 constexpr bool asksQuestion(MessageStyle style)
 {
     switch (style) {
+    case MessageStyle::YesNo:
     case MessageStyle::OkCancelQuestion:
     case MessageStyle::YesNoQuestion:
     case MessageStyle::OkCancelStop:

@@ -34,6 +34,8 @@ BoxKind boxKind(MessageStyle style)
         return {QMessageBox::Warning, QMessageBox::Yes | QMessageBox::No};
     case MessageStyle::Information:
         return {QMessageBox::Information, QMessageBox::Ok};
+    case MessageStyle::YesNo:
+        return {QMessageBox::NoIcon, QMessageBox::Yes | QMessageBox::No};
     case MessageStyle::Plain:
         break;
     }
