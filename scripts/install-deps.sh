@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6svg6 libgl-dev
   qt6-gtk-platformtheme qt6-xdgdesktopportal-platformtheme
   libsqlite3-dev sqlite3
-  libcdio-dev libiso9660-dev libudf-dev
+  libcdio-dev libiso9660-dev libudf-dev e2fsprogs
   genisoimage xorriso udftools libcdio-utils libdiscid-dev
   xvfb xauth fonts-dejavu-core
 )
