@@ -1,5 +1,7 @@
 #include "frame/TextRules.h"
 
+#include <QLocale>
+
 namespace vinora {
 namespace {
 constexpr int kBackspace = 8;
@@ -22,6 +24,23 @@ int DigitKeys(int keyAscii)
 int DiscCountKeys(int keyAscii)
 {
     return (keyAscii >= '1' && keyAscii <= '6') || keyAscii == kBackspace ? keyAscii : 0;
+}
+
+QCollator textCollator()
+{
+    // The common order of scripts (Latin before Cyrillic, as the catalogue has always
+    // sorted), with the Russian alphabet in its own order.
+    QCollator collator(QLocale(QLocale::English, QLocale::UnitedStates));
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    collator.setNumericMode(false);
+    collator.setIgnorePunctuation(false);
+    return collator;
+}
+
+int compareText(QStringView a, QStringView b)
+{
+    thread_local const QCollator collator = textCollator();
+    return collator.compare(a, b);
 }
 
 } // namespace vinora

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCollator>
 #include <QString>
 
 namespace vinora {
@@ -12,5 +13,11 @@ QString CleanText(const QString& text);
 // or 0 comes back to drop it. Backspace is code 8.
 int DigitKeys(int keyAscii);     // digits
 int DiscCountKeys(int keyAscii); // the digits 1 to 6
+
+// The catalogue's order of names: without regard to case, Cyrillic and Latin alike, in
+// Russian alphabetical order.
+QCollator textCollator();
+// < 0, 0 or > 0 as `a` sorts before, with or after `b`.
+int compareText(QStringView a, QStringView b);
 
 } // namespace vinora

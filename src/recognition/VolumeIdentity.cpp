@@ -30,13 +30,6 @@ QString trimmedLabel(QString text)
     return text;
 }
 
-struct IsoDescriptors
-{
-    std::optional<Sector> primary;
-    std::optional<Sector> joliet;
-    bool highSierra = false;
-};
-
 IsoDescriptors scanIsoDescriptors(Medium& medium, qint32 base)
 {
     IsoDescriptors found;
@@ -98,20 +91,6 @@ QString dstring(const Sector& s, int at, int length)
         }
     }
     return trimmedLabel(text);
-}
-
-bool hasUdfRecognition(Medium& medium)
-{
-    Sector sector;
-    for (qint32 lsn = 16; lsn < 32; ++lsn) {
-        if (!medium.readSector(lsn, sector)) {
-            return false;
-        }
-        if (std::memcmp(sector.data() + 1, "BEA01", 5) == 0) {
-            return true;
-        }
-    }
-    return false;
 }
 
 std::optional<VolumeInfo> identifyUdf(Medium& medium)
@@ -201,6 +180,30 @@ VolumeInfo isoVolume(const IsoDescriptors& found)
 
 } // namespace
 
+bool hasUdfRecognition(Medium& medium)
+{
+    Sector sector;
+    for (qint32 lsn = 16; lsn < 32; ++lsn) {
+        if (!medium.readSector(lsn, sector)) {
+            return false;
+        }
+        if (std::memcmp(sector.data() + 1, "BEA01", 5) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+IsoDescriptors findIsoDescriptors(Medium& medium)
+{
+    const qint32 base = sessionBase(medium.toc());
+    IsoDescriptors found = scanIsoDescriptors(medium, base);
+    if (!found.primary && base != 0) {
+        found = scanIsoDescriptors(medium, 0);
+    }
+    return found;
+}
+
 LaneSums laneSums(const unsigned char* bytes, int count)
 {
     LaneSums sums;
@@ -258,11 +261,7 @@ VolumeInfo identifyVolume(Medium& medium)
             return *udf;
         }
     }
-    const qint32 base = sessionBase(toc);
-    IsoDescriptors found = scanIsoDescriptors(medium, base);
-    if (!found.primary && base != 0) {
-        found = scanIsoDescriptors(medium, 0);
-    }
+    const IsoDescriptors found = findIsoDescriptors(medium);
     const bool allAudio = toc.audioTrackCount() == toc.tracks.size();
     if (allAudio || (toc.audioTrackCount() > 0 && !found.primary && toc.tracks.first().audio)) {
         return VolumeInfo{true, QStringLiteral("Audio CD"), audioTocSerial(toc), 221, QStringLiteral("CDFS")};

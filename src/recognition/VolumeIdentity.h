@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace vinora {
 
 // What the volume query tells about the medium in a drive, computed the way the desktop
@@ -21,6 +23,18 @@ struct VolumeInfo
 // The volume information of the medium in `drive`; `ok` false for no usable medium.
 VolumeInfo readVolumeInfo(const QString& drive);
 VolumeInfo identifyVolume(Medium& medium);
+
+// The ISO 9660 volume descriptors of a medium: the primary and the Joliet one, read from
+// the last session (or the start of the disc when the last session has none).
+struct IsoDescriptors
+{
+    std::optional<Sector> primary;
+    std::optional<Sector> joliet;
+    bool highSierra = false;
+};
+IsoDescriptors findIsoDescriptors(Medium& medium);
+// True when the medium carries UDF's volume recognition sequence.
+bool hasUdfRecognition(Medium& medium);
 
 // The building blocks, for tests and tools.
 struct LaneSums

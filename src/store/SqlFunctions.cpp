@@ -1,6 +1,7 @@
 #include "store/SqlFunctions.h"
 
 #include "frame/AppError.h"
+#include "frame/TextRules.h"
 #include "store/JetPattern.h"
 
 #include <QCollator>
@@ -12,15 +13,6 @@
 
 namespace vinora {
 namespace {
-
-QCollator makeCollator()
-{
-    QCollator collator(QLocale(QLocale::Russian, QLocale::Russia));
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    collator.setNumericMode(false);
-    collator.setIgnorePunctuation(false);
-    return collator;
-}
 
 int collateNoCase(void* state, int lengthA, const void* a, int lengthB, const void* b)
 {
@@ -74,17 +66,11 @@ sqlite3* handleOf(const QSqlDatabase& db)
 
 } // namespace
 
-int compareText(QStringView a, QStringView b)
-{
-    thread_local const QCollator collator = makeCollator();
-    return collator.compare(a, b);
-}
-
 void installSqlFunctions(const QSqlDatabase& db)
 {
     sqlite3* handle = handleOf(db);
     constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
-    int rc = sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, new QCollator(makeCollator()),
+    int rc = sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, new QCollator(textCollator()),
                                          collateNoCase, destroyCollator);
     rc |= sqlite3_create_function_v2(handle, "like", 2, flags, nullptr, likeFunction, nullptr, nullptr, nullptr);
     rc |= sqlite3_create_function_v2(handle, "like", 3, flags, nullptr, likeFunction, nullptr, nullptr, nullptr);

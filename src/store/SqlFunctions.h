@@ -10,7 +10,4 @@ namespace vinora {
 // The files stay readable by the stock sqlite3 tool, which has its own NOCASE and LIKE.
 void installSqlFunctions(const QSqlDatabase& db);
 
-// The comparison that NOCASE stands for on our connections: < 0, 0, > 0.
-int compareText(QStringView a, QStringView b);
-
 } // namespace vinora

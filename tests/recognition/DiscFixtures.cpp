@@ -79,14 +79,14 @@ QString DiscFixtures::twoSessionIso(const QString& name)
     return image;
 }
 
-QString DiscFixtures::udf(const QString& name, const QString& label)
+QString DiscFixtures::udf(const QString& name, const QString& label, const QString& revision)
 {
     const QString image = path(name);
     QFile file(image);
     file.open(QIODevice::WriteOnly);
     file.resize(8 * 1024 * 1024);
     file.close();
-    runTool("mkudffs", {"--label=" + label, "--blocksize=2048", "--media-type=hd", image});
+    runTool("mkudffs", {"--label=" + label, "--blocksize=2048", "--media-type=hd", "--udfrev=" + revision, image});
     return image;
 }
 

@@ -158,13 +158,13 @@ private slots:
     {
         {
             Db db(m_path);
-            for (const char* name : {"яблоко", "Ёж", "ель", "Абрикос", "жук", "Едва", "я", "Б"}) {
+            for (const char* name : {"яблоко", "Ёж", "ель", "Абрикос", "Zeppelin", "жук", "Едва", "я", "Б", "abba"}) {
                 db.exec(QStringLiteral("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, ?, 1)"),
                         {QString::fromUtf8(name)});
             }
         }
         QCOMPARE(column(QStringLiteral("SELECT Название FROM Аудио ORDER BY Название")),
-                 (QStringList{"Абрикос", "Б", "Едва", "Ёж", "ель", "жук", "я", "яблоко"}));
+                 (QStringList{"abba", "Zeppelin", "Абрикос", "Б", "Едва", "Ёж", "ель", "жук", "я", "яблоко"}));
         QCOMPARE(column(QStringLiteral("SELECT upper(Название) FROM Аудио WHERE Название = 'ЁЖ'")), QStringList{"ЁЖ"});
     }
 

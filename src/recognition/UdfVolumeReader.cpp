@@ -1,0 +1,133 @@
+#include "recognition/UdfVolumeReader.h"
+
+#include "recognition/CdioMedium.h"
+
+#include <QFile>
+#include <QStringList>
+
+#include <cdio/udf.h>
+
+#include <functional>
+
+namespace vinora {
+namespace {
+
+constexpr int kBlock = UDF_BLOCKSIZE;
+// A folder of more entries than this is taken for a damaged one.
+constexpr int kMostEntries = 1000000;
+
+QString nameOf(const udf_dirent_t* entry)
+{
+    const char* name = udf_get_filename(entry);
+    return name ? QString::fromUtf8(name) : QString();
+}
+
+// Visits the entries of the folder `path` (names split by "/"); `visit` returns false to
+// stop. The entry it gets is valid during the call only. False when the folder cannot be
+// reached.
+bool forEachEntry(udf_t* udf, const QStringList& path, const std::function<bool(udf_dirent_t*)>& visit)
+{
+    udf_dirent_t* folder = udf_get_root(udf, true, 0);
+    if (folder == nullptr) {
+        return false;
+    }
+    for (const QString& step : path) {
+        udf_dirent_t* next = nullptr;
+        int seen = 0;
+        for (udf_dirent_t* entry = folder; udf_readdir(entry) != nullptr && seen < kMostEntries; ++seen) {
+            if (udf_is_dir(entry) && !entry->b_parent && nameOf(entry) == step) {
+                next = udf_opendir(entry);
+                udf_dirent_free(entry);
+                break;
+            }
+        }
+        // udf_readdir frees the folder when it reaches its end.
+        if (next == nullptr) {
+            return false;
+        }
+        folder = next;
+    }
+    int seen = 0;
+    for (udf_dirent_t* entry = folder; udf_readdir(entry) != nullptr; ++seen) {
+        if (seen >= kMostEntries || (!entry->b_parent && !visit(entry))) {
+            udf_dirent_free(entry);
+            break;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+std::unique_ptr<VolumeReader> UdfVolumeReader::open(const QString& path)
+{
+    silenceCdioLog();
+    udf_t* udf = udf_open(QFile::encodeName(path).constData());
+    if (udf == nullptr) {
+        return nullptr;
+    }
+    udf_dirent_t* root = udf_get_root(udf, true, 0);
+    if (root == nullptr) {
+        udf_close(udf);
+        return nullptr;
+    }
+    udf_dirent_free(root);
+    return std::unique_ptr<VolumeReader>(new UdfVolumeReader(udf, path));
+}
+
+UdfVolumeReader::~UdfVolumeReader()
+{
+    udf_close(m_udf);
+}
+
+std::optional<QList<VolumeEntry>> UdfVolumeReader::list(const QString& folder)
+{
+    QList<VolumeEntry> entries;
+    const QStringList path = folder.split(u'/', Qt::SkipEmptyParts);
+    const bool reached = forEachEntry(m_udf, path, [&entries](udf_dirent_t* entry) {
+        const bool hidden = entry->fid != nullptr && (entry->fid->file_characteristics & UDF_FILE_HIDDEN);
+        const bool isDir = udf_is_dir(entry);
+        entries.append({nameOf(entry), isDir, isDir ? 0 : qint64(udf_get_file_length(entry)), hidden});
+        return true;
+    });
+    if (!reached) {
+        return std::nullopt;
+    }
+    sortEntries(entries);
+    return entries;
+}
+
+std::optional<QByteArray> UdfVolumeReader::tail(const QString& file, int count)
+{
+    QStringList path = file.split(u'/', Qt::SkipEmptyParts);
+    if (path.isEmpty()) {
+        return std::nullopt;
+    }
+    const QString name = path.takeLast();
+    std::optional<QByteArray> result;
+    forEachEntry(m_udf, path, [&](udf_dirent_t* entry) {
+        if (udf_is_dir(entry) || nameOf(entry) != name) {
+            return true;
+        }
+        // libudf reads a file from its start only: keep the blocks that hold its end.
+        const qint64 length = qint64(udf_get_file_length(entry));
+        QByteArray window;
+        QByteArray block(kBlock, '\0');
+        for (qint64 read = 0; read < length; read += kBlock) {
+            if (udf_read_block(entry, block.data(), 1) <= 0) {
+                return false;
+            }
+            window.append(block);
+            if (window.size() > 2 * kBlock + count) {
+                window.remove(0, kBlock);
+            }
+        }
+        const qint64 used = length - (length - 1) / kBlock * kBlock; // bytes of the last block
+        window.chop(kBlock - used);
+        result = window.right(count);
+        return false;
+    });
+    return result;
+}
+
+} // namespace vinora

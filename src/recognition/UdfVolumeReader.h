@@ -1,0 +1,27 @@
+#pragma once
+
+#include "recognition/VolumeReader.h"
+
+typedef struct udf_s udf_t;
+
+namespace vinora {
+
+// Reads the folders of a UDF volume (DVDs, UDF bridge discs) with libudf.
+class UdfVolumeReader final : public VolumeReader
+{
+public:
+    static std::unique_ptr<VolumeReader> open(const QString& path);
+    ~UdfVolumeReader() override;
+
+    std::optional<QList<VolumeEntry>> list(const QString& folder) override;
+    std::optional<QByteArray> tail(const QString& file, int count) override;
+    QString source() const override { return m_path; }
+
+private:
+    UdfVolumeReader(udf_t* udf, QString path) : m_udf(udf), m_path(std::move(path)) {}
+
+    udf_t* m_udf;
+    QString m_path;
+};
+
+} // namespace vinora
