@@ -1,5 +1,7 @@
 // vinora-cli: the catalogue's disc access from the command line, for scripts.
 //   vinora-cli drives             the drives, one per line (devices, then registered images)
+//   vinora-cli add-image IMAGE    register a disc image as a drive
+//   vinora-cli remove-image IMAGE forget a registered image (the file stays)
 //   vinora-cli identify DRIVE     kind, id, label, file system, maximum length, serial
 //   vinora-cli toc DRIVE          the table of contents, the CDDB disc id and query
 // DRIVE is a device node or a disc image. The application folder is VINORA_HOME or the
@@ -13,6 +15,7 @@
 #include "recognition/Medium.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QStringList>
 
 #include <cstdio>
@@ -34,7 +37,8 @@ int fail(const QString& message)
 
 int usage()
 {
-    return fail(QStringLiteral("usage: vinora-cli drives | identify DRIVE | toc DRIVE"));
+    return fail(QStringLiteral(
+        "usage: vinora-cli drives | add-image IMAGE | remove-image IMAGE | identify DRIVE | toc DRIVE"));
 }
 
 int noMedium(const QString& drive)
@@ -101,6 +105,17 @@ int main(int argc, char* argv[])
             print(drive);
         }
         return 0;
+    }
+    if (command == u"add-image" && args.size() == 2) {
+        const QFileInfo image(args[1]);
+        if (!image.isFile()) {
+            return fail(QStringLiteral("not an image file: ") + args[1]);
+        }
+        return addVirtualDrive(ctx.ini(), image.absoluteFilePath()) ? 0 : fail(QStringLiteral("already registered"));
+    }
+    if (command == u"remove-image" && args.size() == 2) {
+        const QString path = QFileInfo(args[1]).absoluteFilePath();
+        return removeVirtualDrive(ctx.ini(), path) ? 0 : fail(QStringLiteral("not registered: ") + path);
     }
     if (command == u"identify" && args.size() == 2) {
         return identify(ctx, args[1]);

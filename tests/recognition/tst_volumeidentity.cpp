@@ -306,6 +306,36 @@ private slots:
         QVERIFY(error.startsWith("vinora-cli: no usable medium in "));
     }
 
+    void commandLine()
+    {
+        QTemporaryDir home;
+        const QString iso = m_discs.iso("cli.iso", {"-J", "-V", "Диск 7"});
+        const auto cli = [&](const QStringList& arguments, int expectedExit) {
+            QProcess process;
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert("VINORA_HOME", home.path());
+            process.setProcessEnvironment(environment);
+            process.start(QStringLiteral(VINORA_CLI), arguments);
+            process.waitForFinished(20000);
+            [&] { QCOMPARE(process.exitCode(), expectedExit); }();
+            return QString::fromUtf8(process.readAllStandardOutput());
+        };
+        const VolumeInfo volume = readVolumeInfo(iso);
+        const QString id = QString::number(volume.serial, 16).toUpper();
+        QCOMPARE(cli({"identify", iso}, 0), "kind: PcCD\nid: " + id + "\nlabel: Диск 7\nfs: CDFS\nmaxlen: 110\nserial: " +
+                                                QString("%1").arg(volume.serial, 8, 16, QChar(u'0')).toUpper() + "\n");
+        test::writeFile(home.filePath("skipcd.ini"), "[CD]\n" + id.toLatin1() + "=n/a\n");
+        QVERIFY(cli({"identify", iso}, 0).startsWith("kind: \nid: "));
+
+        cli({"add-image", iso}, 0);
+        cli({"add-image", iso}, 1);
+        QVERIFY(cli({"drives"}, 0).endsWith(iso + "\n"));
+        cli({"remove-image", iso}, 0);
+        QVERIFY(!cli({"drives"}, 0).contains(iso));
+        cli({"add-image", m_dir.path()}, 1);
+        cli({"frobnicate"}, 1);
+    }
+
     void damagedImagesNeverCrash()
     {
         const QList<QString> images = {m_discs.iso("fuzz.iso", {"-J", "-R", "-V", "FUZZ"}), m_discs.udf("fuzz.udf", "FUZZ"),
