@@ -15,6 +15,7 @@ public:
     QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
     QString chooseFolder(const QString&, const QString&) override { return {}; }
     int showModal(QDialog&) override { return 0; }
+    bool openUrl(const QUrl&) override { return false; }
 };
 
 } // namespace vinora

@@ -5,6 +5,7 @@
 #include <optional>
 
 class QDialog;
+class QUrl;
 
 namespace vinora {
 
@@ -58,6 +59,8 @@ public:
     virtual QString chooseFolder(const QString& title, const QString& startFolder) = 0;
     // Shows a window modally and returns its result code.
     virtual int showModal(QDialog& dialog) = 0;
+    // Hands a file, folder, web or mail address to the desktop; false when nothing opened it.
+    virtual bool openUrl(const QUrl& url) = 0;
 };
 
 } // namespace vinora

@@ -1,5 +1,7 @@
 #include "mainwindow/MainCommands.h"
 
+#include "frame/NumericPrefix.h"
+
 namespace vinora {
 namespace {
 
@@ -22,6 +24,11 @@ const QList<MainMenu>& mainMenus()
         {QStringLiteral("ID_View"), QStringLiteral("&Вид"), {}},
         {QStringLiteral("ID_View_Toolbars"), QStringLiteral("Панели инструментов"), QStringLiteral("ID_View")},
         {QStringLiteral("ID_Help"), QStringLiteral("&Помощь"), {}},
+        {QStringLiteral("ID_QuickAD"), QStringLiteral("Аудио диски"), {}, true},
+        {QStringLiteral("ID_QuickPC"), QStringLiteral("Компьютерные диски"), {}, true},
+        {QStringLiteral("ID_QuickDVD"), QStringLiteral("DVD диски"), {}, true},
+        {QStringLiteral("ID_ToolbarEdit"), QStringLiteral("Запрос"), {}, true},
+        {QStringLiteral("ID_DB_DiskImage"), QStringLiteral("Образ диска"), {}, true},
     };
     return menus;
 }
@@ -60,8 +67,72 @@ const QList<MainCommand>& mainCommands()
         cmd("ID_Help_Index", "Справка", "ID_Help"),
         cmd("ID_Help_Info", "Информация", "ID_Help"),
         cmd("ID_Help_About", "О программе", "ID_Help"),
+        cmd("ID_AddCD", "Добавить", "", "Каталоги"),
+        cmd("ID_QuickADCatalog", "Каталог", "ID_QuickAD"),
+        cmd("ID_QuickADNewCD", "Новый диск", "ID_QuickAD"),
+        cmd("ID_QuickADFind", "Поиск треков...", "ID_QuickAD"),
+        cmd("ID_QuickADNewDue", "Новый Должник", "ID_QuickAD"),
+        cmd("ID_QuickPCCatalog", "Каталог", "ID_QuickPC"),
+        cmd("ID_QuickPCNewCD", "Новый диск", "ID_QuickPC"),
+        cmd("ID_QuickPCFind", "Поиск файлов...", "ID_QuickPC"),
+        cmd("ID_QuickPCNewDue", "Новый должник", "ID_QuickPC"),
+        cmd("ID_QuickDVDCatalog", "Каталог", "ID_QuickDVD"),
+        cmd("ID_QuickDVDNewCD", "Новый диск", "ID_QuickDVD"),
+        cmd("ID_QuickDVDNewDue", "Новый должник", "ID_QuickDVD"),
+        cmd("ID_ToolbarEditAdd", "Добавить", "ID_ToolbarEdit"),
+        cmd("ID_ToolbarEditDel", "Удалить", "ID_ToolbarEdit"),
+        cmd("ID_ToolbarEditChange", "Изменить", "ID_ToolbarEdit"),
+        cmd("ID_DB_DiskImageAdd", "Добавить образ диска...", "ID_DB_DiskImage"),
+        cmd("ID_DB_DiskImageRemove", "Убрать образ из списка устройств", "ID_DB_DiskImage"),
     };
     return commands;
+}
+
+bool isLiveCommand(const QString& toolId)
+{
+    static const QStringList live = {
+        QStringLiteral("ID_Quit"),          QStringLiteral("ID_View_Toolbars_Catalog"),
+        QStringLiteral("ID_View_Toolbars_Due"), QStringLiteral("ID_View_Toolbars_DB"),
+        QStringLiteral("ID_Panel"),         QStringLiteral("ID_DB_Open"),
+        QStringLiteral("ID_DB_OpenLocal"),  QStringLiteral("ID_Help_Info"),
+        QStringLiteral("ID_Help_Index"),    QStringLiteral("ID_Help_About"),
+        QStringLiteral("ID_Catalog_ChangeCategory"), QStringLiteral("ID_ToolbarEditDel"),
+        QStringLiteral("ID_DB_DiskImageAdd"), QStringLiteral("ID_DB_DiskImageRemove"),
+        QStringLiteral("ID_DB_DefaultCDDVDROM"),
+    };
+    return live.contains(toolId);
+}
+
+const QStringList& localOnlyCommands()
+{
+    static const QStringList commands = {
+        QStringLiteral("ID_Catalog_AddCD"),   QStringLiteral("ID_AddCD"),         QStringLiteral("ID_Catalog_ChangeNumber"),
+        QStringLiteral("ID_Catalog_ChangeCategory"), QStringLiteral("ID_DB_Save"), QStringLiteral("ID_DB_Wizard"),
+        QStringLiteral("ID_DB_Search"),       QStringLiteral("ID_DB_Import"),     QStringLiteral("ID_DB_ExportDB"),
+        QStringLiteral("ID_DB_DefaultCDDVDROM"), QStringLiteral("ID_Due"),        QStringLiteral("ID_Due_List"),
+        QStringLiteral("ID_Due_Stat"),        QStringLiteral("ID_Due_DiskHistory"), QStringLiteral("ID_Due_Admin"),
+        QStringLiteral("ID_QuickADFind"),     QStringLiteral("ID_QuickADNewCD"),  QStringLiteral("ID_QuickADNewDue"),
+        QStringLiteral("ID_QuickPCFind"),     QStringLiteral("ID_QuickPCNewCD"),  QStringLiteral("ID_QuickPCNewDue"),
+        QStringLiteral("ID_QuickDVDNewCD"),   QStringLiteral("ID_QuickDVDNewDue"),
+    };
+    return commands;
+}
+
+QString lastAddCommand(const QString& lastAction, bool present)
+{
+    if (!present) {
+        return QStringLiteral("ID_Catalog_AddAudioCD");
+    }
+    switch (static_cast<int>(numericPrefix(lastAction))) {
+    case 1:
+        return QStringLiteral("ID_Catalog_AddAudioCD");
+    case 2:
+        return QStringLiteral("ID_Catalog_AddPCCD");
+    case 3:
+        return QStringLiteral("ID_Catalog_AddDVD");
+    default:
+        return {};
+    }
 }
 
 const QList<MainToolbar>& mainToolbars()

@@ -1,38 +1,80 @@
 #pragma once
 
+#include "recognition/VolumeIdentity.h"
+#include "store/Category.h"
+
+#include <QFutureWatcher>
 #include <QHash>
 #include <QMainWindow>
+#include <QTimer>
 
+#include <array>
+
+class QComboBox;
 class QLabel;
+class QListWidget;
+class QMenu;
 class QToolBar;
+class QToolBox;
 
 namespace vinora {
 
 class AppContext;
+class ClickableLabel;
 
-// The main window: its menu and tool bars, the status bar, the stored window place and
-// tool bar layout, and the way out of the program.
+// The main window: the summary of the three catalogues, the signs of overdue loans and of
+// the disc in the drive, the menus, tool bars and the vinora panel, the local or external
+// database on view, and the way out of the program.
 class frmMain : public QMainWindow
 {
     Q_OBJECT
 public:
     explicit frmMain(AppContext& ctx, QWidget* parent = nullptr);
+    ~frmMain() override;
 
-    // Loads the window as at start: place, tool bar layout, status bar, caption, and the
-    // first opening of the main database.
+    // --- start and end ----------------------------------------------------------------
     void Form_Load();
-    // The close: asks, stores the window and the tool bars, compacts when set to.
-    // Returns false when the user chose to stay.
-    bool Form_Unload();
-
+    bool Form_Unload(); // false when the user chose to stay
     void LoadWinPos();
     void CompactDB();
+
+    // --- dashboard --------------------------------------------------------------------
+    void LoadData();
+    void ConfigureTimers();
+    void CheckDue();
+    void CheckCD();
+
+    // --- drive watch ------------------------------------------------------------------
+    void tmrCheckCD_Timer();
+    void tmrNewCD_Timer();
+    void tmrFindDue_Timer();
+    void tmrTime_Timer();
+    void ResetDiscSigns();
+    void LoadDefaultCD();
+
+    // --- database set -----------------------------------------------------------------
+    void OpenExternalDB();
     void OpenLocalDB();
 
+    // --- commands ---------------------------------------------------------------------
+    void runCommand(const QString& toolId);
+    void listBarItemClicked(const QString& groupKey, const QString& text);
+    void AddListbars();
+    void LoadToolbars();
+    void loadShortcuts();
+    void deleteShortcut(const QString& name);
+
+    // --- for tests and the screenshot script ------------------------------------------
     QAction* action(const QString& toolId) const { return m_actions.value(toolId); }
     QToolBar* toolbar(const QString& objectName) const;
     QString statusPanelText(int panel) const;
     QString toolbarLayoutPath() const;
+    QStringList listBarGroups() const;
+    QStringList listBarItems(const QString& groupKey) const;
+    QComboBox* driveSelector() const { return m_driveSelector; }
+    QTimer& timer(const QString& name);
+    bool volumeQueryRunning() const { return m_volumeQuery.isRunning(); }
+    QLabel* label(const QString& objectName) const;
 
     static QString captionText();
     static QString datePanelText(const QDate& date);
@@ -41,14 +83,62 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    struct CategoryBlock
+    {
+        ClickableLabel* logo = nullptr;
+        QLabel* discs = nullptr;
+        QLabel* updated = nullptr;
+        QLabel* onLoan = nullptr;
+        QWidget* dueFrame = nullptr; // the panel around the overdue sign
+        QLabel* dueSign = nullptr;
+        QLabel* dueCount = nullptr;
+        QLabel* newSign = nullptr;
+        QLabel* newLabel = nullptr;
+        QLabel* shareSign = nullptr;
+        ClickableLabel* shareLink = nullptr;
+        bool due = false;   // DueAudio, DuePC, DueDVD
+        bool blink = false; // BlinkAD, BlinkPC, BlinkDVD
+    };
+
     void buildMenusAndToolbars();
     void buildStatusBar();
-    void runCommand(const QString& toolId);
+    void buildCentralArea();
+    QWidget* buildCategoryBlock(Category category);
+    QListWidget* addListBarGroup(const QString& key, const QString& caption, const QStringList& items);
     void syncToolbarTicks();
+    void setToolEnabled(const QString& toolId, bool enabled);
+    void setListBarVisible(bool visible);
+    void showQuickMenu(Category category, const QPoint& at);
+    void showShortcutMenu(QListWidget* group, const QPoint& at);
+    void volumeQueryFinished();
+    void showDiscInDrive(Category category, const QString& id);
+    void shareLinkClicked(Category category);
+    void changeCategory();
+    void addDiskImage();
+    void removeDiskImage();
+    void driveChosen(int index);
+    void openHelpFile(const QString& file, const QString& missingMessage);
+    void setStatusPicture(int panel, const QPixmap& picture);
+    CategoryBlock& block(Category category) { return m_blocks[static_cast<std::size_t>(category)]; }
 
     AppContext& m_ctx;
     QHash<QString, QAction*> m_actions;
+    QHash<QString, QMenu*> m_menus;
     QList<QLabel*> m_statusPanels;
+    QToolBox* m_listBar = nullptr;
+    QComboBox* m_driveSelector = nullptr;
+    std::array<CategoryBlock, 3> m_blocks;
+    QTimer m_tmrCheckCD;
+    QTimer m_tmrNewCD;
+    QTimer m_tmrFindDue;
+    QTimer m_tmrTime;
+    bool m_timeShowsDate = true;
+    QString m_driveDiscID;
+    QString m_lastDriveDiscID;
+    QString m_queriedDrive;
+    QFutureWatcher<VolumeInfo> m_volumeQuery;
+    bool m_loadingDrives = false;
+    QString m_shortcutUnderMouse;
 };
 
 } // namespace vinora

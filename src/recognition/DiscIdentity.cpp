@@ -85,18 +85,23 @@ QString AskCategory(AppContext& ctx, const QString& id, const CategoryChooser& c
     }
 }
 
-QString GetDiskIDcheck(AppContext& ctx, const QString& drive, const CategoryChooser& chooser, VolumeInfo* volume)
+QString kindOfVolume(AppContext& ctx, const VolumeInfo& info, const CategoryChooser& chooser)
 {
-    const VolumeInfo info = readVolumeInfo(drive);
-    if (volume) {
-        *volume = info;
-    }
     if (info.maxComponentLength == 0 && info.serial == 0) {
         return {};
     }
     const std::optional<QString> decided = decideKind(ctx, info);
     const QString kind = decided ? *decided : AskCategory(ctx, SerialToID(info.serial), chooser);
     return info.ok ? kind : QString();
+}
+
+QString GetDiskIDcheck(AppContext& ctx, const QString& drive, const CategoryChooser& chooser, VolumeInfo* volume)
+{
+    const VolumeInfo info = readVolumeInfo(drive);
+    if (volume) {
+        *volume = info;
+    }
+    return kindOfVolume(ctx, info, chooser);
 }
 
 QString GetDiskID(AppContext& ctx, const QString& drive, const CategoryChooser& chooser)

@@ -38,6 +38,9 @@ std::optional<QString> decideKind(const AppContext& ctx, const VolumeInfo& volum
 // confirmed (then the disc is stored as "n/a"); the answer is stored in skipcd.ini.
 QString AskCategory(AppContext& ctx, const QString& id, const CategoryChooser& chooser);
 
+// The kind of a volume already read (the drive watch reads it off the GUI thread).
+QString kindOfVolume(AppContext& ctx, const VolumeInfo& volume, const CategoryChooser& chooser);
+
 // The kind of the medium in `drive`: "AudioCD", "PcCD", "DVD", or empty for no usable
 // medium. skipcd.ini overrules the volume's properties; a volume of unknown kind is
 // put to the user once. `volume` receives the volume information when given.

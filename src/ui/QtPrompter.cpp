@@ -1,7 +1,9 @@
 #include "ui/QtPrompter.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QDialog>
+#include <QUrl>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -101,6 +103,11 @@ QString QtPrompter::chooseFolder(const QString& title, const QString& startFolde
 int QtPrompter::showModal(QDialog& dialog)
 {
     return dialog.exec();
+}
+
+bool QtPrompter::openUrl(const QUrl& url)
+{
+    return QDesktopServices::openUrl(url);
 }
 
 QString qtFileFilter(const QString& pipeFilter)

@@ -21,6 +21,7 @@ public:
     QString saveFile(const QString& title, const QString& filter, const QString& startPath) override;
     QString chooseFolder(const QString& title, const QString& startFolder) override;
     int showModal(QDialog& dialog) override;
+    bool openUrl(const QUrl& url) override;
 
 private:
     QWidget* m_parent = nullptr;

@@ -155,9 +155,12 @@ private slots:
     {
         Window w;
         frmMain window(w.app.ctx);
-        QVERIFY(window.action(QStringLiteral("ID_Quit"))->isEnabled());
-        for (const char* id : {"ID_Catalog_AudioCD", "ID_Due_List", "ID_DB_Open", "ID_DB_Option", "ID_Help_About",
-                               "ID_Panel"}) {
+        for (const char* id : {"ID_Quit", "ID_DB_Open", "ID_DB_OpenLocal", "ID_Help_About", "ID_Help_Info", "ID_Panel",
+                               "ID_Catalog_ChangeCategory"}) {
+            QVERIFY2(window.action(QString::fromLatin1(id))->isEnabled(), id);
+        }
+        for (const char* id : {"ID_Catalog_AudioCD", "ID_Due_List", "ID_DB_Option", "ID_DB_Wizard", "ID_AddCD",
+                               "ID_Catalog_AddDVD", "ID_QuickADNewCD", "ID_ToolbarEditAdd"}) {
             QVERIFY2(!window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
     }

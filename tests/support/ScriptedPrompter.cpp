@@ -64,6 +64,12 @@ int ScriptedPrompter::showModal(QDialog& dialog)
     return m_modals.dequeue()(dialog);
 }
 
+bool ScriptedPrompter::openUrl(const QUrl& url)
+{
+    openedUrls.append(url);
+    return true;
+}
+
 TestApp::TestApp() : ctx(folder.path(), prompter, clock)
 {
     ctx.setProcessEnder([](int code) { throw ProcessEnded{code}; });

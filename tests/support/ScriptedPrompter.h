@@ -9,6 +9,7 @@
 #include <QQueue>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QUrl>
 
 #include <functional>
 
@@ -48,6 +49,9 @@ public:
     QString saveFile(const QString& title, const QString& filter, const QString& startPath) override;
     QString chooseFolder(const QString& title, const QString& startFolder) override;
     int showModal(QDialog& dialog) override;
+    bool openUrl(const QUrl& url) override;
+
+    QList<QUrl> openedUrls;
 
 private:
     QString nextPath(const QString& title);
