@@ -394,6 +394,7 @@ void frmMain::Form_Load()
         setWindowTitle(captionText());
         AddListbars();
         LoadToolbars();
+        setToolEnabled(QStringLiteral("ID_DB_OpenLocal"), false);
         LoadData();
         loadShortcuts();
         LoadDefaultCD();

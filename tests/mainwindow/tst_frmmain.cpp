@@ -155,7 +155,7 @@ private slots:
     {
         Window w;
         frmMain window(w.app.ctx);
-        for (const char* id : {"ID_Quit", "ID_DB_Open", "ID_DB_OpenLocal", "ID_Help_About", "ID_Help_Info", "ID_Panel",
+        for (const char* id : {"ID_Quit", "ID_DB_Open", "ID_Help_About", "ID_Help_Info", "ID_Panel",
                                "ID_Catalog_ChangeCategory"}) {
             QVERIFY2(window.action(QString::fromLatin1(id))->isEnabled(), id);
         }

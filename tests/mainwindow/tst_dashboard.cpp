@@ -1,0 +1,417 @@
+#include "../recognition/DiscFixtures.h"
+#include "frame/Cp1251.h"
+#include "mainwindow/MainCommands.h"
+#include "mainwindow/frmHelp.h"
+#include "mainwindow/frmMain.h"
+#include "recognition/Drives.h"
+#include "recognition/VolumeIdentity.h"
+#include "store/Db.h"
+#include "store/InfoStamp.h"
+#include "store/Reanimator.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestFolders.h"
+#include "support/TestMain.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QTemporaryDir>
+
+using namespace vinora;
+
+namespace {
+
+struct Dashboard
+{
+    test::TestApp app;
+    std::unique_ptr<frmMain> window;
+
+    Dashboard() { Reanimator(app.ctx, 0); }
+
+    void exec(const QString& sql, const QVariantList& values = {})
+    {
+        Db db(app.ctx.MainDBPath);
+        db.exec(sql, values);
+    }
+    void set(const QString& key, const QString& value) { app.ctx.ini().write("Option", key, value); }
+    frmMain& open()
+    {
+        window = std::make_unique<frmMain>(app.ctx);
+        window->Form_Load();
+        window->show();
+        return *window;
+    }
+    QString text(const QString& name) const { return window->label(name)->text(); }
+    bool visible(const QString& name) const { return window->label(name)->isVisible(); }
+    // One tick of the drive watch, with its answer from the drive.
+    void tick()
+    {
+        window->tmrCheckCD_Timer();
+        QTRY_VERIFY(!window->volumeQueryRunning());
+        QCoreApplication::processEvents();
+    }
+};
+
+} // namespace
+
+class tst_dashboard : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    test::DiscFixtures m_discs{m_dir.path()};
+
+private slots:
+    void countersAndDates()
+    {
+        Dashboard d;
+        d.exec("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'A', 1), (2, 'B', 2)");
+        d.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (1, 'C', 1)");
+        {
+            Db db(d.app.ctx.MainDBPath);
+            StampCatalogueUpdate(db, Category::Audio, QDate(2026, 3, 1));
+        }
+        d.exec("INSERT INTO ИменаДолжников (Имя) VALUES ('Пётр')");
+        d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, 'AD', '2027-01-01')");
+        d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, Долг) VALUES (1, 2, 'AD', 0)");
+        d.open();
+        QCOMPARE(d.text("lblCDsAudio"), "2");
+        QCOMPARE(d.text("lblCDsPC"), "1");
+        QCOMPARE(d.text("lblCDsDVD"), "0");
+        QCOMPARE(d.text("lblCDsAudioUpdate"), "1 марта 2026 г.");
+        QCOMPARE(d.text("lblCDsPCUpdate"), "-");
+        QCOMPARE(d.text("lblCDdueAudio"), "1");
+        QCOMPARE(d.text("lblCDduePC"), "0");
+        QCOMPARE(d.window->minimumSize(), QSize(606, 460));
+    }
+
+    void overdueSigns_data()
+    {
+        QTest::addColumn<QStringList>("dueDates"); // of open audio loans; "" for none
+        QTest::addColumn<QString>("checkSetting"); // CheckDueOnStartup, "-" for missing
+        QTest::addColumn<QString>("overdue");      // lblFindDueAudio
+        QTest::addColumn<bool>("sign");
+        QTest::newRow("due today") << QStringList{"2026-11-22"} << "-" << "1" << true;
+        QTest::newRow("due yesterday and today") << QStringList{"2026-11-21", "2026-11-22"} << "-" << "2" << true;
+        QTest::newRow("due tomorrow") << QStringList{"2026-11-23"} << "-" << "0" << false;
+        QTest::newRow("open-ended") << QStringList{""} << "-" << "0" << false;
+        QTest::newRow("check turned off") << QStringList{"2026-11-01"} << "0" << "0" << false;
+        QTest::newRow("check on") << QStringList{"2026-11-01"} << "1" << "1" << true;
+    }
+
+    void overdueSigns()
+    {
+        QFETCH(QStringList, dueDates);
+        QFETCH(QString, checkSetting);
+        QFETCH(QString, overdue);
+        QFETCH(bool, sign);
+        Dashboard d;
+        d.exec("INSERT INTO ИменаДолжников (Имя) VALUES ('Анна')");
+        for (const QString& due : dueDates) {
+            d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, 'AD', ?)",
+                   {due.isEmpty() ? QVariant() : QVariant(due)});
+        }
+        if (checkSetting != "-") {
+            d.set("CheckDueOnStartup", checkSetting);
+        }
+        frmMain& w = d.open();
+        QCOMPARE(d.text("lblFindDueAudio"), overdue);
+        QCOMPARE(d.text("lblCDdueAudio"), QString::number(dueDates.size()));
+        QCOMPARE(w.timer("tmrFindDue").isActive(), sign);
+        w.tmrFindDue_Timer();
+        QCOMPARE(d.visible("imgFindDueAudio"), sign);
+        w.tmrFindDue_Timer();
+        QVERIFY(!d.visible("imgFindDueAudio")); // blinking
+        QVERIFY(!d.visible("imgFindDuePC"));
+    }
+
+    void steadyOverdueSign()
+    {
+        Dashboard d;
+        d.set("tmrDue", "1");
+        d.exec("INSERT INTO ИменаДолжников (Имя) VALUES ('Анна')");
+        d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, 'DVD', '2026-01-01')");
+        frmMain& w = d.open();
+        QCOMPARE(w.timer("tmrFindDue").interval(), 1);
+        w.tmrFindDue_Timer();
+        w.tmrFindDue_Timer();
+        QVERIFY(d.visible("imgFindDueDVD"));
+    }
+
+    void boundImageIsRecognisedAndUnbound()
+    {
+        Dashboard d;
+        const QString cue = m_discs.audioCue("bound", {15000, 15000, 15000});
+        const QString id = QString::number(readVolumeInfo(cue).serial, 16).toUpper();
+        d.exec("INSERT INTO Аудио (Номер, Название, Альбом, Дисков, КодСтиля, ДискID1_d, ДискID2_d) "
+               "VALUES (12, 'Кино', 'Группа крови', 2, 1, 'FFFF', ?)",
+               {id});
+        d.set("Drive", cue);
+        frmMain& w = d.open();
+        d.tick();
+        QCOMPARE(d.text("lblNewAD"), "Диск № 12 (CD2):\nКино - Группа крови");
+        QVERIFY(d.visible("lblNewAD"));
+        QCOMPARE(d.text("lblShareAD"), "Удалить привязку");
+        QVERIFY(d.visible("lblShareAD"));
+        QVERIFY(w.timer("tmrNewCD").isActive());
+        w.tmrNewCD_Timer();
+        QVERIFY(!d.visible("imgNewAD")); // blinks
+
+        // The same disc on the next tick costs nothing and changes nothing.
+        d.tick();
+        QCOMPARE(d.text("lblShareAD"), "Удалить привязку");
+
+        d.app.prompter.answer(Answer::Yes);
+        w.label("lblShareAD")->metaObject(); // the link is a label that answers clicks
+        QTest::mouseClick(w.label("lblShareAD"), Qt::LeftButton);
+        QCOMPARE(d.app.prompter.texts().last(), "Вы уверены, что хотите удалить привязку с этого диска?");
+        {
+            Db db(d.app.ctx.MainDBPath);
+            QVERIFY(db.scalar("SELECT ДискID2_d FROM Аудио").isNull());
+            QCOMPARE(db.scalar("SELECT ДискID1_d FROM Аудио").toString(), "FFFF");
+        }
+        d.tick();
+        QCOMPARE(d.text("lblNewAD"), "Диск (?)\nне привязан не к одному номеру в каталоге");
+        QCOMPARE(d.text("lblShareAD"), "Привязать");
+        QVERIFY(d.visible("lblShareAD"));
+
+        // The disc taken out: within a tick every sign is gone.
+        QFile::remove(cue);
+        d.tick();
+        QVERIFY(!d.visible("lblNewAD"));
+        QVERIFY(!d.visible("lblShareAD"));
+        QVERIFY(!w.label("StatusBarPanel3")->pixmap().isNull());
+    }
+
+    void singleDiscEndsInAColon()
+    {
+        Dashboard d;
+        const QString iso = m_discs.iso("single.iso", {"-J", "-V", "SOFT"});
+        const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
+        // A binding left in slot 2 after the set was reduced to one disc.
+        d.exec("INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков, ДискID2_d) VALUES (7, 'Офис', 1, 1, ?)", {id});
+        d.set("Drive", iso);
+        d.open();
+        d.tick();
+        QCOMPARE(d.text("lblNewPC"), "Диск № 7:\nОфис");
+        QVERIFY(!d.visible("lblNewAD"));
+    }
+
+    void unknownDiscInEmptyCatalogueHasNoLink()
+    {
+        Dashboard d;
+        d.set("Drive", m_discs.udf("film.udf", "FILM"));
+        frmMain& w = d.open();
+        d.tick();
+        QVERIFY(!d.visible("lblShareDVD"));
+        QVERIFY(w.timer("tmrNewCD").isActive());
+        w.tmrNewCD_Timer();
+        QVERIFY(d.visible("imgNewDVD"));
+        QCOMPARE(d.text("lblNewDVD"), "Диск (?)\nне привязан не к одному номеру в каталоге");
+    }
+
+    void watchingCanBeTurnedOff()
+    {
+        Dashboard d;
+        d.set("CheckCD", "0");
+        frmMain& w = d.open();
+        QVERIFY(!w.timer("tmrCheckCD").isActive());
+        QVERIFY(!w.timer("tmrNewCD").isActive());
+        d.set("CheckCD", "1");
+        w.CheckCD();
+        QVERIFY(w.timer("tmrCheckCD").isActive());
+    }
+
+    void noDriveSettingDoesNothing()
+    {
+        Dashboard d;
+        frmMain& w = d.open();
+        w.tmrCheckCD_Timer();
+        QVERIFY(!w.volumeQueryRunning());
+        QVERIFY(w.label("StatusBarPanel3")->pixmap().isNull());
+    }
+
+    void externalDatabase()
+    {
+        Dashboard d;
+        d.exec("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'Local', 1)");
+        QTemporaryDir friendFolder;
+        test::TestApp other;
+        other.ctx.setDatabaseFolder(friendFolder.path());
+        Reanimator(other.ctx, 0);
+        {
+            Db db(other.ctx.MainDBPath);
+            db.exec("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'A', 1), (2, 'B', 1), (3, 'C', 1)");
+        }
+        const QString friendDb = friendFolder.filePath("friend.db");
+        QFile::rename(other.ctx.MainDBPath, friendDb);
+        frmMain& w = d.open();
+        const QString localPath = d.app.ctx.MainDBPath;
+
+        d.app.prompter.answerPath(friendDb);
+        w.runCommand("ID_DB_Open");
+        QVERIFY(d.app.ctx.ExternalDBOpen);
+        QCOMPARE(w.statusPanelText(1), "База данных - внешняя (файл: 'friend.db')");
+        QCOMPARE(d.text("lblCDsAudio"), "3");
+        QCOMPARE(d.text("lblCDdueAudio"), "-");
+        QCOMPARE(d.text("lblCDsAudioUpdate"), "-");
+        QCOMPARE(w.listBarGroups(), QStringList{"1"});
+        QVERIFY(!w.action("ID_Catalog_ChangeCategory")->isEnabled());
+        QVERIFY(w.action("ID_DB_OpenLocal")->isEnabled());
+        QVERIFY(!w.driveSelector()->isEnabled());
+        QVERIFY(!w.timer("tmrCheckCD").isActive());
+        w.listBarItemClicked("g2", "Список должников");
+        QCOMPARE(d.app.prompter.shown.last().text, "qwe");
+        QCOMPARE(d.app.prompter.shown.last().style, MessageStyle::Plain);
+
+        d.app.prompter.answerPath(friendDb);
+        w.runCommand("ID_DB_Open");
+        QCOMPARE(d.app.prompter.texts().last(), "База данных 'friend.db' уже открыта.");
+
+        w.runCommand("ID_DB_OpenLocal");
+        QVERIFY(!d.app.ctx.ExternalDBOpen);
+        QCOMPARE(d.app.ctx.MainDBPath, localPath);
+        QCOMPARE(w.statusPanelText(1), "База данных - локальная");
+        QCOMPARE(d.text("lblCDsAudio"), "1");
+        QCOMPARE(w.listBarGroups(), (QStringList{"1", "g2", "g3", "g4"}));
+        QVERIFY(w.action("ID_Catalog_ChangeCategory")->isEnabled());
+        QVERIFY(!w.action("ID_DB_OpenLocal")->isEnabled());
+        QVERIFY(w.timer("tmrCheckCD").isActive());
+    }
+
+    void foreignFileAsExternalDatabase()
+    {
+        Dashboard d;
+        const QString text = m_dir.filePath("notes.db");
+        test::writeFile(text, "not a database at all\n");
+        frmMain& w = d.open();
+        d.app.prompter.answerPath(text);
+        w.runCommand("ID_DB_Open");
+        QCOMPARE(d.app.prompter.texts().last(),
+                 "ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или имеет не верный формат.");
+        QVERIFY(!d.app.ctx.ExternalDBOpen);
+        QCOMPARE(w.statusPanelText(1), "База данных - локальная");
+        QCOMPARE(d.app.ctx.MainDBPath, d.app.file("vinora.db"));
+        QCOMPARE(test::readFile(text), QByteArray("not a database at all\n"));
+    }
+
+    void lastAction_data()
+    {
+        QTest::addColumn<QString>("stored"); // "-" for missing
+        QTest::addColumn<QString>("command");
+        QTest::newRow("missing") << "-" << "ID_Catalog_AddAudioCD";
+        QTest::newRow("1") << "1" << "ID_Catalog_AddAudioCD";
+        QTest::newRow("2") << "2" << "ID_Catalog_AddPCCD";
+        QTest::newRow("3") << "3" << "ID_Catalog_AddDVD";
+        QTest::newRow("9") << "9" << "";
+        QTest::newRow("garbage") << "x" << "";
+    }
+
+    void lastAction()
+    {
+        QFETCH(QString, stored);
+        QFETCH(QString, command);
+        QCOMPARE(lastAddCommand(stored == "-" ? QString() : stored, stored != "-"), command);
+    }
+
+    void deletingAShortcutRenumbers()
+    {
+        Dashboard d;
+        test::writeFile(d.app.file("query.ini"),
+                        cp1251::encode(QStringLiteral("[Query]\nCount=3\n[1]\nName=Рок\n[2]\nName=Джаз\n[3]\nName=Игры\n"
+                                                      "[Рок]\nNum=1\nCategory=AD\n[Джаз]\nNum=2\nCategory=AD\n"
+                                                      "[Игры]\nNum=3\nCategory=PC\n")));
+        frmMain& w = d.open();
+        QCOMPARE(w.listBarItems("g4"), (QStringList{"Рок", "Джаз", "Игры"}));
+        d.app.prompter.answer(Answer::No);
+        w.deleteShortcut("Рок");
+        QCOMPARE(w.listBarItems("g4").size(), 3);
+        d.app.prompter.answer(Answer::Yes);
+        w.deleteShortcut("Рок");
+        QCOMPARE(d.app.prompter.texts().last(), "Вы дейсвительно хотите удалить ярлык 'Рок'?");
+        const IniFile ini = d.app.ctx.queryIni();
+        QCOMPARE(ini.read("Query", "Count", 55), "2");
+        QCOMPARE(ini.read("1", "Name", 55), "Джаз");
+        QCOMPARE(ini.read("2", "Name", 55), "Игры");
+        QCOMPARE(ini.read("3", "Name", 55), "");
+        QCOMPARE(ini.read("Джаз", "Num", 55), "1");
+        QCOMPARE(ini.read("Игры", "Num", 55), "2");
+        QCOMPARE(ini.read("Рок", "Category", 55), "");
+        QCOMPARE(w.listBarItems("g4"), (QStringList{"Джаз", "Игры"}));
+
+        ini.removeSection("Игры");
+        w.listBarItemClicked("g4", "Игры");
+        QCOMPARE(d.app.prompter.texts().last(), "Запрос с именем 'Игры' ее найден!");
+    }
+
+    void garbageFilesStillOpen()
+    {
+        Dashboard d;
+        QByteArray garbage("[Query]\nCount=999999\n[1]\nName=\x01\x02\x03\n");
+        garbage += QByteArray(2000, '\xFE');
+        test::writeFile(d.app.file("query.ini"), garbage);
+        test::writeFile(d.app.file("vinora.ini"), QByteArray("[Option]\nDrive=\x05\x06/nowhere\ntmrCD=abc\nCheckCD=\xFF\n") +
+                                                     QByteArray(500, '\0'));
+        frmMain& w = d.open();
+        QVERIFY(w.listBarItems("g4").size() <= 1);
+        d.tick();
+        QVERIFY(!d.visible("lblNewAD"));
+    }
+
+    void driveSelectorAndImages()
+    {
+        Dashboard d;
+        const QString iso = m_discs.iso("sel.iso", {"-V", "SEL"});
+        frmMain& w = d.open();
+        d.app.prompter.answerPath(iso);
+        w.runCommand("ID_DB_DiskImageAdd");
+        QCOMPARE(w.driveSelector()->currentText(), iso);
+        QCOMPARE(d.app.ctx.ini().read("Option", "Drive", 4096), iso);
+        QVERIFY(w.driveSelector()->isEnabled());
+        d.tick();
+        QVERIFY(w.timer("tmrNewCD").isActive()); // an unknown data disc: the sign blinks
+        w.runCommand("ID_DB_DiskImageRemove");
+        QVERIFY(w.driveSelector()->findText(iso) < 0);
+    }
+
+    void helpAndPanel()
+    {
+        Dashboard d;
+        frmMain& w = d.open();
+        w.runCommand("ID_Help_Info");
+        QCOMPARE(d.app.prompter.openedUrls.value(0), QUrl::fromLocalFile(shippedFile("readme.txt")));
+        w.runCommand("ID_Help_Index");
+        QVERIFY(d.app.prompter.openedUrls.value(1).toLocalFile().endsWith("help/О программе.htm"));
+        QString shownVersion;
+        d.app.prompter.handleModal([&](QDialog& dialog) {
+            shownVersion = dialog.findChild<QLabel*>("lblVersion")->text();
+            return 0;
+        });
+        w.runCommand("ID_Help_About");
+        QCOMPARE(shownVersion, "vinora 1.0 build 1");
+        QVERIFY(w.listBarGroups().size() == 4);
+        w.runCommand("ID_Panel");
+        QVERIFY(!w.findChild<QWidget*>("SSListBar")->isVisible());
+        QVERIFY(!w.action("ID_Panel")->isChecked());
+    }
+
+    void changeCategoryOfTheDiscInTheDrive()
+    {
+        Dashboard d;
+        const QString iso = m_discs.iso("cat.iso", {"-V", "CAT"});
+        addVirtualDrive(d.app.ctx.ini(), iso);
+        d.set("Drive", iso);
+        frmMain& w = d.open();
+        d.app.prompter.answer(Answer::Yes);
+        d.app.prompter.handleModal([](QDialog& dialog) {
+            dialog.findChild<QWidget*>("optDVD")->setProperty("checked", true);
+            return int(QDialog::Accepted);
+        });
+        w.runCommand("ID_Catalog_ChangeCategory");
+        const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
+        QCOMPARE(d.app.ctx.skipIni().read("CD", id, 15), "DVD");
+        QVERIFY(w.timer("tmrCheckCD").isActive());
+    }
+};
+
+VINORA_TEST_MAIN(tst_dashboard)
+#include "tst_dashboard.moc"
