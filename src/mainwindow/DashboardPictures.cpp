@@ -49,7 +49,7 @@ QPixmap discPicture(DiscPicture picture, int size)
         break;
     case DiscPicture::Unknown:
         drawDisc(painter, size, QColor(0xd0, 0x8a, 0x1e));
-        painter.setPen(QPen(Qt::white));
+        painter.setPen(QPen(QColor(0x4a, 0x2a, 0x00)));
         QFont font = painter.font();
         font.setBold(true);
         font.setPixelSize(size / 2);

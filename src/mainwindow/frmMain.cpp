@@ -76,7 +76,7 @@ frmMain::frmMain(AppContext& ctx, QWidget* parent) : QMainWindow(parent), m_ctx(
     setObjectName(QStringLiteral("frmMain"));
     setWindowIcon(QIcon(QStringLiteral(":/icons/vinora.svg")));
     setMinimumSize(kMinimumWidth, kMinimumHeight);
-    resize(820, 560); // the designed size
+    resize(900, 580); // the designed size
     // The timers as designed: the drive is watched once a second, the signs blink.
     m_tmrCheckCD.setInterval(1000);
     m_tmrNewCD.setInterval(500);
@@ -248,9 +248,13 @@ QWidget* frmMain::buildCategoryBlock(Category category)
             [this, category](bool inside) { block(category).logo->setPixmap(logoPicture(category, inside)); });
     grid->addWidget(b.logo, 0, 0, 3, 1, Qt::AlignTop);
 
+    // Fixed columns, so that the three blocks line up.
     const auto addValue = [&](int rowIndex, const QString& caption, const QString& objectName) {
-        grid->addWidget(new QLabel(caption, frame), rowIndex, 1);
+        auto* captionLabel = new QLabel(caption, frame);
+        captionLabel->setMinimumWidth(captionLabel->fontMetrics().horizontalAdvance(QStringLiteral("Последнее изменение: ")));
+        grid->addWidget(captionLabel, rowIndex, 1);
         auto* value = new QLabel(QStringLiteral("-"), frame);
+        value->setMinimumWidth(value->fontMetrics().horizontalAdvance(QStringLiteral("30 сентября 2026 г. ")) + 8);
         value->setObjectName(objectName);
         QFont bold = value->font();
         bold.setBold(true);
@@ -275,13 +279,16 @@ QWidget* frmMain::buildCategoryBlock(Category category)
     b.dueCount->setToolTip(QStringLiteral("Срок возврата наступил"));
     dueRow->addWidget(b.dueSign);
     dueRow->addWidget(b.dueCount);
+    dueRow->addStretch(1);
     b.dueFrame->hide();
+    b.dueFrame->setMinimumWidth(70);
     grid->addWidget(b.dueFrame, 2, 3);
 
     b.newSign = new QLabel(frame);
     b.newSign->setObjectName(name("imgNew", names.signs));
     b.newLabel = new QLabel(frame);
     b.newLabel->setObjectName(name("lblNew", names.signs));
+
     b.shareSign = new QLabel(frame);
     b.shareSign->setObjectName(name("imgShare", names.signs));
     b.shareSign->setPixmap(discPicture(DiscPicture::Present, 16));
@@ -290,12 +297,16 @@ QWidget* frmMain::buildCategoryBlock(Category category)
     connect(b.shareLink, &ClickableLabel::pressed, this, [this, category] { shareLinkClicked(category); });
     auto* signRow = new QHBoxLayout;
     signRow->addWidget(b.newSign);
-    signRow->addWidget(b.newLabel, 1);
+    signRow->addWidget(b.newLabel);
     auto* shareRow = new QHBoxLayout;
     shareRow->addWidget(b.shareSign);
-    shareRow->addWidget(b.shareLink, 1);
-    grid->addLayout(signRow, 0, 4, 2, 1);
-    grid->addLayout(shareRow, 2, 4);
+    shareRow->addWidget(b.shareLink);
+    shareRow->addStretch(1);
+    signRow->addSpacing(16);
+    signRow->addLayout(shareRow);
+    grid->addLayout(signRow, 3, 1, 1, 4);
+    // The columns keep their widths when the signs are hidden.
+    grid->setColumnMinimumWidth(3, 70);
     grid->setColumnStretch(4, 1);
     return frame;
 }
@@ -740,7 +751,9 @@ void frmMain::LoadDefaultCD()
     m_driveSelector->clear();
     const QStringList drives = GetCDDrives(m_ctx.ini());
     for (const QString& drive : drives) {
-        m_driveSelector->addItem(drive);
+        // Images are shown by their file name; the path goes with the item.
+        m_driveSelector->addItem(QFileInfo(drive).isFile() ? QFileInfo(drive).fileName() : drive, drive);
+        m_driveSelector->setItemData(m_driveSelector->count() - 1, drive, Qt::ToolTipRole);
     }
     m_driveSelector->setEnabled(!drives.isEmpty() && !m_ctx.ExternalDBOpen);
     const QString chosen = chosenDrive(m_ctx.ini(), drives);
@@ -754,7 +767,7 @@ void frmMain::driveChosen(int index)
         return;
     }
     ResetDiscSigns();
-    setChosenDrive(m_ctx.ini(), m_driveSelector->itemText(index));
+    setChosenDrive(m_ctx.ini(), m_driveSelector->itemData(index).toString());
     CheckCD();
 }
 
@@ -775,7 +788,7 @@ void frmMain::addDiskImage()
 
 void frmMain::removeDiskImage()
 {
-    const QString drive = m_driveSelector->currentText();
+    const QString drive = m_driveSelector->currentData().toString();
     if (!virtualDrives(m_ctx.ini()).contains(drive)) {
         m_ctx.prompter().message(QStringLiteral("Выбранное устройство не является образом диска."),
                                  MessageStyle::Exclamation);
@@ -783,7 +796,7 @@ void frmMain::removeDiskImage()
     }
     removeVirtualDrive(m_ctx.ini(), drive);
     LoadDefaultCD();
-    setChosenDrive(m_ctx.ini(), m_driveSelector->currentText());
+    setChosenDrive(m_ctx.ini(), m_driveSelector->currentData().toString());
     CheckCD();
 }
 
@@ -791,7 +804,8 @@ void frmMain::changeCategory()
 {
     m_tmrCheckCD.stop();
     const bool restart = underFaultHandler(m_ctx, QStringLiteral("frmMain, mnuChangeCategory()"), [this] {
-        return ChangeDiscCategory(m_ctx, m_driveSelector->currentText(), frmSelectCategory::chooser(m_ctx, this));
+        return ChangeDiscCategory(m_ctx, m_driveSelector->currentData().toString(),
+                                  frmSelectCategory::chooser(m_ctx, this));
     });
     if (restart) {
         m_tmrCheckCD.start();

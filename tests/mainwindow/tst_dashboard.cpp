@@ -364,13 +364,14 @@ private slots:
         frmMain& w = d.open();
         d.app.prompter.answerPath(iso);
         w.runCommand("ID_DB_DiskImageAdd");
-        QCOMPARE(w.driveSelector()->currentText(), iso);
+        QCOMPARE(w.driveSelector()->currentData().toString(), iso);
+        QCOMPARE(w.driveSelector()->currentText(), "sel.iso");
         QCOMPARE(d.app.ctx.ini().read("Option", "Drive", 4096), iso);
         QVERIFY(w.driveSelector()->isEnabled());
         d.tick();
         QVERIFY(w.timer("tmrNewCD").isActive()); // an unknown data disc: the sign blinks
         w.runCommand("ID_DB_DiskImageRemove");
-        QVERIFY(w.driveSelector()->findText(iso) < 0);
+        QVERIFY(w.driveSelector()->findData(iso) < 0);
     }
 
     void helpAndPanel()
