@@ -10,7 +10,7 @@ packages=(
   libsqlite3-dev sqlite3
   libcdio-dev libiso9660-dev libudf-dev e2fsprogs
   genisoimage xorriso udftools libcdio-utils libdiscid-dev
-  xvfb xauth fonts-dejavu-core
+  xvfb xauth fonts-dejavu-core adwaita-icon-theme
 )
 
 missing=()

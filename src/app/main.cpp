@@ -19,6 +19,10 @@ int main(int argc, char* argv[])
     QApplication::setDesktopFileName(QStringLiteral("vinora"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vinora.svg")));
     vinora::followDesktopTheme(app);
+    // Outside a desktop session no icon theme is named; the common one serves then.
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == u"hicolor") {
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+    }
     // The interface is Russian, and so are its dates and numbers.
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
 

@@ -5,10 +5,11 @@
 namespace vinora {
 namespace {
 
-MainCommand cmd(const char* id, const char* text, const char* menu, const char* toolbar = "", bool checkable = false)
+MainCommand cmd(const char* id, const char* text, const char* menu, const char* toolbar = "", bool checkable = false,
+                const char* icon = "")
 {
     return {QString::fromUtf8(id), QString::fromUtf8(text), QString::fromUtf8(menu), QString::fromUtf8(toolbar),
-            checkable};
+            checkable, QString::fromLatin1(icon)};
 }
 
 } // namespace
@@ -36,38 +37,38 @@ const QList<MainMenu>& mainMenus()
 const QList<MainCommand>& mainCommands()
 {
     static const QList<MainCommand> commands = {
-        cmd("ID_Catalog_AudioCD", "Аудио диски", "ID_Catalog", "Каталоги"),
-        cmd("ID_Catalog_PCCD", "Компьютерные диски", "ID_Catalog", "Каталоги"),
-        cmd("ID_Catalog_DVD", "DVD диски", "ID_Catalog", "Каталоги"),
+        cmd("ID_Catalog_AudioCD", "Аудио диски", "ID_Catalog", "Каталоги", false, "media-optical-audio"),
+        cmd("ID_Catalog_PCCD", "Компьютерные диски", "ID_Catalog", "Каталоги", false, "media-optical"),
+        cmd("ID_Catalog_DVD", "DVD диски", "ID_Catalog", "Каталоги", false, "media-optical-dvd"),
         cmd("ID_Catalog_AddAudioCD", "Аудио диск", "ID_Catalog_AddCD"),
         cmd("ID_Catalog_AddPCCD", "Компьютерный диск", "ID_Catalog_AddCD"),
         cmd("ID_Catalog_AddDVD", "DVD диск", "ID_Catalog_AddCD"),
         cmd("ID_Catalog_ChangeNumber", "Изменить номер диска", "ID_Catalog"),
         cmd("ID_Catalog_ChangeCategory", "Изменить категорию диска", "ID_Catalog"),
-        cmd("ID_Quit", "Выход", "ID_Catalog"),
-        cmd("ID_Due_List", "Список Должников", "ID_Due", "Должники"),
-        cmd("ID_Due_DiskHistory", "История дисков", "ID_Due", "Должники"),
-        cmd("ID_Due_Stat", "Статистика", "ID_Due", "Должники"),
+        cmd("ID_Quit", "Выход", "ID_Catalog", "", false, "application-exit"),
+        cmd("ID_Due_List", "Список Должников", "ID_Due", "Должники", false, "x-office-address-book"),
+        cmd("ID_Due_DiskHistory", "История дисков", "ID_Due", "Должники", false, "document-open-recent"),
+        cmd("ID_Due_Stat", "Статистика", "ID_Due", "Должники", false, "x-office-spreadsheet"),
         cmd("ID_Due_EditNames", "Редактирование имен должников", "ID_Due"),
-        cmd("ID_Due_Admin", "Управление должниками", "ID_Due", "Должники"),
-        cmd("ID_DB_Open", "Открыть...", "ID_DB", "База данных"),
-        cmd("ID_DB_OpenLocal", "Открыть локальную", "ID_DB", "База данных"),
+        cmd("ID_Due_Admin", "Управление должниками", "ID_Due", "Должники", false, "contact-new"),
+        cmd("ID_DB_Open", "Открыть...", "ID_DB", "База данных", false, "document-open"),
+        cmd("ID_DB_OpenLocal", "Открыть локальную", "ID_DB", "База данных", false, "go-home"),
         cmd("ID_DB_Save", "Сохранить как...", "ID_DB"),
         cmd("ID_DB_ExportHTML", "HTML-файл...", "ID_DB_Export"),
         cmd("ID_DB_ExportDB", "DB-файл...", "ID_DB_Export"),
         cmd("ID_DB_Import", "Импорт...", "ID_DB"),
-        cmd("ID_DB_Wizard", "Мастер обслуживания", "ID_DB", "База данных"),
-        cmd("ID_DB_Option", "Параметры", "ID_DB", "База данных"),
-        cmd("ID_DB_Search", "Поиск", "ID_DB", "База данных"),
+        cmd("ID_DB_Wizard", "Мастер обслуживания", "ID_DB", "База данных", false, "emblem-system"),
+        cmd("ID_DB_Option", "Параметры", "ID_DB", "База данных", false, "preferences-system"),
+        cmd("ID_DB_Search", "Поиск", "ID_DB", "База данных", false, "edit-find"),
         cmd("ID_View_Toolbars_Catalog", "Каталоги", "ID_View_Toolbars", "", true),
         cmd("ID_View_Toolbars_Due", "Должники", "ID_View_Toolbars", "", true),
         cmd("ID_View_Toolbars_DB", "База данных", "ID_View_Toolbars", "", true),
         cmd("ID_View_Toolbars_Option", "Настройка...", "ID_View_Toolbars"),
         cmd("ID_Panel", "Панель vinora", "ID_View", "", true),
-        cmd("ID_Help_Index", "Справка", "ID_Help"),
+        cmd("ID_Help_Index", "Справка", "ID_Help", "", false, "help-contents"),
         cmd("ID_Help_Info", "Информация", "ID_Help"),
-        cmd("ID_Help_About", "О программе", "ID_Help"),
-        cmd("ID_AddCD", "Добавить", "", "Каталоги"),
+        cmd("ID_Help_About", "О программе", "ID_Help", "", false, "help-about"),
+        cmd("ID_AddCD", "Добавить", "", "Каталоги", false, "list-add"),
         cmd("ID_QuickADCatalog", "Каталог", "ID_QuickAD"),
         cmd("ID_QuickADNewCD", "Новый диск", "ID_QuickAD"),
         cmd("ID_QuickADFind", "Поиск треков...", "ID_QuickAD"),

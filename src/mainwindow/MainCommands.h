@@ -15,6 +15,7 @@ struct MainCommand
     QString menuId;  // ID_Catalog, ID_Due, ID_DB, ID_View, ID_Help, or a submenu identifier
     QString toolbar; // "Каталоги", "Должники", "База данных" or empty
     bool checkable = false;
+    QString icon; // a name of the desktop's icon theme
 };
 
 struct MainMenu

@@ -124,10 +124,12 @@ void frmMain::buildMenusAndToolbars()
     for (const MainToolbar& entry : mainToolbars()) {
         QToolBar* bar = addToolBar(entry.title);
         bar->setObjectName(entry.objectName);
+        bar->setToolButtonStyle(Qt::ToolButtonFollowStyle);
         toolbars.insert(entry.title, bar);
     }
     for (const MainCommand& command : mainCommands()) {
-        auto* act = new QAction(command.text, this);
+        auto* act = new QAction(QIcon::fromTheme(command.icon), command.text, this);
+        act->setToolTip(command.text);
         act->setObjectName(command.id);
         act->setCheckable(command.checkable);
         act->setEnabled(isLiveCommand(command.id));
