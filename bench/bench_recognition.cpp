@@ -3,6 +3,8 @@
 #include "recognition/VolumeIdentity.h"
 #include "recognition/VolumeReader.h"
 
+#include "BenchSupport.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -16,30 +18,10 @@
 #include <vector>
 
 using namespace vinora;
+using namespace vinora::bench;
 
 namespace {
 
-int g_failures = 0;
-
-double medianMs(int runs, const std::function<void()>& work)
-{
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
-void report(const char* what, double ms, double goalMs)
-{
-    const bool met = ms <= goalMs;
-    g_failures += met ? 0 : 1;
-    std::printf("%-52s %9.3f ms   goal %9.3f ms   %s\n", what, ms, goalMs, met ? "ok" : "MISSED");
-}
 
 bool run(const QString& program, const QStringList& arguments)
 {
@@ -113,6 +95,5 @@ int main(int argc, char* argv[])
         std::fprintf(stderr, "expected 20,200 entries, got %d\n", entries);
         return 1;
     }
-    std::printf("%s\n", g_failures == 0 ? "all goals met" : "some goals missed");
-    return g_failures == 0 ? 0 : 1;
+    return finish();
 }

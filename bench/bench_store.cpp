@@ -7,6 +7,8 @@
 #include "store/Reanimator.h"
 #include "frame/AppContext.h"
 
+#include "BenchSupport.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -17,6 +19,7 @@
 #include <vector>
 
 using namespace vinora;
+using namespace vinora::bench;
 
 namespace {
 
@@ -32,27 +35,6 @@ public:
     bool openUrl(const QUrl&) override { return false; }
 };
 
-int g_failures = 0;
-
-double medianMs(int runs, const std::function<void()>& work)
-{
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
-void report(const char* what, double ms, double goalMs)
-{
-    const bool met = ms <= goalMs;
-    g_failures += met ? 0 : 1;
-    std::printf("%-58s %9.2f ms   goal %7.0f ms   %s\n", what, ms, goalMs, met ? "ok" : "MISSED");
-}
 
 QString title(int i)
 {
@@ -136,6 +118,5 @@ int main(int argc, char* argv[])
            500);
     report("compact the three databases", medianMs(3, [&] { compactDatabases(ctx); }), 3000);
 
-    std::printf("%s\n", g_failures == 0 ? "all goals met" : "some goals missed");
-    return g_failures == 0 ? 0 : 1;
+    return finish();
 }

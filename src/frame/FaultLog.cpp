@@ -2,17 +2,12 @@
 
 #include "frame/AppContext.h"
 #include "frame/Cp1251.h"
+#include "frame/ProgramInfo.h"
 #include "frame/Version.h"
 
 #include <QFile>
 
 namespace vinora {
-
-QString faultLogVersion()
-{
-    return QString::number(kVersionMajor) + u'.' + QString::number(kVersionMinor) + QStringLiteral(" b") +
-           QString::number(kVersionRevision);
-}
 
 QString faultLogLine(const QDateTime& when, const AppError& error, const QString& place)
 {

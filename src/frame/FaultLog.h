@@ -9,9 +9,6 @@ namespace vinora {
 
 class AppContext;
 
-// The program's version as the fault log writes it: "1.0 b1".
-QString faultLogVersion();
-
 // One line of bugreport.log: date, time, version, description, code and place.
 QString faultLogLine(const QDateTime& when, const AppError& error, const QString& place);
 

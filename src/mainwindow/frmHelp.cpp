@@ -1,6 +1,7 @@
 #include "mainwindow/frmHelp.h"
 
 #include "frame/AppContext.h"
+#include "frame/ProgramInfo.h"
 #include "frame/Version.h"
 
 #include <QCoreApplication>
@@ -25,8 +26,7 @@ QString shippedFile(const QString& relativePath)
 
 QString frmHelp::versionText()
 {
-    return QStringLiteral("vinora ") + QString::number(kVersionMajor) + u'.' + QString::number(kVersionMinor) +
-           QStringLiteral(" build ") + QString::number(kVersionRevision);
+    return programBuildText();
 }
 
 frmHelp::frmHelp(AppContext& ctx, QWidget* parent) : QDialog(parent)

@@ -2,7 +2,7 @@
 
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
-#include "frame/Version.h"
+#include "frame/ProgramInfo.h"
 #include "frame/WindowPlacement.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/DashboardPictures.h"
@@ -99,7 +99,7 @@ frmMain::~frmMain()
 
 QString frmMain::captionText()
 {
-    return QStringLiteral("vinora ") + QString::number(kVersionMajor) + u'.' + QString::number(kVersionMinor);
+    return programCaption();
 }
 
 QString frmMain::datePanelText(const QDate& date)

@@ -1,6 +1,6 @@
 #include "mainwindow/frmSplashMain.h"
 
-#include "frame/Version.h"
+#include "frame/ProgramInfo.h"
 
 #include <QLabel>
 #include <QVBoxLayout>
@@ -24,9 +24,7 @@ frmSplashMain::frmSplashMain(QWidget* parent) : QWidget(parent, Qt::SplashScreen
 
 QString frmSplashMain::labelText()
 {
-    return QStringLiteral("vinora ") + QString::number(kVersionMajor) + u'.' + QString::number(kVersionMinor) +
-           QStringLiteral(" build ") + QString::number(kVersionRevision) +
-           QStringLiteral("\nКаталог аудио, компьютерных и DVD дисков\nСвободная программа для Linux");
+    return programBuildText() + QStringLiteral("\nКаталог аудио, компьютерных и DVD дисков\nСвободная программа для Linux");
 }
 
 void frmSplashMain::showAndPaint()
