@@ -4,6 +4,7 @@
 #include "frame/FaultLog.h"
 #include "frame/ProgramInfo.h"
 #include "frame/WindowPlacement.h"
+#include "catalogue/frmCatalogue.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/DashboardPictures.h"
 #include "mainwindow/MainCommands.h"
@@ -915,7 +916,13 @@ void frmMain::OpenLocalDB()
 
 void frmMain::runCommand(const QString& toolId)
 {
-    if (toolId == u"ID_Quit") {
+    if (toolId == u"ID_Catalog_AudioCD" || toolId == u"ID_QuickADCatalog") {
+        openCatalogue(Category::Audio);
+    } else if (toolId == u"ID_Catalog_PCCD" || toolId == u"ID_QuickPCCatalog") {
+        openCatalogue(Category::Computer);
+    } else if (toolId == u"ID_Catalog_DVD" || toolId == u"ID_QuickDVDCatalog") {
+        openCatalogue(Category::Dvd);
+    } else if (toolId == u"ID_Quit") {
         close();
     } else if (toolId == u"ID_Panel") {
         setListBarVisible(m_listBar->isHidden());
@@ -991,7 +998,8 @@ void frmMain::AddListbars()
                     {QStringLiteral("Мастер обслуживания"), QStringLiteral("Поиск")});
     addListBarGroup(QStringLiteral("g4"), QStringLiteral("Запрос"), {});
     // The items whose windows are still to come are shown, but cannot be chosen.
-    for (QListWidget* group : m_listBar->findChildren<QListWidget*>()) {
+    for (const char* key : {"g2", "g3"}) {
+        auto* group = m_listBar->findChild<QListWidget*>(QString::fromLatin1(key));
         for (int i = 0; i < group->count(); ++i) {
             group->item(i)->setFlags(group->item(i)->flags() & ~Qt::ItemIsEnabled);
         }
@@ -1006,9 +1014,7 @@ void frmMain::loadShortcuts()
     }
     group->clear();
     for (const QString& shortcut : shortcutNames(m_ctx.queryIni())) {
-        auto* item = new QListWidgetItem(shortcut, group);
-        // A shortcut opens its catalogue, which comes with the catalogue windows.
-        item->setFlags(item->flags() & ~Qt::ItemIsEnabled);
+        group->addItem(shortcut);
     }
 }
 
@@ -1045,14 +1051,41 @@ void frmMain::deleteShortcut(const QString& shortcut)
 void frmMain::listBarItemClicked(const QString& groupKey, const QString& text)
 {
     if (groupKey == u"g4") {
-        if (!shortcutQuery(m_ctx.queryIni(), text)) {
+        const std::optional<ShortcutQuery> query = shortcutQuery(m_ctx.queryIni(), text);
+        if (!query) {
             m_ctx.prompter().message(QStringLiteral("Запрос с именем '") + text + QStringLiteral("' ее найден!"),
                                      MessageStyle::Exclamation);
+            return;
         }
+        m_ctx.CatalogueQueryMode = true;
+        m_ctx.CatalogueQueryFilter = query->condition;
+        if (const CategoryInfo* category = categoryByCode(query->category)) {
+            openCatalogue(category->category);
+        }
+        m_ctx.CatalogueQueryFilter.clear();
         return;
     }
-    if (text == u"Список должников" && m_ctx.ExternalDBOpen) {
+    static const QHash<QString, QString> catalogueItems = {
+        {QStringLiteral("Аудио диски"), QStringLiteral("ID_Catalog_AudioCD")},
+        {QStringLiteral("Компьютерные диски"), QStringLiteral("ID_Catalog_PCCD")},
+        {QStringLiteral("DVD диски"), QStringLiteral("ID_Catalog_DVD")}};
+    if (catalogueItems.contains(text)) {
+        runCommand(catalogueItems.value(text));
+    } else if (text == u"Список должников" && m_ctx.ExternalDBOpen) {
         m_ctx.prompter().message(QStringLiteral("qwe"), MessageStyle::Plain);
+    }
+}
+
+void frmMain::openCatalogue(Category category)
+{
+    m_lastDriveDiscID.clear();
+    ResetDiscSigns();
+    {
+        frmCatalogue catalogue(m_ctx, category, this);
+        m_ctx.prompter().showModal(catalogue);
+    }
+    if (!m_ctx.ExternalDBOpen) {
+        LoadData();
     }
 }
 

@@ -59,6 +59,7 @@ public:
     // --- commands ---------------------------------------------------------------------
     void runCommand(const QString& toolId);
     void listBarItemClicked(const QString& groupKey, const QString& text);
+    void openCatalogue(Category category);
     void AddListbars();
     void LoadToolbars();
     void loadShortcuts();
