@@ -34,23 +34,30 @@ public:
         return m_at >= m_text.size();
     }
 
+    // A name, plain or in brackets, with "table.field" kept together.
     QString word()
     {
         skipBlanks();
-        if (m_at < m_text.size() && m_text[m_at] == u'[') {
-            const qsizetype close = m_text.indexOf(u']', m_at);
-            if (close < 0) {
-                return {};
+        QString name;
+        for (;;) {
+            if (m_at < m_text.size() && m_text[m_at] == u'[') {
+                const qsizetype close = m_text.indexOf(u']', m_at);
+                if (close < 0) {
+                    return {};
+                }
+                name += m_text.mid(m_at + 1, close - m_at - 1);
+                m_at = close + 1;
+            } else {
+                while (m_at < m_text.size() && (m_text[m_at].isLetterOrNumber() || m_text[m_at] == u'_')) {
+                    name += m_text[m_at++];
+                }
             }
-            const QString name = m_text.mid(m_at + 1, close - m_at - 1);
-            m_at = close + 1;
+            if (m_at < m_text.size() && m_text[m_at] == u'.' && !name.isEmpty()) {
+                name += m_text[m_at++];
+                continue;
+            }
             return name;
         }
-        const qsizetype start = m_at;
-        while (m_at < m_text.size() && (m_text[m_at].isLetterOrNumber() || m_text[m_at] == u'_' || m_text[m_at] == u'.')) {
-            ++m_at;
-        }
-        return m_text.mid(start, m_at - start);
     }
 
     QString op()

@@ -363,7 +363,7 @@ void frmCatalogue::dcDatabase_Reposition()
         }
         m_tabs->setCurrentIndex(0);
         m_tabs->setTabText(1, QString());
-        m_tabs->setEnabled(false);
+        m_tabs->setTabEnabled(1, false);
         m_lblSorted->setEnabled(false);
         m_cmbSorted->setEnabled(false);
         m_chSortedDESC->setEnabled(false);
@@ -405,7 +405,7 @@ void frmCatalogue::dcDatabase_Reposition()
     // The cover: never on view while another database is.
     if (m_ctx.ExternalDBOpen) {
         m_tabs->setTabText(1, QString());
-        m_tabs->setEnabled(false);
+        m_tabs->setTabEnabled(1, false);
         m_imgBox->clear();
     } else {
         const QString cover = coverPath(m_ctx, m_kind, m_rows->number(m_row));
@@ -416,7 +416,7 @@ void frmCatalogue::dcDatabase_Reposition()
         }
         m_imgBox->setPixmap(picture);
         m_tabs->setTabText(1, QStringLiteral("Обложка"));
-        m_tabs->setEnabled(true);
+        m_tabs->setTabEnabled(1, true);
     }
     if (m_cmbCountCD) {
         const QSignalBlocker quiet(m_cmbCountCD);

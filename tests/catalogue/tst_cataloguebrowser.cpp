@@ -1,0 +1,356 @@
+#include "../recognition/DiscFixtures.h"
+#include "catalogue/frmCatalogue.h"
+#include "recognition/VolumeIdentity.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "store/InfoStamp.h"
+#include "store/Reanimator.h"
+#include "store/Schema.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestFolders.h"
+#include "support/TestMain.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+
+using namespace vinora;
+
+namespace {
+
+// A catalogue of the given category with rows (number, name, year) added in order.
+struct Catalogue
+{
+    test::TestApp app;
+    Category category;
+    std::unique_ptr<frmCatalogue> window;
+
+    explicit Catalogue(Category which) : category(which) { Reanimator(app.ctx, 0); }
+
+    const CatalogueKind& kind() const { return catalogueKind(category); }
+
+    void add(int number, const QString& name, const QString& year = {}, int dictionary = 1)
+    {
+        Db db(app.ctx.MainDBPath);
+        db.exec("INSERT INTO " + quoted(kind().info().table) + " (Номер, Название, Год, Дисков, " +
+                    quoted(kind().dictionaryKey) + ") VALUES (?, ?, ?, 1, ?)",
+                {number, name, year.isEmpty() ? QVariant() : QVariant(year), dictionary});
+    }
+    frmCatalogue& open()
+    {
+        window = std::make_unique<frmCatalogue>(app.ctx, category);
+        window->show();
+        return *window;
+    }
+    template <typename T = QWidget>
+    T* control(const QString& name) const
+    {
+        return window->findChild<T*>(name);
+    }
+    QString label(const QString& name) const { return control<QLabel>(name)->text(); }
+    QStringList rows() const
+    {
+        QStringList list;
+        for (int i = 0; i < window->rowCount(); ++i) {
+            list.append(window->rowText(i));
+        }
+        return list;
+    }
+    void typeName(const QString& text)
+    {
+        auto* field = control<QLineEdit>("txtName");
+        field->setFocus();
+        field->selectAll();
+        for (const QChar ch : text) {
+            QTest::sendKeyEvent(QTest::Press, field, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+            QTest::sendKeyEvent(QTest::Release, field, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+        }
+    }
+};
+
+// Types one character, Cyrillic included, into a widget.
+void typeChar(QWidget* widget, const QString& character)
+{
+    QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, character, Qt::NoModifier);
+    QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, character, Qt::NoModifier);
+}
+
+void addCategories()
+{
+    QTest::addColumn<int>("category");
+    QTest::newRow("audio") << int(Category::Audio);
+    QTest::newRow("computer") << int(Category::Computer);
+    QTest::newRow("DVD") << int(Category::Dvd);
+}
+
+} // namespace
+
+class tst_cataloguebrowser : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    test::DiscFixtures m_discs{m_dir.path()};
+
+private slots:
+    void emptyCatalogue_data() { addCategories(); }
+    void emptyCatalogue()
+    {
+        QFETCH(int, category);
+        Catalogue c(static_cast<Category>(category));
+        frmCatalogue& w = c.open();
+        QCOMPARE(w.windowTitle(), c.kind().title);
+        QCOMPARE(c.label("lblCDsCount0"), "Дисков в каталоге:");
+        QCOMPARE(c.label("lblCDsCount1"), "0");
+        QVERIFY(!c.control("imgButton2")->isEnabled());
+        QVERIFY(!c.control("cmbSorted")->isEnabled());
+        QVERIFY(!c.control("txtName")->isEnabled());
+        QVERIFY(c.control("imgButton0")->isEnabled());
+    }
+
+    void queryWithoutResult_data() { addCategories(); }
+    void queryWithoutResult()
+    {
+        QFETCH(int, category);
+        Catalogue c(static_cast<Category>(category));
+        c.add(1, "Первый");
+        c.open();
+        c.typeName("zzz");
+        QCOMPARE(c.rows(), QStringList());
+        QCOMPARE(c.label("lblCDsCount0"), "Дисков удовлетворяющих запросу:");
+        QCOMPARE(c.label("lblCDsCount1"), "0");
+        QVERIFY(c.control("txtName")->isEnabled()); // the filter can still be changed
+        QVERIFY(!c.control("imgButton2")->isEnabled());
+        QCOMPARE(c.window->windowTitle(), c.kind().queryTitle());
+        QVERIFY(c.control("imgButton5")->isEnabled());
+        qobject_cast<QPushButton*>(c.control("imgButton5"))->click();
+        QCOMPARE(c.rows(), QStringList{"1 Первый"});
+        QCOMPARE(c.window->windowTitle(), c.kind().title);
+    }
+
+    void sortTiesFollowTheDirection_data() { addCategories(); }
+    void sortTiesFollowTheDirection()
+    {
+        QFETCH(int, category);
+        Catalogue c(static_cast<Category>(category));
+        c.add(3, "C", "1999");
+        c.add(1, "A", "2001");
+        c.add(2, "B", "1999");
+        c.add(4, "D", "1999");
+        c.open();
+        QCOMPARE(c.rows(), (QStringList{"1 A", "2 B", "3 C", "4 D"}));
+        auto* sort = c.control<QComboBox>("cmbSorted");
+        sort->setCurrentIndex(sort->findText("по году"));
+        c.control<QCheckBox>("chSortedDESC")->setChecked(true);
+        c.window->cmbSorted_Click();
+        QCOMPARE(c.rows(), (QStringList{"1 A", "4 D", "3 C", "2 B"}));
+        c.control<QCheckBox>("chSortedDESC")->setChecked(false);
+        c.window->cmbSorted_Click();
+        QCOMPARE(c.rows(), (QStringList{"2 B", "3 C", "4 D", "1 A"}));
+    }
+
+    void typeAheadWraps()
+    {
+        Catalogue c(Category::Audio);
+        c.add(1, "Ария");
+        c.add(2, "Браво");
+        c.add(3, "агата Кристи");
+        c.add(4, "ABBA");
+        frmCatalogue& w = c.open();
+        auto* grid = c.control<QTableView>("DBGrid");
+        grid->setFocus();
+        typeChar(grid, "а");
+        QCOMPARE(w.currentRow(), 0);
+        typeChar(grid, "А");
+        QCOMPARE(w.currentRow(), 2);
+        typeChar(grid, "а");
+        QCOMPARE(w.currentRow(), 0); // wrapped
+        typeChar(grid, "б");
+        QCOMPARE(w.currentRow(), 1);
+        typeChar(grid, "я"); // no name: stays
+        QCOMPARE(w.currentRow(), 1);
+        QTest::keyClick(grid, Qt::Key_End);
+        QCOMPARE(w.currentRow(), 3);
+        QTest::keyClick(grid, Qt::Key_Home);
+        QCOMPARE(w.currentRow(), 0);
+    }
+
+    void jumpToANumber()
+    {
+        Catalogue c(Category::Computer);
+        c.add(5, "Пять");
+        c.add(9, "Девять");
+        frmCatalogue& w = c.open();
+        auto* number = c.control<QLineEdit>("txtNumber");
+        number->setFocus();
+        number->selectAll();
+        QTest::keyClicks(number, "9");
+        QTest::keyClick(number, Qt::Key_Return);
+        QCOMPARE(w.currentRow(), 1);
+        number->selectAll();
+        QTest::keyClicks(number, "7x7");
+        QCOMPARE(number->text(), "77");
+        QTest::keyClick(number, Qt::Key_Return);
+        QCOMPARE(c.app.prompter.texts().last(), "Диск № 77 не найден.");
+        QCOMPARE(w.currentRow(), 1);
+        QCOMPARE(number->text(), "9");
+        number->clear();
+        QTest::keyClick(number, Qt::Key_Return);
+        QCOMPARE(c.app.prompter.texts().last(), "Указан не верный номер диска. Повторите ввод.");
+    }
+
+    void deletingTheLastRow_data() { addCategories(); }
+    void deletingTheLastRow()
+    {
+        QFETCH(int, category);
+        Catalogue c(static_cast<Category>(category));
+        c.add(1, "Один");
+        c.add(2, "Два");
+        c.add(3, "Три");
+        const CatalogueKind& kind = c.kind();
+        if (kind.contents) {
+            Db lists(*kind.contents == ContentsKind::Tracks ? c.app.ctx.TracksDBPath : c.app.ctx.FilesDBPath);
+            ContentsLists(lists, *kind.contents).create("ABCD");
+            Db db(c.app.ctx.MainDBPath);
+            db.exec("UPDATE " + quoted(kind.info().table) + " SET ДискID1 = 'ABCD' WHERE Номер = 3");
+        }
+        test::writeFile(c.app.file("box/" + kind.info().coverPrefix + "3.box"), "picture");
+        frmCatalogue& w = c.open();
+        QTest::keyClick(c.control("DBGrid"), Qt::Key_End);
+        c.app.prompter.answer(Answer::No);
+        w.cmdDelete();
+        QCOMPARE(w.rowCount(), 3);
+        c.app.prompter.answer(Answer::Yes);
+        QTest::keyClick(c.control("DBGrid"), Qt::Key_Delete);
+        QCOMPARE(c.app.prompter.texts().last(), "Вы действительно хотите удалить диск № 3?\n" + kind.deleteSecondLine);
+        QCOMPARE(c.rows(), (QStringList{"1 Один", "2 Два"}));
+        QCOMPARE(w.currentRow(), 1);
+        QVERIFY(!QFile::exists(c.app.file("box/" + kind.info().coverPrefix + "3.box")));
+        Db db(c.app.ctx.MainDBPath);
+        QCOMPARE(readStamp(db, kind.info().stampField), c.app.clock.today());
+        if (kind.contents) {
+            Db lists(*kind.contents == ContentsKind::Tracks ? c.app.ctx.TracksDBPath : c.app.ctx.FilesDBPath);
+            QVERIFY(!ContentsLists(lists, *kind.contents).exists("ABCD"));
+        }
+    }
+
+    void namesAreFoundAsTyped_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown"); // the text after CleanText
+        QTest::addColumn<QStringList>("found");
+        QTest::newRow("apostrophe") << "it's" << "it's" << QStringList{"2 it's mine"};
+        QTest::newRow("percent is plain") << "50%" << "50%" << QStringList{"3 50% off"};
+        QTest::newRow("underscore is plain") << "_" << "_" << QStringList{"4 under_score"};
+        QTest::newRow("double quote") << "\"q" << "'q" << QStringList{"1 say 'quoted'"};
+        QTest::newRow("brackets") << "[live]" << "(live)" << QStringList{"5 best (live)"};
+        QTest::newRow("Cyrillic any case") << "ЁЛК" << "ЁЛК" << QStringList{"6 Ёлки-палки"};
+    }
+
+    void namesAreFoundAsTyped()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, shown);
+        QFETCH(QStringList, found);
+        Catalogue c(Category::Audio);
+        c.add(1, "say 'quoted'");
+        c.add(2, "it's mine");
+        c.add(3, "50% off");
+        c.add(4, "under_score");
+        c.add(5, "best (live)");
+        c.add(6, "Ёлки-палки");
+        c.open();
+        c.typeName(typed);
+        QCOMPARE(c.control<QLineEdit>("txtName")->text(), shown);
+        QCOMPARE(c.rows(), found);
+    }
+
+    void filtersFromOutside()
+    {
+        Catalogue c(Category::Audio);
+        c.add(1, "Rock one", {}, 27);
+        c.add(2, "Jazz one", {}, 16);
+        c.app.ctx.CatalogueQueryFilter = "AND Стиль = \"Rock\"";
+        c.open();
+        QCOMPARE(c.rows(), QStringList{"1 Rock one"});
+        c.window->reject();
+        QCOMPARE(c.app.ctx.CatalogueQueryFilter, QString());
+
+        c.app.ctx.CatalogueQueryFilter = "AND 1=1; DROP TABLE Аудио";
+        c.open();
+        QVERIFY(c.app.prompter.texts().last().startsWith("Условие запроса не распознано"));
+        QCOMPARE(c.rows().size(), 2);
+    }
+
+    void dictionaryFilterAndQueryMode()
+    {
+        Catalogue c(Category::Dvd);
+        c.add(1, "Комедия раз", {}, 4);
+        c.add(2, "Ужас", {}, 6);
+        c.app.ctx.CatalogueQueryMode = true;
+        c.open();
+        QCOMPARE(c.window->windowTitle(), "Каталог DVD дисков - Результат запроса");
+        auto* genre = c.control<QComboBox>("cmbGenre");
+        genre->setCurrentIndex(genre->findText("Ужасы"));
+        emit genre->activated(genre->currentIndex());
+        QCOMPARE(c.rows(), QStringList{"2 Ужас"});
+    }
+
+    void lentDiscShowsItsBorrower()
+    {
+        Catalogue c(Category::Audio);
+        c.add(1, "На руках");
+        {
+            Db db(c.app.ctx.MainDBPath);
+            db.exec("UPDATE Аудио SET Должник = -1");
+            db.exec("INSERT INTO ИменаДолжников (Имя) VALUES ('Пётр')");
+            db.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория) VALUES (1, 1, 'AD')");
+        }
+        c.open();
+        QCOMPARE(c.label("lblDue"), "Должник\nПётр");
+        QVERIFY(c.control("lblDue")->isVisible());
+        QVERIFY(!c.control("imgButton2")->isEnabled()); // a lent disc cannot be deleted
+    }
+
+    void sortOrderIsKept()
+    {
+        Catalogue c(Category::Computer);
+        c.add(1, "B", "2000");
+        c.add(2, "A", "1990");
+        c.app.ctx.ini().write("Option", "SaveSortedCatalogue", "1");
+        c.open();
+        auto* sort = c.control<QComboBox>("cmbSorted");
+        sort->setCurrentIndex(1);
+        c.window->cmbSorted_Click();
+        c.window->reject();
+        QCOMPARE(c.app.ctx.ini().read("Sorted", "PCCDsorted", 5), "1");
+        c.open();
+        QCOMPARE(c.control<QComboBox>("cmbSorted")->currentText(), "по названию");
+        QCOMPARE(c.rows(), (QStringList{"2 A", "1 B"}));
+    }
+
+    void findsTheDiscInTheDrive()
+    {
+        Catalogue c(Category::Audio);
+        const QString cue = m_discs.audioCue("drive", {15000, 15000, 15000});
+        const QString id = QString::number(readVolumeInfo(cue).serial, 16).toUpper();
+        c.add(1, "Один");
+        c.add(2, "Два");
+        {
+            Db db(c.app.ctx.MainDBPath);
+            db.exec("UPDATE Аудио SET Дисков = 3, ДискID2_d = ? WHERE Номер = 2", {id});
+        }
+        c.app.ctx.ini().write("Option", "AutoResp", "1");
+        c.app.ctx.ini().write("Option", "Drive", cue);
+        frmCatalogue& w = c.open();
+        QCOMPARE(w.currentRow(), 1);
+        QCOMPARE(c.control<QComboBox>("cmbCountCD")->currentText(), "2");
+        QCOMPARE(c.app.ctx.CurrentDiscID, id);
+    }
+};
+
+VINORA_TEST_MAIN(tst_cataloguebrowser)
+#include "tst_cataloguebrowser.moc"
