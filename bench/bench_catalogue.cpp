@@ -1,0 +1,74 @@
+// Speed of the catalogue browser on a collection of 20,000 audio discs: opening it with
+// its first screen shown, and one keystroke of the name filter.
+#include "BenchSupport.h"
+
+#include "catalogue/frmCatalogue.h"
+#include "frame/AppContext.h"
+#include "store/Db.h"
+#include "store/Reanimator.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace vinora;
+using namespace vinora::bench;
+
+namespace {
+
+class NoPrompts final : public Prompter
+{
+public:
+    Answer message(const QString&, MessageStyle) override { return Answer::Ok; }
+    std::optional<QString> input(const QString&, const QString&, const QString&) override { return std::nullopt; }
+    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
+    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
+    QString chooseFolder(const QString&, const QString&) override { return {}; }
+    int showModal(QDialog&) override { return 0; }
+    bool openUrl(const QUrl&) override { return false; }
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+    QTemporaryDir dir;
+    NoPrompts prompts;
+    SystemClock clock;
+    AppContext ctx(dir.path(), prompts, clock);
+    Reanimator(ctx, 0);
+    {
+        Db db(ctx.MainDBPath);
+        Transaction transaction(db);
+        Statement insert(db, QStringLiteral("INSERT INTO Аудио (Номер, Название, Альбом, Год, Дисков, КодСтиля) "
+                                            "VALUES (?, ?, ?, '1999', 1, ?)"));
+        static const char* const names[] = {"Ария", "Кино", "the Doors", "Ёлка", "Pink Floyd", "Зимовье Зверей"};
+        for (int i = 0; i < 20000; ++i) {
+            insert.run({i % 32000, QString(QString::fromUtf8(names[i % 6]) + u' ' + QString::number(i * 7919 % 100000)),
+                        QStringLiteral("Альбом %1").arg(i), 1 + i % 31});
+        }
+        transaction.commit();
+    }
+    std::unique_ptr<frmCatalogue> window;
+    report("open a catalogue of 20,000 discs, first screen shown", medianMs(5, [&] {
+               window = std::make_unique<frmCatalogue>(ctx, Category::Audio);
+               window->show();
+               QApplication::processEvents();
+           }),
+           100);
+    auto* name = window->findChild<QLineEdit*>(QStringLiteral("txtName"));
+    name->setFocus();
+    int keystroke = 0;
+    report("one keystroke of the name filter over 20,000 discs", medianMs(5, [&] {
+               name->clear();
+               QTest::keyClick(name, keystroke++ % 2 ? 'k' : 'd');
+               QApplication::processEvents();
+           }),
+           100);
+    std::printf("rows shown after the filter: %d\n", window->rowCount());
+    return finish();
+}
