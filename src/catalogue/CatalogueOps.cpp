@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QImageReader>
 
 namespace vinora {
 
@@ -15,6 +16,28 @@ QString coverPath(const AppContext& ctx, const CatalogueKind& kind, int number)
 {
     return QDir(ctx.appFile(QStringLiteral("box"))).filePath(kind.info().coverPrefix + QString::number(number) +
                                                               QStringLiteral(".box"));
+}
+
+bool isReadablePicture(const QString& path)
+{
+    QImageReader reader(path);
+    return reader.canRead() && !reader.read().isNull();
+}
+
+void setCover(const AppContext& ctx, const CatalogueKind& kind, int number, const QString& picture)
+{
+    QDir().mkpath(ctx.appFile(QStringLiteral("box")));
+    const QString cover = coverPath(ctx, kind, number);
+    const QString partial = cover + QStringLiteral(".part");
+    QFile::remove(partial);
+    if (!QFile::copy(picture, partial)) {
+        throw AppError(err::PathFileAccess, QStringLiteral("Path/File access error: ") + cover);
+    }
+    QFile::remove(cover);
+    if (!QFile::rename(partial, cover)) {
+        QFile::remove(partial);
+        throw AppError(err::PathFileAccess, QStringLiteral("Path/File access error: ") + cover);
+    }
 }
 
 QString loanHolderName(const Db& db, const CatalogueKind& kind, qint64 key)

@@ -14,6 +14,13 @@ class Db;
 // The cover file of a disc: box/<prefix><number>.box in the application folder.
 QString coverPath(const AppContext& ctx, const CatalogueKind& kind, int number);
 
+// True when `path` holds a picture the program can show.
+bool isReadablePicture(const QString& path);
+
+// Copies a picture to the disc's cover file (replacing an old one), making the box folder.
+// AppError 75 when the copy fails.
+void setCover(const AppContext& ctx, const CatalogueKind& kind, int number, const QString& picture);
+
 // The name of the borrower who has the disc with record key `key`, or empty.
 QString loanHolderName(const Db& db, const CatalogueKind& kind, qint64 key);
 

@@ -12,6 +12,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -166,6 +167,8 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     connect(button(0), &QPushButton::clicked, this, &QDialog::reject);
     connect(button(2), &QPushButton::clicked, this, &frmCatalogue::cmdDelete);
     connect(button(5), &QPushButton::clicked, this, &frmCatalogue::ShowWholeCatalogue);
+    connect(button(8), &QPushButton::clicked, this, &frmCatalogue::cmdChangeBox);
+    connect(button(9), &QPushButton::clicked, this, &frmCatalogue::cmdDeleteBox);
     connect(m_cmbSorted, &QComboBox::activated, this, &frmCatalogue::cmbSorted_Click);
     connect(m_chSortedDESC, &QCheckBox::clicked, this, &frmCatalogue::cmbSorted_Click);
     connect(m_cmbDictionary, &QComboBox::activated, this, [this] {
@@ -229,7 +232,7 @@ void frmCatalogue::Form_Load()
         }
         // The commands whose windows are still to come stay off; so do the changing ones
         // while another database is on view.
-        for (const int index : {1, 3, 4, 6, 8, 9}) {
+        for (const int index : {1, 3, 4, 6}) {
             if (button(index)) {
                 button(index)->setEnabled(false);
             }
@@ -344,6 +347,56 @@ void frmCatalogue::txtAlbum_Enter()
 void frmCatalogue::setRowButtonsEnabled(bool enabled)
 {
     button(2)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
+    if (!enabled || m_ctx.ExternalDBOpen) {
+        button(8)->setEnabled(false);
+        button(9)->setEnabled(false);
+    }
+}
+
+void frmCatalogue::cmdChangeBox()
+{
+    if (m_row < 0) {
+        return;
+    }
+    const int number = m_rows->number(m_row);
+    const QString picture = m_ctx.prompter().openFile(
+        QStringLiteral("Добавление обложки для диска № ") + QString::number(number),
+        QStringLiteral("Файлы изображений (*.jpg;*.gif;*.png;*.bmp)|*.jpg;*.gif;*.png;*.bmp|Все файлы (*.*)|*.*"),
+        QString());
+    if (picture.isEmpty()) {
+        return;
+    }
+    if (!isReadablePicture(picture)) {
+        m_ctx.prompter().message(QStringLiteral("Этот формат изображения не поддерживается программой!"),
+                                 MessageStyle::Exclamation);
+        return;
+    }
+    if (QFileInfo::exists(coverPath(m_ctx, m_kind, number)) &&
+        m_ctx.prompter().message(QStringLiteral("Заменить обложку диска № ") + QString::number(number) + u'?',
+                                 MessageStyle::YesNo) != Answer::Yes) {
+        return;
+    }
+    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdChangeBox()"), [&] {
+        WaitCursor hourglass;
+        setCover(m_ctx, m_kind, number, picture);
+    });
+    dcDatabase_Reposition();
+}
+
+void frmCatalogue::cmdDeleteBox()
+{
+    if (m_row < 0) {
+        return;
+    }
+    const int number = m_rows->number(m_row);
+    if (m_ctx.prompter().message(QStringLiteral("Вы действительно хотите удалить обложку диска № ") +
+                                     QString::number(number) + u'?',
+                                 MessageStyle::YesNo) != Answer::Yes) {
+        return;
+    }
+    QFile::remove(coverPath(m_ctx, m_kind, number));
+    button(9)->setEnabled(false);
+    m_imgBox->clear();
 }
 
 void frmCatalogue::dcDatabase_Reposition()
@@ -415,6 +468,8 @@ void frmCatalogue::dcDatabase_Reposition()
             picture.load(cover);
         }
         m_imgBox->setPixmap(picture);
+        button(9)->setEnabled(!picture.isNull() || QFileInfo::exists(cover));
+        button(8)->setEnabled(true);
         m_tabs->setTabText(1, QStringLiteral("Обложка"));
         m_tabs->setTabEnabled(1, true);
     }

@@ -38,6 +38,8 @@ public:
     void ShowWholeCatalogue();
     void AutoResp();
     void cmdDelete();
+    void cmdChangeBox();
+    void cmdDeleteBox();
     // Positions on the row of `number`; false when there is none.
     bool goToNumber(int number);
 

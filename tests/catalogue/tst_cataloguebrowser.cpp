@@ -12,6 +12,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -330,6 +331,53 @@ private slots:
         c.open();
         QCOMPARE(c.control<QComboBox>("cmbSorted")->currentText(), "по названию");
         QCOMPARE(c.rows(), (QStringList{"2 A", "1 B"}));
+    }
+
+    void covers_data() { addCategories(); }
+    void covers()
+    {
+        QFETCH(int, category);
+        Catalogue c(static_cast<Category>(category));
+        c.add(12, "С обложкой");
+        const QString picture = m_dir.filePath("front.png");
+        QImage image(40, 30, QImage::Format_RGB32);
+        image.fill(Qt::darkCyan);
+        QVERIFY(image.save(picture));
+        const QString fake = m_dir.filePath("fake.jpg");
+        test::writeFile(fake, "just text with a picture's name\n");
+        const QString cover = c.app.file("box/" + c.kind().info().coverPrefix + "12.box");
+        frmCatalogue& w = c.open();
+        QVERIFY(!c.control("imgButton9")->isEnabled());
+
+        c.app.prompter.answerPath(picture);
+        w.cmdChangeBox();
+        QCOMPARE(test::readFile(cover), test::readFile(picture)); // the box folder was made
+        QVERIFY(c.control("imgButton9")->isEnabled());
+        QVERIFY(!c.control<QLabel>("imgBox")->pixmap().isNull());
+
+        c.app.prompter.answerPath(fake);
+        w.cmdChangeBox();
+        QCOMPARE(c.app.prompter.texts().last(), "Этот формат изображения не поддерживается программой!");
+        QCOMPARE(test::readFile(cover), test::readFile(picture));
+
+        image.fill(Qt::red);
+        const QString second = m_dir.filePath("second.png");
+        image.save(second);
+        c.app.prompter.answerPath(second);
+        c.app.prompter.answer(Answer::No);
+        w.cmdChangeBox();
+        QCOMPARE(c.app.prompter.texts().last(), "Заменить обложку диска № 12?");
+        QCOMPARE(test::readFile(cover), test::readFile(picture));
+        c.app.prompter.answerPath(second);
+        c.app.prompter.answer(Answer::Yes);
+        w.cmdChangeBox();
+        QCOMPARE(test::readFile(cover), test::readFile(second));
+
+        c.app.prompter.answer(Answer::Yes);
+        w.cmdDeleteBox();
+        QCOMPARE(c.app.prompter.texts().last(), "Вы действительно хотите удалить обложку диска № 12?");
+        QVERIFY(!QFile::exists(cover));
+        QVERIFY(!c.control("imgButton9")->isEnabled());
     }
 
     void findsTheDiscInTheDrive()
