@@ -10,7 +10,9 @@ Answer CliPrompter::message(const QString& text, MessageStyle style)
     if (!asksQuestion(style)) {
         return Answer::Ok;
     }
-    return style == MessageStyle::OkCancelQuestion || style == MessageStyle::OkCancelStop ? Answer::Cancel
+    return style == MessageStyle::OkCancelQuestion || style == MessageStyle::OkCancelStop ||
+                   style == MessageStyle::OkCancelInformation
+               ? Answer::Cancel
                                                                                            : Answer::No;
 }
 

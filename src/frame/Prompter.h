@@ -14,6 +14,7 @@ enum class MessageStyle {
     Plain = 0,              // OK, no icon
     YesNo = 4,              // Yes, No, no icon
     OkCancelQuestion = 33,  // OK, Cancel, question
+    OkCancelInformation = 65, // OK, Cancel, information
     Stop = 16,              // OK, stop
     Question = 32,          // OK, question
     YesNoQuestion = 36,     // Yes, No, question
@@ -31,6 +32,7 @@ constexpr bool asksQuestion(MessageStyle style)
     switch (style) {
     case MessageStyle::YesNo:
     case MessageStyle::OkCancelQuestion:
+    case MessageStyle::OkCancelInformation:
     case MessageStyle::YesNoQuestion:
     case MessageStyle::OkCancelStop:
     case MessageStyle::YesNoExclamation:

@@ -5,6 +5,7 @@
 #include "frame/ProgramInfo.h"
 #include "frame/WindowPlacement.h"
 #include "catalogue/frmCatalogue.h"
+#include "catalogue/frmChangeNumber.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/DashboardPictures.h"
 #include "mainwindow/MainCommands.h"
@@ -922,6 +923,10 @@ void frmMain::runCommand(const QString& toolId)
         openCatalogue(Category::Computer);
     } else if (toolId == u"ID_Catalog_DVD" || toolId == u"ID_QuickDVDCatalog") {
         openCatalogue(Category::Dvd);
+    } else if (toolId == u"ID_Catalog_ChangeNumber") {
+        frmChangeNumber dialog(m_ctx, this);
+        m_ctx.prompter().showModal(dialog);
+        LoadData();
     } else if (toolId == u"ID_Quit") {
         close();
     } else if (toolId == u"ID_Panel") {

@@ -159,7 +159,7 @@ private slots:
                                "ID_Catalog_ChangeCategory"}) {
             QVERIFY2(window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
-        for (const char* id : {"ID_Catalog_ChangeNumber", "ID_Due_List", "ID_DB_Option", "ID_DB_Wizard", "ID_AddCD",
+        for (const char* id : {"ID_Due_Admin", "ID_Due_List", "ID_DB_Option", "ID_DB_Wizard", "ID_AddCD",
                                "ID_Catalog_AddDVD", "ID_QuickADNewCD", "ID_ToolbarEditAdd"}) {
             QVERIFY2(!window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
