@@ -2,6 +2,8 @@
 
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/CatalogueRows.h"
+#include "catalogue/frmAddCD.h"
+#include "catalogue/frmAddInCatalogue.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
@@ -165,7 +167,16 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     layout->addLayout(bottom);
 
     connect(button(0), &QPushButton::clicked, this, &QDialog::reject);
+    connect(button(1), &QPushButton::clicked, this, &frmCatalogue::cmdAdd);
     connect(button(2), &QPushButton::clicked, this, &frmCatalogue::cmdDelete);
+    connect(button(3), &QPushButton::clicked, this, &frmCatalogue::cmdChange);
+    connect(m_grid, &QTableView::doubleClicked, this, [this] {
+        // DblClick = 1 opens the disc's list, which comes with the list windows.
+        if (!m_ctx.ExternalDBOpen && !(m_kind.doubleClickSetting &&
+                                       m_ctx.ini().number(kOption, QStringLiteral("DblClick"), 5) == 1)) {
+            cmdChange();
+        }
+    });
     connect(button(5), &QPushButton::clicked, this, &frmCatalogue::ShowWholeCatalogue);
     connect(button(8), &QPushButton::clicked, this, &frmCatalogue::cmdChangeBox);
     connect(button(9), &QPushButton::clicked, this, &frmCatalogue::cmdDeleteBox);
@@ -232,12 +243,14 @@ void frmCatalogue::Form_Load()
         }
         // The commands whose windows are still to come stay off; so do the changing ones
         // while another database is on view.
-        for (const int index : {1, 3, 4, 6}) {
+        for (const int index : {4, 6}) {
             if (button(index)) {
                 button(index)->setEnabled(false);
             }
         }
+        button(1)->setEnabled(!m_ctx.ExternalDBOpen);
         button(2)->setEnabled(!m_ctx.ExternalDBOpen);
+        button(3)->setEnabled(!m_ctx.ExternalDBOpen);
         button(5)->setEnabled(false);
         FullDictionary();
         for (const SortItem& item : m_kind.sortItems) {
@@ -347,9 +360,38 @@ void frmCatalogue::txtAlbum_Enter()
 void frmCatalogue::setRowButtonsEnabled(bool enabled)
 {
     button(2)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
+    button(3)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
     if (!enabled || m_ctx.ExternalDBOpen) {
         button(8)->setEnabled(false);
         button(9)->setEnabled(false);
+    }
+}
+
+void frmCatalogue::cmdAdd()
+{
+    if (!runAddDisc(m_ctx, m_kind.category, this)) {
+        return;
+    }
+    cmbSorted_Click();
+    goToNumber(m_ctx.LastSavedNumber);
+}
+
+void frmCatalogue::cmdChange()
+{
+    if (m_row < 0 || !button(3)->isEnabled()) {
+        return;
+    }
+    const int number = m_rows->number(m_row);
+    m_ctx.DialogDone = false;
+    {
+        frmAddInCatalogue editor(m_ctx, m_kind.category, frmAddInCatalogue::Mode::Change, number, this);
+        m_ctx.prompter().showModal(editor);
+    }
+    m_ctx.CatalogueQueryFilter.clear();
+    if (m_ctx.DialogDone) {
+        m_ctx.DialogDone = false;
+        cmbSorted_Click();
+        goToNumber(number);
     }
 }
 
@@ -535,6 +577,7 @@ void frmCatalogue::CheckDue()
     }
     // A disc on loan can be neither deleted nor changed.
     button(2)->setEnabled(false);
+    button(3)->setEnabled(false);
     const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
     m_lblDue->setText(QStringLiteral("Должник\n") + loanHolderName(db, m_kind, m_rows->key(m_row)));
     m_imgDue->show();
@@ -603,6 +646,11 @@ bool frmCatalogue::eventFilter(QObject* watched, QEvent* event)
         case Qt::Key_Delete:
             if (!m_ctx.ExternalDBOpen && button(2)->isEnabled()) {
                 cmdDelete();
+            }
+            return true;
+        case Qt::Key_Insert:
+            if (!m_ctx.ExternalDBOpen) {
+                cmdAdd();
             }
             return true;
         default:

@@ -38,6 +38,8 @@ public:
     void ShowWholeCatalogue();
     void AutoResp();
     void cmdDelete();
+    void cmdAdd();
+    void cmdChange();
     void cmdChangeBox();
     void cmdDeleteBox();
     // Positions on the row of `number`; false when there is none.

@@ -15,6 +15,7 @@ enum class MessageStyle {
     YesNo = 4,              // Yes, No, no icon
     OkCancelQuestion = 33,  // OK, Cancel, question
     OkCancelInformation = 65, // OK, Cancel, information
+    YesNoCancelQuestion = 35, // Yes, No, Cancel, question
     Stop = 16,              // OK, stop
     Question = 32,          // OK, question
     YesNoQuestion = 36,     // Yes, No, question
@@ -33,6 +34,7 @@ constexpr bool asksQuestion(MessageStyle style)
     case MessageStyle::YesNo:
     case MessageStyle::OkCancelQuestion:
     case MessageStyle::OkCancelInformation:
+    case MessageStyle::YesNoCancelQuestion:
     case MessageStyle::YesNoQuestion:
     case MessageStyle::OkCancelStop:
     case MessageStyle::YesNoExclamation:

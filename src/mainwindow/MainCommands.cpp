@@ -101,7 +101,10 @@ bool isLiveCommand(const QString& toolId)
         QStringLiteral("ID_DB_DiskImageAdd"), QStringLiteral("ID_DB_DiskImageRemove"),
         QStringLiteral("ID_DB_DefaultCDDVDROM"),
         QStringLiteral("ID_Catalog_AudioCD"), QStringLiteral("ID_Catalog_PCCD"), QStringLiteral("ID_Catalog_DVD"),
-        QStringLiteral("ID_Catalog_ChangeNumber"), QStringLiteral("ID_QuickADCatalog"), QStringLiteral("ID_QuickPCCatalog"), QStringLiteral("ID_QuickDVDCatalog"),
+        QStringLiteral("ID_Catalog_ChangeNumber"), QStringLiteral("ID_QuickADCatalog"),
+        QStringLiteral("ID_Catalog_AddAudioCD"), QStringLiteral("ID_Catalog_AddPCCD"), QStringLiteral("ID_Catalog_AddDVD"),
+        QStringLiteral("ID_AddCD"), QStringLiteral("ID_QuickADNewCD"), QStringLiteral("ID_QuickPCNewCD"),
+        QStringLiteral("ID_QuickDVDNewCD"), QStringLiteral("ID_QuickPCCatalog"), QStringLiteral("ID_QuickDVDCatalog"),
     };
     return live.contains(toolId);
 }

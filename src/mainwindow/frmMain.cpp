@@ -4,6 +4,7 @@
 #include "frame/FaultLog.h"
 #include "frame/ProgramInfo.h"
 #include "frame/WindowPlacement.h"
+#include "catalogue/frmAddCD.h"
 #include "catalogue/frmCatalogue.h"
 #include "catalogue/frmChangeNumber.h"
 #include "mainwindow/DashboardData.h"
@@ -923,6 +924,12 @@ void frmMain::runCommand(const QString& toolId)
         openCatalogue(Category::Computer);
     } else if (toolId == u"ID_Catalog_DVD" || toolId == u"ID_QuickDVDCatalog") {
         openCatalogue(Category::Dvd);
+    } else if (toolId == u"ID_Catalog_AddAudioCD" || toolId == u"ID_QuickADNewCD") {
+        addDisc(Category::Audio);
+    } else if (toolId == u"ID_Catalog_AddPCCD" || toolId == u"ID_QuickPCNewCD") {
+        addDisc(Category::Computer);
+    } else if (toolId == u"ID_Catalog_AddDVD" || toolId == u"ID_QuickDVDNewCD") {
+        addDisc(Category::Dvd);
     } else if (toolId == u"ID_Catalog_ChangeNumber") {
         frmChangeNumber dialog(m_ctx, this);
         m_ctx.prompter().showModal(dialog);
@@ -948,7 +955,9 @@ void frmMain::runCommand(const QString& toolId)
         const bool present = m_ctx.ini().has(QStringLiteral("Toolbars"), QStringLiteral("LastAction"), 5);
         const QString add = lastAddCommand(m_ctx.ini().read(QStringLiteral("Toolbars"), QStringLiteral("LastAction"), 5),
                                            present);
-        if (!add.isEmpty() && m_actions.value(add)->isEnabled()) {
+        if (!present) {
+            addDisc(Category::Audio, false);
+        } else if (!add.isEmpty() && m_actions.value(add)->isEnabled()) {
             runCommand(add);
         }
     } else if (toolId == u"ID_ToolbarEditDel") {
@@ -1081,12 +1090,26 @@ void frmMain::listBarItemClicked(const QString& groupKey, const QString& text)
     }
 }
 
-void frmMain::openCatalogue(Category category)
+void frmMain::addDisc(Category category, bool rememberAction)
+{
+    if (runAddDisc(m_ctx, category, this)) {
+        openCatalogue(category, m_ctx.LastSavedNumber);
+    }
+    if (rememberAction) {
+        m_ctx.ini().write(QStringLiteral("Toolbars"), QStringLiteral("LastAction"),
+                          QString::number(static_cast<int>(category) + 1));
+    }
+}
+
+void frmMain::openCatalogue(Category category, int number)
 {
     m_lastDriveDiscID.clear();
     ResetDiscSigns();
     {
         frmCatalogue catalogue(m_ctx, category, this);
+        if (number > 0) {
+            catalogue.goToNumber(number);
+        }
         m_ctx.prompter().showModal(catalogue);
     }
     if (!m_ctx.ExternalDBOpen) {

@@ -59,7 +59,8 @@ public:
     // --- commands ---------------------------------------------------------------------
     void runCommand(const QString& toolId);
     void listBarItemClicked(const QString& groupKey, const QString& text);
-    void openCatalogue(Category category);
+    void openCatalogue(Category category, int number = 0);
+    void addDisc(Category category, bool rememberAction = true);
     void AddListbars();
     void LoadToolbars();
     void loadShortcuts();

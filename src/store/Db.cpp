@@ -83,6 +83,8 @@ AppError sqlError(const QString& driverText, const QString& sql)
         number = err::TableExists;
     } else if (has("no such table")) {
         number = err::NoSuchTable;
+    } else if (has("no such column")) {
+        number = err::ItemNotFound;
     }
     return AppError(number, driverText + where);
 }

@@ -28,6 +28,8 @@ BoxKind boxKind(MessageStyle style)
         return {QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel};
     case MessageStyle::OkCancelInformation:
         return {QMessageBox::Information, QMessageBox::Ok | QMessageBox::Cancel};
+    case MessageStyle::YesNoCancelQuestion:
+        return {QMessageBox::Question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel};
     case MessageStyle::YesNoQuestion:
         return {QMessageBox::Question, QMessageBox::Yes | QMessageBox::No};
     case MessageStyle::Exclamation:

@@ -159,8 +159,8 @@ private slots:
                                "ID_Catalog_ChangeCategory"}) {
             QVERIFY2(window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
-        for (const char* id : {"ID_Due_Admin", "ID_Due_List", "ID_DB_Option", "ID_DB_Wizard", "ID_AddCD",
-                               "ID_Catalog_AddDVD", "ID_QuickADNewCD", "ID_ToolbarEditAdd"}) {
+        for (const char* id : {"ID_Due_Admin", "ID_Due_List", "ID_DB_Option", "ID_DB_Wizard", "ID_QuickADNewDue",
+                               "ID_QuickPCFind", "ID_ToolbarEditAdd"}) {
             QVERIFY2(!window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
     }

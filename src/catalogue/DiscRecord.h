@@ -1,0 +1,60 @@
+#pragma once
+
+#include "catalogue/CatalogueKind.h"
+
+#include <QString>
+
+#include <array>
+#include <functional>
+
+namespace vinora {
+
+class AppContext;
+class Db;
+struct Toc;
+
+// One disc as the editor holds it while it is being entered or changed.
+struct DiscRecord
+{
+    int number = 0;
+    QString name;
+    QString album;        // audio
+    QString year;
+    int discs = 1;
+    std::array<QString, 6> tracks{QStringLiteral("00"), QStringLiteral("00"), QStringLiteral("00"),
+                                  QStringLiteral("00"), QStringLiteral("00"), QStringLiteral("00")};
+    std::array<QString, 6> times{QStringLiteral("00:00"), QStringLiteral("00:00"), QStringLiteral("00:00"),
+                                 QStringLiteral("00:00"), QStringLiteral("00:00"), QStringLiteral("00:00")};
+    QString dictionaryName; // style, description or genre
+    QString description;    // РасОписание (computer) or Описание (DVD)
+    QString dvdTime;        // Время of a DVD, minutes
+    QString zone;           // Зона of a DVD
+    QString soundFormats;   // codes of ФорматЗвука, each with a comma behind
+};
+
+// The spinners of the editor, on the texts of their fields.
+QString spinYear(const QString& text, bool up);   // "0000" .. "9999"
+QString spinTracks(const QString& text, bool up); // "00" .. "99"
+QString spinDiscs(const QString& text, bool up);  // 1 .. 6
+QString spinTime(const QString& text, bool up);   // "mm:ss", seconds counted to 99
+// The disc count as the field keeps it: 1 to 6, anything else "1".
+int discCount(const QString& text);
+
+// The playing time of an audio disc from its table of contents, "mm:ss" with the seconds
+// taken modulo 61, as the catalogue has always shown it; empty when the minutes exceed 99.
+QString playingTimeText(const Toc& toc);
+
+// The disc of `number` read into a record (the first row of that number), for a change.
+DiscRecord readDisc(const Db& db, const CatalogueKind& kind, int number);
+
+// Asked before lists of discs that a smaller count removes are deleted; true goes on.
+using ReductionQuestion = std::function<bool(const QString& text)>;
+
+// Saves the record: the dictionary name is found or added, a pending shift of numbers
+// runs (ShiftStart), the row is added (with the binding of AutoDetectTag) or changed
+// (`oldDiscCount` discs before), the catalogue's change is stamped. False when the user
+// declined the reduction; nothing but a new dictionary name was saved then.
+bool saveDisc(AppContext& ctx, const CatalogueKind& kind, DiscRecord& disc, bool adding, int oldDiscCount,
+              const ReductionQuestion& askReduction);
+
+} // namespace vinora

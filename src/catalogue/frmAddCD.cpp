@@ -1,0 +1,260 @@
+#include "catalogue/frmAddCD.h"
+
+#include "catalogue/Numbering.h"
+#include "catalogue/frmAddInCatalogue.h"
+#include "frame/AppContext.h"
+#include "frame/FaultLog.h"
+#include "frame/TextRules.h"
+#include "recognition/DiscIdentity.h"
+#include "recognition/DriveWatch.h"
+#include "recognition/Drives.h"
+#include "recognition/frmSelectCategory.h"
+#include "store/Db.h"
+#include "ui/KeyFilter.h"
+#include "ui/WaitCursor.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace vinora {
+namespace {
+
+const char* const kKinds[] = {"AudioCD", "PcCD", "DVD"};
+
+QString kindCaption(const QString& kind)
+{
+    return kind == u"AudioCD" ? QStringLiteral("Аудио диск")
+           : kind == u"PcCD"  ? QStringLiteral("Компьютерный диск")
+           : kind == u"DVD"   ? QStringLiteral("DVD диск")
+                              : QStringLiteral("(нет)");
+}
+
+} // namespace
+
+frmAddCD::frmAddCD(AppContext& ctx, Category category, QWidget* parent)
+    : QDialog(parent), m_ctx(ctx), m_category(category)
+{
+    setObjectName(QStringLiteral("frmAddCD"));
+    setWindowTitle(QStringLiteral("Добавление диска"));
+    auto* layout = new QVBoxLayout(this);
+    auto* caption = new QLabel(frmAddInCatalogue::addCaption(category), this);
+    caption->setObjectName(QStringLiteral("lblCDsCount0"));
+    layout->addWidget(caption);
+    auto* form = new QFormLayout;
+    m_txtNumber = new QLineEdit(this);
+    m_txtNumber->setObjectName(QStringLiteral("txtNumber"));
+    KeyFilter::install(m_txtNumber, DigitKeys);
+    auto* search = new QPushButton(QStringLiteral("Поиск свободного номера"), this);
+    search->setObjectName(QStringLiteral("imgButton2"));
+    search->setAutoDefault(false);
+    auto* numberRow = new QHBoxLayout;
+    numberRow->addWidget(m_txtNumber, 1);
+    numberRow->addWidget(search);
+    form->addRow(QStringLiteral("Номер диска:"), numberRow);
+    m_cmbDrive = new QComboBox(this);
+    m_cmbDrive->setObjectName(QStringLiteral("cmbDrive"));
+    form->addRow(QStringLiteral("Устройство:"), m_cmbDrive);
+    m_lblInserCD = new QLabel(this);
+    m_lblInserCD->setObjectName(QStringLiteral("lblInserCD"));
+    form->addRow(QStringLiteral("В устройстве:"), m_lblInserCD);
+    layout->addLayout(form);
+    m_chAutoDetect = new QCheckBox(QStringLiteral("Определять этот диск, когда он вставлен в дисковод"), this);
+    m_chAutoDetect->setObjectName(QStringLiteral("chAutoDetect"));
+    layout->addWidget(m_chAutoDetect);
+    // The audio sources: CDDB servers and cdplayer.ini come with the CDDB client.
+    m_chQuery[0] = new QCheckBox(QStringLiteral("сервер CDDB"), this);
+    m_chQuery[1] = new QCheckBox(QStringLiteral("файл cdplayer.ini"), this);
+    m_chTrackSave = new QCheckBox(QStringLiteral("Сохранить в cdplayer.ini"), this);
+    m_cmbServer = new QComboBox(this);
+    m_chQuery[0]->setObjectName(QStringLiteral("chQuery0"));
+    m_chQuery[1]->setObjectName(QStringLiteral("chQuery1"));
+    m_chTrackSave->setObjectName(QStringLiteral("chTrackSave"));
+    m_cmbServer->setObjectName(QStringLiteral("cmbServer"));
+    for (QWidget* source : {static_cast<QWidget*>(m_chQuery[0]), static_cast<QWidget*>(m_chQuery[1]),
+                            static_cast<QWidget*>(m_chTrackSave), static_cast<QWidget*>(m_cmbServer)}) {
+        source->setEnabled(false);
+        source->setVisible(category == Category::Audio);
+        layout->addWidget(source);
+    }
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("imgButton0"));
+    buttons->button(QDialogButtonBox::Ok)->setAutoDefault(false);
+    layout->addWidget(buttons);
+    connect(buttons, &QDialogButtonBox::accepted, this, &frmAddCD::cmdOK);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(search, &QPushButton::clicked, this, &frmAddCD::cmdSearch);
+    connect(m_txtNumber, &QLineEdit::returnPressed, this, &frmAddCD::cmdOK);
+
+    const QStringList drives = GetCDDrives(m_ctx.ini());
+    for (const QString& drive : drives) {
+        m_cmbDrive->addItem(drive);
+    }
+    if (drives.isEmpty()) {
+        m_cmbDrive->addItem(QStringLiteral("---"));
+        m_cmbDrive->setEnabled(false);
+    } else {
+        m_cmbDrive->setCurrentIndex(static_cast<int>(drives.indexOf(chosenDrive(m_ctx.ini(), drives))));
+    }
+    connect(m_cmbDrive, &QComboBox::activated, this, &frmAddCD::UpdateDriveInfo);
+}
+
+QString frmAddCD::drive() const
+{
+    return m_cmbDrive->isEnabled() ? m_cmbDrive->currentText() : QString();
+}
+
+void frmAddCD::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (m_activated) {
+        return;
+    }
+    m_activated = true;
+    if (!m_cmbDrive->isEnabled()) {
+        m_ctx.prompter().message(QStringLiteral("Устройство для чтения компакт-дисков не найдено!"),
+                                 MessageStyle::Exclamation);
+    }
+    underFaultHandler(m_ctx, QStringLiteral("frmAddCD, Form_Activate()"), [this] {
+        const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
+        m_txtNumber->setText(QString::number(firstFreeNumber(db, catalogueKind(m_category))));
+    });
+    UpdateDriveInfo();
+    m_txtNumber->selectAll();
+    m_txtNumber->setFocus();
+    if (CheckCDID()) {
+        if (m_ctx.prompter().message(QStringLiteral("Вы пытаетесь добавить диск, который уже есть в каталоге! Продолжить?"),
+                                     MessageStyle::YesNo) == Answer::Yes) {
+            m_chAutoDetect->setChecked(false);
+            m_chAutoDetect->setEnabled(false);
+        } else {
+            QMetaObject::invokeMethod(this, &QDialog::reject, Qt::QueuedConnection);
+        }
+    }
+}
+
+void frmAddCD::UpdateDriveInfo()
+{
+    const QString kind =
+        drive().isEmpty() ? QString() : GetDiskIDcheck(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this));
+    m_lblInserCD->setText(kindCaption(kind));
+    const bool expected = kind == QString::fromLatin1(kKinds[static_cast<int>(m_category)]);
+    const bool bound = expected && CheckCDID();
+    m_chAutoDetect->setChecked(expected && !bound);
+    m_chAutoDetect->setEnabled(expected && !bound);
+}
+
+bool frmAddCD::CheckCDID()
+{
+    if (drive().isEmpty()) {
+        return false;
+    }
+    m_ctx.CurrentDiscID = GetDiskID(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this));
+    if (m_ctx.CurrentDiscID.isEmpty()) {
+        return false;
+    }
+    return underFaultHandler(m_ctx, QStringLiteral("frmAddCD, CheckCDID()"), [this] {
+        const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
+        return findBoundDisc(db, m_category, m_ctx.CurrentDiscID).has_value();
+    });
+}
+
+void frmAddCD::cmdSearch()
+{
+    underFaultHandler(m_ctx, QStringLiteral("frmAddCD, cmdSearch()"), [this] {
+        const CatalogueKind& kind = catalogueKind(m_category);
+        int candidate = 1;
+        for (;;) {
+            {
+                const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
+                while (discTitle(db, kind, candidate)) {
+                    ++candidate;
+                }
+            }
+            const Answer answer = m_ctx.prompter().message(
+                QStringLiteral("Найден свободный диск № ") + QString::number(candidate) +
+                    QStringLiteral(".\nДа\t- принять этот номер\nНет\t- поиск следующего номера\nОтмена\t- отменить поиск"),
+                MessageStyle::YesNoCancelQuestion);
+            if (answer == Answer::Yes) {
+                m_txtNumber->setText(QString::number(candidate));
+                cmdOK();
+                return;
+            }
+            if (answer != Answer::No) {
+                return;
+            }
+            ++candidate;
+            if (m_category == Category::Audio && candidate >= 10000) {
+                m_ctx.prompter().message(QStringLiteral("Свободных номеров нет!"), MessageStyle::Exclamation);
+                return;
+            }
+        }
+    });
+}
+
+void frmAddCD::cmdOK()
+{
+    const int number = static_cast<int>(m_txtNumber->text().toLongLong());
+    if (number <= 0 || number > 32767) {
+        m_ctx.prompter().message(QStringLiteral("Указан не верный номер диска. Повторите ввод."), MessageStyle::Exclamation);
+        m_txtNumber->selectAll();
+        return;
+    }
+    m_txtNumber->setText(QString::number(number));
+    const bool goOn = underFaultHandler(m_ctx, QStringLiteral("frmAddCD, cmdOK()"), [&] {
+        std::optional<QString> title;
+        {
+            const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
+            title = discTitle(db, catalogueKind(m_category), number);
+        }
+        if (title && m_ctx.prompter().message(QStringLiteral("Диск № ") + QString::number(number) + QStringLiteral(":\n'") +
+                                                  *title + QStringLiteral("' уже существует.\nСместить все номера на 1 начиная с ") +
+                                                  QString::number(number) + QStringLiteral("-го?"),
+                                              MessageStyle::YesNoQuestion) == Answer::Yes) {
+            m_ctx.ShiftStart = static_cast<qint16>(number);
+        }
+        if (m_chAutoDetect->isChecked()) {
+            WaitCursor hourglass;
+            m_ctx.CurrentDiscID = GetDiskID(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this));
+            if (m_ctx.CurrentDiscID.isEmpty()) {
+                m_ctx.prompter().message(m_category == Category::Audio ? QStringLiteral("Идентификатор диска не обнаружен!")
+                                                                       : QStringLiteral("Идентификатор не обнаружен!"),
+                                         MessageStyle::Exclamation);
+                return false;
+            }
+            m_ctx.AutoDetectTag = QStringLiteral("ad:") + m_ctx.CurrentDiscID;
+        }
+        return true;
+    });
+    if (!goOn) {
+        return;
+    }
+    m_number = number;
+    accept();
+}
+
+bool runAddDisc(AppContext& ctx, Category category, QWidget* parent)
+{
+    int number = 0;
+    {
+        frmAddCD first(ctx, category, parent);
+        if (ctx.prompter().showModal(first) != QDialog::Accepted) {
+            return false;
+        }
+        number = first.chosenNumber();
+    }
+    ctx.DialogDone = false;
+    frmAddInCatalogue editor(ctx, category, frmAddInCatalogue::Mode::Add, number, parent);
+    ctx.prompter().showModal(editor);
+    ctx.CatalogueQueryFilter.clear();
+    const bool added = ctx.DialogDone;
+    ctx.DialogDone = false;
+    return added;
+}
+
+} // namespace vinora
