@@ -5,7 +5,9 @@
 #include "frame/ProgramInfo.h"
 #include "frame/WindowPlacement.h"
 #include "catalogue/frmAddCD.h"
+#include "catalogue/Numbering.h"
 #include "catalogue/frmCatalogue.h"
+#include "catalogue/frmSelectCD.h"
 #include "catalogue/frmChangeNumber.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/DashboardPictures.h"
@@ -704,8 +706,7 @@ void frmMain::showDiscInDrive(Category category, const QString& id)
         b.shareSign->show();
         b.shareLink->setText(QStringLiteral("Привязать"));
         b.shareLink->setStyleSheet(QStringLiteral("color: #3d7ad6; text-decoration: underline;"));
-        // Binding needs the disc picker, which comes with the catalogue windows.
-        b.shareLink->setEnabled(false);
+        b.shareLink->setEnabled(true);
         b.shareLink->show();
     }
     m_tmrNewCD.start();
@@ -729,10 +730,59 @@ void frmMain::tmrNewCD_Timer()
     }
 }
 
+void frmMain::bindDiscInDrive(Category category, const QString& drive)
+{
+    m_ctx.CatalogueQueryFilter = QStringLiteral("full") + categoryInfo(category).code;
+    {
+        frmSelectCD picker(m_ctx, this);
+        m_ctx.prompter().showModal(picker);
+    }
+    m_ctx.CatalogueQueryFilter.clear();
+    if (m_ctx.PickedDisc.isEmpty()) {
+        return;
+    }
+    const int number = m_ctx.PickedDisc.chopped(2).toInt();
+    const int slot = m_ctx.PickedDisc.right(1).toInt();
+    static const char* const places[] = {"frmMain, lblShareAD_Click()", "frmMain, lblSharePC_Click()",
+                                         "frmMain, lblShareDVD_Click()"};
+    underFaultHandler(m_ctx, QString::fromLatin1(places[static_cast<int>(category)]), [&] {
+        const QString id = GetDiskID(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this));
+        const Db db(m_ctx.MainDBPath);
+        const QString numberText = QString::number(number);
+        if (!bindingAt(db, category, number, slot).isEmpty()) {
+            m_ctx.prompter().message(QStringLiteral("Диск № ") + numberText +
+                                         QStringLiteral(" уже привязан к другому номеру диска!"),
+                                     MessageStyle::Exclamation);
+        }
+        if (const std::optional<int> holder = CheckDiskShare(db, category, id)) {
+            m_ctx.prompter().message(QStringLiteral("Этот диск уже привязан к №") + QString::number(*holder) + u'!',
+                                     MessageStyle::Exclamation);
+            return;
+        }
+        const QString where = numberText + QStringLiteral(" (CD") + QString::number(slot) + u')';
+        if (m_ctx.prompter().message(QStringLiteral("Установить привязку на диск №") + where + QStringLiteral(":\n") +
+                                         discTitle(db, catalogueKind(category), number).value_or(QString()) + u'?',
+                                     MessageStyle::YesNo) == Answer::Yes) {
+            bindDisc(db, category, number, slot, id);
+            m_ctx.prompter().message(QStringLiteral("Привязка успешно установлена на диск №") + where,
+                                     MessageStyle::Information);
+        }
+    });
+    m_ctx.PickedDisc.clear();
+    LoadData();
+}
+
 void frmMain::shareLinkClicked(Category category)
 {
     const QString drive = m_ctx.ini().read(kOption, QStringLiteral("Drive"), 4096).trimmed();
-    if (drive.isEmpty() || block(category).shareLink->text() != u"Удалить привязку") {
+    if (drive.isEmpty()) {
+        return;
+    }
+    if (block(category).shareLink->text() == u"Привязать") {
+        bindDiscInDrive(category, drive);
+        return;
+    }
+    if (block(category).shareLink->text() != u"Удалить привязку") {
         return;
     }
     const Answer answer = m_ctx.prompter().message(QStringLiteral("Вы уверены, что хотите удалить привязку с этого диска?"),

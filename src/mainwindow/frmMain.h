@@ -60,6 +60,8 @@ public:
     void runCommand(const QString& toolId);
     void listBarItemClicked(const QString& groupKey, const QString& text);
     void openCatalogue(Category category, int number = 0);
+    // Binds the disc in `drive` to a disc the user picks (the link "Привязать").
+    void bindDiscInDrive(Category category, const QString& drive);
     void addDisc(Category category, bool rememberAction = true);
     void AddListbars();
     void LoadToolbars();

@@ -70,6 +70,42 @@ bool unbindDisc(const Db& db, Category category, const QString& id)
     return true;
 }
 
+std::optional<int> CheckDiskShare(const Db& db, Category category, const QString& id)
+{
+    const CategoryInfo& info = categoryInfo(category);
+    const QVariant number = db.scalar(QStringLiteral("SELECT Номер FROM ") + quoted(info.table) +
+                                          QStringLiteral(" WHERE ДискID1_d = ? ORDER BY ") + quoted(info.keyField) +
+                                          QStringLiteral(" LIMIT 1"),
+                                      {id});
+    return number.isValid() ? std::optional<int>(number.toInt()) : std::nullopt;
+}
+
+namespace {
+QString firstRowOf(const CategoryInfo& info)
+{
+    return QStringLiteral(" WHERE ") + quoted(info.keyField) + QStringLiteral(" = (SELECT ") + quoted(info.keyField) +
+           QStringLiteral(" FROM ") + quoted(info.table) + QStringLiteral(" WHERE Номер = ? ORDER BY 1 LIMIT 1)");
+}
+} // namespace
+
+QString bindingAt(const Db& db, Category category, int number, int slot)
+{
+    const CategoryInfo& info = categoryInfo(category);
+    return db
+        .scalar(QStringLiteral("SELECT ") + quoted(QStringLiteral("ДискID%1_d").arg(slot)) + QStringLiteral(" FROM ") +
+                    quoted(info.table) + firstRowOf(info),
+                {number})
+        .toString();
+}
+
+void bindDisc(const Db& db, Category category, int number, int slot, const QString& id)
+{
+    const CategoryInfo& info = categoryInfo(category);
+    db.exec(QStringLiteral("UPDATE ") + quoted(info.table) + QStringLiteral(" SET ") +
+                quoted(QStringLiteral("ДискID%1_d").arg(slot)) + QStringLiteral(" = ?") + firstRowOf(info),
+            {id, number});
+}
+
 QString boundDiscText(const BoundDisc& disc)
 {
     const QString head = QStringLiteral("Диск № ") + QString::number(disc.number) +

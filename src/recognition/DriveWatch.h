@@ -27,6 +27,14 @@ std::optional<BoundDisc> findBoundDisc(const Db& db, Category category, const QS
 // rows keep theirs. False when no row holds it.
 bool unbindDisc(const Db& db, Category category, const QString& id);
 
+// The number of the disc that has `id` as the binding of its first disc (only slot 1 is
+// looked at: a second disc of a set is not found here), or nothing.
+std::optional<int> CheckDiskShare(const Db& db, Category category, const QString& id);
+// The binding of disc `slot` of the first row of `number` (empty for none).
+QString bindingAt(const Db& db, Category category, int number, int slot);
+// Binds disc `slot` of the first row of `number` to `id`.
+void bindDisc(const Db& db, Category category, int number, int slot, const QString& id);
+
 // "Диск № 12 (CD2):\nTitle" or "Диск № 12:\nTitle" for a single disc.
 QString boundDiscText(const BoundDisc& disc);
 // The sign of a disc that no row knows.

@@ -186,6 +186,55 @@ private slots:
         QVERIFY(!w.label("StatusBarPanel3")->pixmap().isNull());
     }
 
+    void bindingTheDiscInTheDrive()
+    {
+        Dashboard d;
+        const QString cue = m_discs.audioCue("tobind", {15000, 16000, 17000});
+        const QString id = QString::number(readVolumeInfo(cue).serial, 16).toUpper();
+        d.exec("INSERT INTO Аудио (Номер, Название, Альбом, Дисков, КодСтиля, ДискID2_d) "
+               "VALUES (12, 'Кино', 'Звезда', 3, 1, 'OLD')");
+        d.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля) VALUES (13, 'Другой', 1, 1)");
+        d.set("Drive", cue);
+        frmMain& w = d.open();
+        d.tick();
+        QCOMPARE(d.text("lblShareAD"), "Привязать");
+        QVERIFY(w.label("lblShareAD")->isEnabled());
+
+        // The picker gives disc 2 of number 12: already bound, so a warning, then the question.
+        d.app.prompter.handleModal([](QDialog&) { return int(QDialog::Rejected); });
+        QTest::mouseClick(w.label("lblShareAD"), Qt::LeftButton);
+        QCOMPARE(d.app.ctx.PickedDisc, QString()); // cancelled: nothing changes
+
+        d.app.prompter.handleModal([&](QDialog& dialog) {
+            d.app.ctx.PickedDisc = "12:2";
+            dialog.accept();
+            return int(QDialog::Accepted);
+        });
+        d.app.prompter.answer(Answer::Yes);
+        QTest::mouseClick(w.label("lblShareAD"), Qt::LeftButton);
+        const QStringList texts = d.app.prompter.texts();
+        QCOMPARE(texts.mid(texts.size() - 3),
+                 (QStringList{"Диск № 12 уже привязан к другому номеру диска!",
+                              "Установить привязку на диск №12 (CD2):\nКино - Звезда?",
+                              "Привязка успешно установлена на диск №12 (CD2)"}));
+        QCOMPARE(d.app.ctx.PickedDisc, QString());
+        d.tick();
+        QCOMPARE(d.text("lblNewAD"), "Диск № 12 (CD2):\nКино - Звезда");
+
+        // A disc that is the first disc of another row is not bound again.
+        d.exec("UPDATE Аудио SET ДискID2_d = NULL");
+        d.exec("UPDATE Аудио SET ДискID1_d = ? WHERE Номер = 13", {id});
+        d.app.prompter.handleModal([&](QDialog& dialog) {
+            d.app.ctx.PickedDisc = "12:1";
+            dialog.accept();
+            return int(QDialog::Accepted);
+        });
+        w.bindDiscInDrive(Category::Audio, cue);
+        QCOMPARE(d.app.prompter.texts().last(), "Этот диск уже привязан к №13!");
+        Db db(d.app.ctx.MainDBPath);
+        QVERIFY(db.scalar("SELECT ДискID1_d FROM Аудио WHERE Номер = 12").isNull());
+    }
+
     void singleDiscEndsInAColon()
     {
         Dashboard d;
