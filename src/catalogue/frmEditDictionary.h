@@ -1,0 +1,48 @@
+#pragma once
+
+#include "catalogue/DictionaryKind.h"
+
+#include <QDialog>
+
+class QLabel;
+class QListWidget;
+class QPushButton;
+
+namespace vinora {
+
+class AppContext;
+
+// The editor of a dictionary: frmEditStyle, frmEditDescription and frmEditGenre are this
+// window made with their dictionary's texts. The first row (the empty name of a disc
+// without one) can be neither changed nor deleted; a name that discs use cannot be deleted.
+class frmEditDictionary : public QDialog
+{
+    Q_OBJECT
+public:
+    frmEditDictionary(AppContext& ctx, Dictionary dictionary, QWidget* parent = nullptr);
+
+    void cmdAdd();
+    void cmdDelete();
+    void cmdChange();
+    QStringList names() const;
+    void selectName(const QString& name);
+    QString currentName() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void load(const QString& selected = {});
+    // True when a typed name may be stored; tells the user why not otherwise.
+    bool acceptableName(const QString& name);
+    bool exists(const QString& name) const;
+
+    AppContext& m_ctx;
+    const DictionaryKind& m_kind;
+    QListWidget* m_grid;
+    QLabel* m_count;
+    QPushButton* m_delete;
+    QPushButton* m_change;
+};
+
+} // namespace vinora
