@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake pkg-config
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6svg6 libgl-dev
-  qt6-gtk-platformtheme qt6-xdgdesktopportal-platformtheme
+  qt6-gtk-platformtheme qt6-xdgdesktopportal-platformtheme qt6-translations-l10n
   libsqlite3-dev sqlite3
   libcdio-dev libiso9660-dev libudf-dev e2fsprogs
   genisoimage xorriso udftools libcdio-utils libdiscid-dev

@@ -18,6 +18,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(QStringLiteral("vinora"));
     QApplication::setDesktopFileName(QStringLiteral("vinora"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vinora.svg")));
+    vinora::installRussianTranslations(app);
     vinora::followDesktopTheme(app);
     // Outside a desktop session no icon theme is named; the common one serves then.
     if (QIcon::themeName().isEmpty() || QIcon::themeName() == u"hicolor") {

@@ -83,6 +83,8 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_grid->verticalHeader()->hide();
     m_grid->horizontalHeader()->setStretchLastSection(true);
+    m_grid->horizontalHeader()->resizeSection(0, m_grid->fontMetrics().horizontalAdvance(QStringLiteral("Номер 00000")));
+    m_grid->verticalHeader()->setDefaultSectionSize(m_grid->fontMetrics().height() + 8);
     m_grid->installEventFilter(this);
     middle->addWidget(m_grid, 3);
 

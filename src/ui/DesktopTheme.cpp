@@ -1,6 +1,9 @@
 #include "ui/DesktopTheme.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 #include <QPalette>
 #include <QProcess>
 #include <QStandardPaths>
@@ -62,6 +65,15 @@ ColorScheme desktopColorScheme()
         return ColorScheme::Dark;
     }
     return gnomePrefersDark() ? ColorScheme::Dark : ColorScheme::Light;
+}
+
+void installRussianTranslations(QApplication& app)
+{
+    auto* translator = new QTranslator(&app);
+    if (translator->load(QLocale(QLocale::Russian, QLocale::Russia), QStringLiteral("qtbase"), QStringLiteral("_"),
+                         QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(translator);
+    }
 }
 
 void followDesktopTheme(QApplication& app)

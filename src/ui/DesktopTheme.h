@@ -10,6 +10,9 @@ enum class ColorScheme { Light, Dark };
 // set, else a GTK theme named with ":dark" or GNOME's "prefer-dark" setting, else light.
 ColorScheme desktopColorScheme();
 
+// Qt's own texts (buttons of message boxes and dialogs) in Russian, as the rest.
+void installRussianTranslations(QApplication& app);
+
 // Follows the desktop: the platform theme normally brings its palette; when the desktop
 // asks for dark and the palette is still light, a dark palette of the same style is used.
 void followDesktopTheme(QApplication& app);

@@ -1,0 +1,109 @@
+// Makes docs/screenshots/catalogue-*.png and editor.png: the three catalogue browsers on a
+// catalogue of a few dozen discs with a cover, and the disc editor, drawn by the windows
+// themselves (no display needed).
+#include "catalogue/CatalogueOps.h"
+#include "catalogue/frmAddInCatalogue.h"
+#include "catalogue/frmCatalogue.h"
+#include "frame/AppContext.h"
+#include "store/Db.h"
+#include "store/InfoStamp.h"
+#include "store/Reanimator.h"
+#include "ui/DesktopTheme.h"
+#include "ui/QtPrompter.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QImage>
+#include <QLinearGradient>
+#include <QPainter>
+#include <QTabWidget>
+#include <QTemporaryDir>
+
+using namespace vinora;
+
+namespace {
+
+void fill(AppContext& ctx)
+{
+    Db db(ctx.MainDBPath);
+    const char* const artists[] = {"Кино", "Аквариум", "Pink Floyd", "ДДТ", "The Beatles", "Наутилус Помпилиус",
+                                   "Ария", "Queen", "Машина времени", "Земфира"};
+    const char* const albums[] = {"Группа крови", "Равноденствие", "The Wall", "Это всё", "Abbey Road",
+                                  "Разлука", "Герой асфальта", "A Night at the Opera", "Реки и мосты", "Вендетта"};
+    for (int i = 0; i < 36; ++i) {
+        db.exec(QStringLiteral("INSERT INTO Аудио (Номер, Название, Альбом, Год, Дисков, Записей1, Время1, КодСтиля) "
+                               "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"),
+                {i + 1, QString::fromUtf8(artists[i % 10]), QString::fromUtf8(albums[i % 10]),
+                 QString::number(1979 + i), i % 7 == 0 ? 2 : 1, 10 + i % 6, QStringLiteral("4%1:1%2").arg(i % 10).arg(i % 6),
+                 1 + (i * 7) % 30});
+        db.exec(QStringLiteral("INSERT INTO Компьютер (Номер, Название, КодОписания, Год, Дисков, РасОписание) "
+                               "VALUES (?, ?, ?, ?, 1, ?)"),
+                {i + 1, QStringLiteral("Сборник программ %1").arg(2000 + i), 1 + i % 22, QString::number(2000 + i),
+                 QStringLiteral("Утилиты, драйверы и документация")});
+        db.exec(QStringLiteral("INSERT INTO DVD (Номер, Название, Описание, Год, Дисков, Время, Зона, КодЖанр, ФорматЗвука) "
+                               "VALUES (?, ?, ?, ?, 1, ?, 5, ?, '2,5,')"),
+                {i + 1, QStringLiteral("Фильм № %1").arg(i + 1), QStringLiteral("Режиссёрская версия"),
+                 QString::number(1990 + i), 90 + i, 1 + i % 9});
+    }
+    for (const Category category : allCategories()) {
+        StampCatalogueUpdate(db, category, QDate::currentDate());
+    }
+}
+
+QString makeCover(const QString& folder)
+{
+    QImage cover(300, 300, QImage::Format_RGB32);
+    QPainter painter(&cover);
+    QLinearGradient gradient(0, 0, 300, 300);
+    gradient.setColorAt(0, QColor(0x7a, 0x2e, 0x4f));
+    gradient.setColorAt(1, QColor(0x2f, 0x5e, 0x8e));
+    painter.fillRect(cover.rect(), gradient);
+    painter.setPen(Qt::white);
+    QFont font = painter.font();
+    font.setPixelSize(36);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(cover.rect(), Qt::AlignCenter, QStringLiteral("Группа\nкрови"));
+    painter.end();
+    const QString path = folder + QStringLiteral("/cover.png");
+    cover.save(path);
+    return path;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+    QIcon::setThemeName(QStringLiteral("Adwaita"));
+    installRussianTranslations(app);
+    const QString out = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("docs/screenshots");
+    QTemporaryDir dir;
+    QtPrompter prompter;
+    SystemClock clock;
+    AppContext ctx(dir.path(), prompter, clock);
+    Reanimator(ctx, 0);
+    fill(ctx);
+    const QString cover = makeCover(dir.path());
+    for (const Category category : allCategories()) {
+        setCover(ctx, catalogueKind(category), 1, cover);
+    }
+    const char* const names[] = {"catalogue-audio.png", "catalogue-pc.png", "catalogue-dvd.png"};
+    for (const Category category : allCategories()) {
+        frmCatalogue window(ctx, category);
+        window.resize(900, 560);
+        window.show();
+        if (category == Category::Dvd) {
+            window.findChild<QTabWidget*>(QStringLiteral("TabStrip"))->setCurrentIndex(1);
+        }
+        QApplication::processEvents();
+        window.grab().save(out + u'/' + QString::fromLatin1(names[static_cast<int>(category)]));
+    }
+    frmAddInCatalogue editor(ctx, Category::Audio, frmAddInCatalogue::Mode::Change, 1);
+    editor.show();
+    QApplication::processEvents();
+    editor.grab().save(out + QStringLiteral("/editor.png"));
+    return 0;
+}
