@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTableView>
 
 using namespace vinora;
@@ -378,6 +379,35 @@ private slots:
         QCOMPARE(c.app.prompter.texts().last(), "Вы действительно хотите удалить обложку диска № 12?");
         QVERIFY(!QFile::exists(cover));
         QVERIFY(!c.control("imgButton9")->isEnabled());
+    }
+
+    void externalDatabaseIsReadOnly()
+    {
+        Catalogue c(Category::Audio);
+        c.add(1, "Чужой");
+        test::writeFile(c.app.file("box/ad_1.box"), "cover");
+        c.app.ctx.ExternalDBOpen = true;
+        c.open();
+        for (const char* button : {"imgButton1", "imgButton2", "imgButton3", "imgButton8", "imgButton9"}) {
+            QVERIFY2(!c.control(QString::fromLatin1(button))->isEnabled(), button);
+        }
+        QVERIFY(!c.control<QTabWidget>("TabStrip")->isTabEnabled(1));
+    }
+
+    void soundFormatsOfADvd()
+    {
+        Catalogue c(Category::Dvd);
+        c.add(1, "Фильм");
+        {
+            Db db(c.app.ctx.MainDBPath);
+            db.exec("UPDATE DVD SET ФорматЗвука = '2,5,'");
+        }
+        c.open();
+        auto* formats = c.control<QComboBox>("cmbSoundFormat");
+        QCOMPARE(formats->count(), 2);
+        QCOMPARE(formats->itemText(0), "Dolby Digital 5.1");
+        QCOMPARE(formats->itemText(1), "DTS");
+        QCOMPARE(formats->placeholderText(), "Звук (2):");
     }
 
     void findsTheDiscInTheDrive()

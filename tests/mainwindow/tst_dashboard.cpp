@@ -3,6 +3,7 @@
 #include "mainwindow/MainCommands.h"
 #include "mainwindow/frmHelp.h"
 #include "mainwindow/frmMain.h"
+#include "recognition/DriveWatch.h"
 #include "recognition/Drives.h"
 #include "recognition/VolumeIdentity.h"
 #include "store/Db.h"
@@ -233,6 +234,19 @@ private slots:
         QCOMPARE(d.app.prompter.texts().last(), "Этот диск уже привязан к №13!");
         Db db(d.app.ctx.MainDBPath);
         QVERIFY(db.scalar("SELECT ДискID1_d FROM Аудио WHERE Номер = 12").isNull());
+    }
+
+    void unbindingTouchesTheFirstRowOnly()
+    {
+        Dashboard d;
+        d.exec("INSERT INTO DVD (Номер, Название, КодЖанр, ДискID1_d, ДискID3_d) VALUES (1, 'A', 1, 'ID', 'ID')");
+        d.exec("INSERT INTO DVD (Номер, Название, КодЖанр, ДискID2_d) VALUES (2, 'B', 1, 'ID')");
+        Db db(d.app.ctx.MainDBPath);
+        QVERIFY(unbindDisc(db, Category::Dvd, "ID"));
+        QCOMPARE(db.scalar("SELECT COUNT(*) FROM DVD WHERE ДискID1_d IS NULL AND ДискID3_d IS NULL AND Номер = 1").toInt(), 1);
+        QCOMPARE(db.scalar("SELECT ДискID2_d FROM DVD WHERE Номер = 2").toString(), "ID");
+        QVERIFY(unbindDisc(db, Category::Dvd, "ID"));
+        QVERIFY(!unbindDisc(db, Category::Dvd, "ID"));
     }
 
     void singleDiscEndsInAColon()
