@@ -2,6 +2,8 @@
 
 // Measuring helpers shared by the benchmarks: the median of several runs, and a report
 // line that counts a missed goal.
+#include "frame/Prompter.h"
+
 #include <QElapsedTimer>
 
 #include <algorithm>
@@ -12,6 +14,19 @@
 namespace vinora::bench {
 
 inline int g_failures = 0;
+
+// Benchmarks run without anyone to answer.
+class SilentPrompter final : public Prompter
+{
+public:
+    Answer message(const QString&, MessageStyle) override { return Answer::Ok; }
+    std::optional<QString> input(const QString&, const QString&, const QString&) override { return std::nullopt; }
+    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
+    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
+    QString chooseFolder(const QString&, const QString&) override { return {}; }
+    int showModal(QDialog&) override { return 0; }
+    bool openUrl(const QUrl&) override { return false; }
+};
 
 inline double medianMs(int runs, const std::function<void()>& work)
 {

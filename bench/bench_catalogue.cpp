@@ -15,29 +15,13 @@
 using namespace vinora;
 using namespace vinora::bench;
 
-namespace {
-
-class NoPrompts final : public Prompter
-{
-public:
-    Answer message(const QString&, MessageStyle) override { return Answer::Ok; }
-    std::optional<QString> input(const QString&, const QString&, const QString&) override { return std::nullopt; }
-    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString chooseFolder(const QString&, const QString&) override { return {}; }
-    int showModal(QDialog&) override { return 0; }
-    bool openUrl(const QUrl&) override { return false; }
-};
-
-} // namespace
-
 int main(int argc, char* argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     QTemporaryDir dir;
-    NoPrompts prompts;
+    SilentPrompter prompts;
     SystemClock clock;
     AppContext ctx(dir.path(), prompts, clock);
     Reanimator(ctx, 0);

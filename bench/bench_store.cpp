@@ -23,18 +23,6 @@ using namespace vinora::bench;
 
 namespace {
 
-class NoPrompts final : public Prompter
-{
-public:
-    Answer message(const QString&, MessageStyle) override { return Answer::Ok; }
-    std::optional<QString> input(const QString&, const QString&, const QString&) override { return std::nullopt; }
-    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString chooseFolder(const QString&, const QString&) override { return {}; }
-    int showModal(QDialog&) override { return 0; }
-    bool openUrl(const QUrl&) override { return false; }
-};
-
 
 QString title(int i)
 {
@@ -49,7 +37,7 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QTemporaryDir dir;
-    NoPrompts prompts;
+    SilentPrompter prompts;
     SystemClock clock;
     AppContext ctx(dir.path(), prompts, clock);
     constexpr int kDiscs = 20000;

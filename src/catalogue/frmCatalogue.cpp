@@ -1,5 +1,6 @@
 #include "catalogue/frmCatalogue.h"
 
+#include "catalogue/CatalogueGrid.h"
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/CatalogueRows.h"
 #include "catalogue/frmAddCD.h"
@@ -75,16 +76,7 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     layout->addLayout(top);
 
     auto* middle = new QHBoxLayout;
-    m_grid = new QTableView(this);
-    m_grid->setObjectName(QStringLiteral("DBGrid"));
-    m_grid->setModel(m_rows);
-    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->verticalHeader()->hide();
-    m_grid->horizontalHeader()->setStretchLastSection(true);
-    m_grid->horizontalHeader()->resizeSection(0, m_grid->fontMetrics().horizontalAdvance(QStringLiteral("Номер 00000")));
-    m_grid->verticalHeader()->setDefaultSectionSize(m_grid->fontMetrics().height() + 8);
+    m_grid = new CatalogueGrid(m_rows, this);
     m_grid->installEventFilter(this);
     middle->addWidget(m_grid, 3);
 
@@ -193,11 +185,10 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
         connect(m_txtAlbum, &QLineEdit::returnPressed, this, &frmCatalogue::txtAlbum_Enter);
     }
     connect(m_txtNumber, &QLineEdit::returnPressed, this, &frmCatalogue::txtNumber_Enter);
-    connect(m_grid->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this](const QModelIndex& current) {
-                m_row = current.row();
-                dcDatabase_Reposition();
-            });
+    connect(m_grid, &CatalogueGrid::rowChanged, this, [this](int row) {
+        m_row = row;
+        dcDatabase_Reposition();
+    });
     connect(&m_timerDue, &QTimer::timeout, this, &frmCatalogue::timerDue_Timer);
     m_timerDue.setInterval(500);
 
@@ -301,24 +292,8 @@ void frmCatalogue::cmbSorted_Click()
             const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
             m_rows->load(db, query);
         }
-        selectRow(0);
+        m_grid->selectRow(0);
     });
-}
-
-void frmCatalogue::selectRow(int row)
-{
-    if (row < 0 || row >= m_rows->size()) {
-        m_row = -1;
-        dcDatabase_Reposition();
-        return;
-    }
-    const QModelIndex index = m_rows->index(row, 0);
-    if (m_grid->currentIndex().row() == row) {
-        m_row = row;
-        dcDatabase_Reposition();
-    }
-    m_grid->setCurrentIndex(index);
-    m_grid->scrollTo(index);
 }
 
 void frmCatalogue::setFilter(const CatalogueFilter& filter)
@@ -603,7 +578,7 @@ bool frmCatalogue::goToNumber(int number)
     if (row < 0) {
         return false;
     }
-    selectRow(row);
+    m_grid->selectRow(row);
     return true;
 }
 
@@ -625,26 +600,11 @@ void frmCatalogue::txtNumber_Enter()
     }
 }
 
-void frmCatalogue::typeAhead(QChar key)
-{
-    const int row = m_rows->typeAhead(m_row, key, key.toUpper() == m_lastTypeAhead.toUpper());
-    if (row >= 0) {
-        selectRow(row);
-    }
-    m_lastTypeAhead = key;
-}
-
 bool frmCatalogue::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_grid && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         switch (key->key()) {
-        case Qt::Key_Home:
-            selectRow(0);
-            return true;
-        case Qt::Key_End:
-            selectRow(m_rows->size() - 1);
-            return true;
         case Qt::Key_Delete:
             if (!m_ctx.ExternalDBOpen && button(2)->isEnabled()) {
                 cmdDelete();
@@ -657,11 +617,6 @@ bool frmCatalogue::eventFilter(QObject* watched, QEvent* event)
             return true;
         default:
             break;
-        }
-        const QString text = key->text();
-        if (text.size() == 1 && text[0].isLetterOrNumber()) {
-            typeAhead(text[0]);
-            return true;
         }
     }
     return QDialog::eventFilter(watched, event);
@@ -691,7 +646,7 @@ void frmCatalogue::cmdDelete()
         deleteDisc(m_ctx, m_kind, m_rows->key(m_row), number, lists);
     });
     cmbSorted_Click();
-    selectRow(std::min(position, m_rows->size() - 1));
+    m_grid->selectRow(std::min(position, m_rows->size() - 1));
 }
 
 void frmCatalogue::AutoResp()

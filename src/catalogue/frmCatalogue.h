@@ -18,6 +18,7 @@ class QTableView;
 namespace vinora {
 
 class AppContext;
+class CatalogueGrid;
 class CatalogueRows;
 
 // The browser of one catalogue: frmCatalogueAudioCD, frmCataloguePCCD and frmCatalogueDVD
@@ -67,8 +68,6 @@ private:
     void txtName_KeyUp();
     void txtAlbum_Enter();
     void timerDue_Timer();
-    void selectRow(int row);
-    void typeAhead(QChar key);
     void setRowButtonsEnabled(bool enabled);
     QLineEdit* addField(const QString& objectName, const QString& caption, QFormLayout* form);
     QPushButton* button(int index) const;
@@ -77,11 +76,10 @@ private:
     const CatalogueKind& m_kind;
     CatalogueRows* m_rows;
     int m_row = -1;
-    QChar m_lastTypeAhead = u' ';
     bool m_autoRespDone = false;
     QTimer m_timerDue;
 
-    QTableView* m_grid;
+    CatalogueGrid* m_grid;
     QComboBox* m_cmbSorted;
     QCheckBox* m_chSortedDESC;
     QLabel* m_lblSorted;

@@ -107,43 +107,46 @@ bool frmEditDictionary::exists(const QString& name) const
                .toInt() > 0;
 }
 
-bool frmEditDictionary::acceptableName(const QString& name)
+std::optional<QString> frmEditDictionary::askNewName(const QString& title, const QString& prompt,
+                                                      const QString& initial)
 {
-    if (name.size() > 50) {
-        m_ctx.prompter().message(m_kind.lengthMessage, MessageStyle::Exclamation);
-        return false;
+    for (;;) {
+        const std::optional<QString> name = m_ctx.prompter().input(prompt, title, initial);
+        if (!name || name->isEmpty()) {
+            return std::nullopt;
+        }
+        if (name->size() > 50) {
+            m_ctx.prompter().message(m_kind.lengthMessage, MessageStyle::Exclamation);
+            return std::nullopt;
+        }
+        // A quotation mark has always been refused in these names.
+        if (name->contains(u'"')) {
+            m_ctx.prompter().message(m_kind.quoteMessage, MessageStyle::Exclamation);
+            return std::nullopt;
+        }
+        if (!exists(*name)) {
+            return name;
+        }
+        if (m_ctx.prompter().message(m_kind.duplicateStart + *name + m_kind.duplicateEnd, MessageStyle::YesNo) !=
+            Answer::Yes) {
+            return std::nullopt;
+        }
     }
-    // A quotation mark has always been refused in these names.
-    if (name.contains(u'"')) {
-        m_ctx.prompter().message(m_kind.quoteMessage, MessageStyle::Exclamation);
-        return false;
-    }
-    return true;
 }
 
 void frmEditDictionary::cmdAdd()
 {
-    for (;;) {
-        const std::optional<QString> name = m_ctx.prompter().input(m_kind.addPrompt, m_kind.addTitle, QString());
-        if (!name || name->isEmpty() || !acceptableName(*name)) {
-            return;
-        }
-        if (exists(*name)) {
-            if (m_ctx.prompter().message(m_kind.duplicateStart + *name + m_kind.duplicateEnd, MessageStyle::YesNo) ==
-                Answer::Yes) {
-                continue;
-            }
-            return;
-        }
-        underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdAdd()"), [&] {
-            const Db db(m_ctx.MainDBPath);
-            db.exec(QStringLiteral("INSERT INTO ") + quoted(m_kind.table) + u'(' + quoted(m_kind.table) +
-                        QStringLiteral(") VALUES (?)"),
-                    {*name});
-        });
-        load(*name);
+    const std::optional<QString> name = askNewName(m_kind.addTitle, m_kind.addPrompt, QString());
+    if (!name) {
         return;
     }
+    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdAdd()"), [&] {
+        const Db db(m_ctx.MainDBPath);
+        db.exec(QStringLiteral("INSERT INTO ") + quoted(m_kind.table) + u'(' + quoted(m_kind.table) +
+                    QStringLiteral(") VALUES (?)"),
+                {*name});
+    });
+    load(*name);
 }
 
 void frmEditDictionary::cmdDelete()
@@ -185,27 +188,17 @@ void frmEditDictionary::cmdChange()
         return;
     }
     const QVariant key = m_grid->currentItem()->data(Qt::UserRole);
-    for (;;) {
-        const std::optional<QString> name = m_ctx.prompter().input(m_kind.changePrompt, m_kind.changeTitle, oldName);
-        if (!name || name->isEmpty() || !acceptableName(*name)) {
-            return;
-        }
-        if (exists(*name)) {
-            if (m_ctx.prompter().message(m_kind.duplicateStart + *name + m_kind.duplicateEnd, MessageStyle::YesNo) ==
-                Answer::Yes) {
-                continue;
-            }
-            return;
-        }
-        underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdChange()"), [&] {
-            const Db db(m_ctx.MainDBPath);
-            db.exec(QStringLiteral("UPDATE ") + quoted(m_kind.table) + QStringLiteral(" SET ") + quoted(m_kind.table) +
-                        QStringLiteral(" = ? WHERE ") + quoted(m_kind.key) + QStringLiteral(" = ?"),
-                    {*name, key});
-        });
-        load(*name);
+    const std::optional<QString> name = askNewName(m_kind.changeTitle, m_kind.changePrompt, oldName);
+    if (!name) {
         return;
     }
+    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdChange()"), [&] {
+        const Db db(m_ctx.MainDBPath);
+        db.exec(QStringLiteral("UPDATE ") + quoted(m_kind.table) + QStringLiteral(" SET ") + quoted(m_kind.table) +
+                    QStringLiteral(" = ? WHERE ") + quoted(m_kind.key) + QStringLiteral(" = ?"),
+                {*name, key});
+    });
+    load(*name);
 }
 
 bool frmEditDictionary::eventFilter(QObject* watched, QEvent* event)

@@ -33,8 +33,9 @@ protected:
 
 private:
     void load(const QString& selected = {});
-    // True when a typed name may be stored; tells the user why not otherwise.
-    bool acceptableName(const QString& name);
+    // Asks for a name until one that may be stored and is not taken is typed; nothing when
+    // the user gives up (an empty answer, a refused name, No to typing another one).
+    std::optional<QString> askNewName(const QString& title, const QString& prompt, const QString& initial);
     bool exists(const QString& name) const;
 
     AppContext& m_ctx;

@@ -1,5 +1,6 @@
 #include "catalogue/frmSelectCD.h"
 
+#include "catalogue/CatalogueGrid.h"
 #include "catalogue/CatalogueRows.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
@@ -43,15 +44,7 @@ frmSelectCD::frmSelectCD(AppContext& ctx, QWidget* parent) : QDialog(parent), m_
     m_rows = new CatalogueRows(*m_kind, this);
     resize(560, 480);
     auto* layout = new QVBoxLayout(this);
-    m_grid = new QTableView(this);
-    m_grid->setObjectName(QStringLiteral("DBGrid"));
-    m_grid->setModel(m_rows);
-    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->verticalHeader()->hide();
-    m_grid->horizontalHeader()->setStretchLastSection(true);
-    m_grid->installEventFilter(this);
+    m_grid = new CatalogueGrid(m_rows, this);
     layout->addWidget(m_grid, 1);
     auto* form = new QFormLayout;
     m_txtName = new QLineEdit(this);
@@ -110,10 +103,10 @@ frmSelectCD::frmSelectCD(AppContext& ctx, QWidget* parent) : QDialog(parent), m_
             m_txtNumber->setText(m_row >= 0 ? QString::number(m_rows->number(m_row)) : QString());
             return;
         }
-        selectRow(row);
+        m_grid->selectRow(row);
     });
-    connect(m_grid->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this](const QModelIndex& current) {
-        m_row = current.row();
+    connect(m_grid, &CatalogueGrid::rowChanged, this, [this](int row) {
+        m_row = row;
         reposition();
     });
     cmdList();
@@ -146,21 +139,7 @@ void frmSelectCD::load()
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
         m_rows->load(db, buildCatalogueQuery(*m_kind, filter, 0, false));
     });
-    selectRow(0);
-}
-
-void frmSelectCD::selectRow(int row)
-{
-    if (row < 0 || row >= m_rows->size()) {
-        m_row = -1;
-        reposition();
-        return;
-    }
-    if (m_grid->currentIndex().row() == row) {
-        m_row = row;
-        reposition();
-    }
-    m_grid->setCurrentIndex(m_rows->index(row, 0));
+    m_grid->selectRow(0);
 }
 
 void frmSelectCD::reposition()
@@ -181,27 +160,6 @@ void frmSelectCD::reposition()
         m_cmbCountCD->addItem(QString::number(k));
     }
     m_cmbCountCD->setEnabled(discs > 1);
-}
-
-bool frmSelectCD::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == m_grid && event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Home || key->key() == Qt::Key_End) {
-            selectRow(key->key() == Qt::Key_Home ? 0 : m_rows->size() - 1);
-            return true;
-        }
-        const QString text = key->text();
-        if (text.size() == 1 && text[0].isLetterOrNumber()) {
-            const int row = m_rows->typeAhead(m_row, text[0], text[0].toUpper() == m_lastTypeAhead.toUpper());
-            if (row >= 0) {
-                selectRow(row);
-            }
-            m_lastTypeAhead = text[0];
-            return true;
-        }
-    }
-    return QDialog::eventFilter(watched, event);
 }
 
 void frmSelectCD::cmdOK()

@@ -13,6 +13,7 @@ class QTableView;
 namespace vinora {
 
 class AppContext;
+class CatalogueGrid;
 class CatalogueRows;
 
 // The disc picker: one disc of one catalogue and its place in the set. The mode comes in
@@ -31,20 +32,17 @@ public:
 
 protected:
     void done(int result) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void load();
     void reposition();
-    void selectRow(int row);
 
     AppContext& m_ctx;
     QString m_prefix; // "full", "add", "del"
     const CatalogueKind* m_kind = nullptr;
     CatalogueRows* m_rows = nullptr;
     int m_row = -1;
-    QChar m_lastTypeAhead = u' ';
-    QTableView* m_grid;
+    CatalogueGrid* m_grid;
     QLineEdit* m_txtName;
     QLineEdit* m_txtNumber;
     QComboBox* m_cmbCountCD;
