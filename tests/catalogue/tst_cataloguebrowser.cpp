@@ -1,4 +1,5 @@
 #include "../recognition/DiscFixtures.h"
+#include "catalogue/CatalogueOps.h"
 #include "catalogue/frmCatalogue.h"
 #include "recognition/VolumeIdentity.h"
 #include "store/ContentsLists.h"
@@ -379,6 +380,35 @@ private slots:
         QCOMPARE(c.app.prompter.texts().last(), "Вы действительно хотите удалить обложку диска № 12?");
         QVERIFY(!QFile::exists(cover));
         QVERIFY(!c.control("imgButton9")->isEnabled());
+    }
+
+    void pictureFormats_data()
+    {
+        QTest::addColumn<QString>("format");
+        QTest::newRow("PNG") << "png";
+        QTest::newRow("JPEG") << "jpg";
+        QTest::newRow("BMP") << "bmp";
+        QTest::newRow("GIF") << "gif";
+    }
+
+    void pictureFormats()
+    {
+        QFETCH(QString, format);
+        const QString path = m_dir.filePath("picture." + format);
+        if (format == "gif") {
+            // Qt reads GIF but does not write it: a 1x1 picture by hand.
+            test::writeFile(path, QByteArray("GIF89a\x01\x00\x01\x00\x80\x00\x00\xff\xff\xff\x00\x00\x00"
+                                             "!\xf9\x04\x01\x00\x00\x00\x00,\x00\x00\x00\x00\x01\x00\x01\x00"
+                                             "\x00\x02\x02D\x01\x00;",
+                                             43));
+        } else {
+            QImage image(8, 8, QImage::Format_RGB32);
+            image.fill(Qt::yellow);
+            QVERIFY(image.save(path));
+        }
+        QVERIFY(isReadablePicture(path));
+        test::writeFile(path, "not a picture");
+        QVERIFY(!isReadablePicture(path));
     }
 
     void externalDatabaseIsReadOnly()

@@ -267,6 +267,22 @@ private slots:
                  "1A 2New 3B 4C");
     }
 
+    void tracksAndTimeFromTheDisc()
+    {
+        Editing e;
+        const QString cue = m_discs.audioCue("info", {4500, 5250, 3000}); // 60 + 70 + 40 seconds
+        addVirtualDrive(e.app.ctx.ini(), cue);
+        setChosenDrive(e.app.ctx.ini(), cue);
+        frmAddInCatalogue editor(e.app.ctx, Category::Audio, frmAddInCatalogue::Mode::Add, 1);
+        e.app.prompter.answer(Answer::Cancel);
+        editor.cmdInfo();
+        QCOMPARE(field(editor, "txtTrack")->text(), "00");
+        e.app.prompter.answer(Answer::Ok);
+        editor.cmdInfo();
+        QCOMPARE(field(editor, "txtTrack")->text(), "03");
+        QCOMPARE(field(editor, "txtTime")->text(), "02:48"); // 170 seconds: 2 minutes and 170 mod 61
+    }
+
     void addDialog()
     {
         Editing e;
