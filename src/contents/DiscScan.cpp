@@ -1,0 +1,73 @@
+#include "contents/DiscScan.h"
+
+#include "frame/AppContext.h"
+#include "frame/FaultLog.h"
+#include "recognition/VolumeReader.h"
+#include "store/Db.h"
+
+namespace vinora {
+
+ScanOutcome startScan(AppContext& ctx, const ScanRequest& request, const ClashQuestion& clash,
+                      const std::function<void(FileListScanner&)>& prepare, const std::function<void()>& readError)
+{
+    ScanOutcome outcome;
+    const auto refuse = [&outcome](const char* text) {
+        outcome.refusal = QString::fromUtf8(text);
+        return outcome;
+    };
+    if (!request.options.filesInCore && !request.options.scanDir) {
+        return refuse("Выберите область сканирования диска!");
+    }
+    if (request.drive.isEmpty()) {
+        return refuse("Устройство для чтения компакт-дисков не найдено!");
+    }
+    if (request.kind == u"AudioCD") {
+        return refuse("В устройстве для чтения компакт дисков вставлен Аудио диск.");
+    }
+    if (request.kind.isEmpty()) {
+        return refuse("Вставьте диск в устройство для чтения компакт-дисков и повторите операцию.");
+    }
+    if (request.kind != u"PcCD") {
+        return outcome; // a DVD: no word, the dialog stays
+    }
+    ctx.CurrentDiscID = request.id;
+    if (ctx.CurrentDiscID.isEmpty()) {
+        return refuse("В устройстве для чтения компакт дисков вставлен диск без идентификационного номера "
+                      "(возможно, что диск записан в формате PacketCD, который не поддерживается программой)!");
+    }
+    outcome.id = ctx.CurrentDiscID;
+    if (!CreateFileTable(ctx, outcome.id, true, clash)) {
+        return outcome;
+    }
+    ctx.CurrentDiscID = outcome.id;
+    const std::unique_ptr<VolumeReader> volume = openVolumeReader(request.drive);
+    underFaultHandler(ctx, QStringLiteral("frmFileListCreate, CreateFileList()"), [&] {
+        if (!volume) {
+            if (readError) {
+                readError();
+            }
+            return;
+        }
+        QStringList entries;
+        if (request.options.filter) {
+            const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
+            entries = FullArrayFileFiltr(files, *request.options.filter);
+        }
+        const Db files(ctx.FilesDBPath);
+        FileListWriter writer(files, outcome.id);
+        FileListScanner scanner(*volume, request.options, entries);
+        scanner.onRows = [&writer](const QList<FileRow>& rows) { writer.write(rows); };
+        scanner.onReadError = readError;
+        if (prepare) {
+            prepare(scanner);
+        }
+        scanner.run();
+        outcome.rows = writer.rowsWritten();
+    });
+    underFaultHandler(ctx, QStringLiteral("frmFileListOption, CreateLinkDiskID()"),
+                      [&] { CreateLinkDiskID(ctx, request.number, request.slot, outcome.id, request.share); });
+    outcome.done = true;
+    return outcome;
+}
+
+} // namespace vinora

@@ -1,0 +1,98 @@
+#include "contents/FileListStore.h"
+
+#include "frame/AppContext.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "store/Schema.h"
+
+#include <QRandomGenerator>
+#include <QStringList>
+
+namespace vinora {
+
+QString clashQuestionText()
+{
+    return QStringLiteral("Серийный номер этого диска совпадает с уже существующим серийным номером!\r\rВозможные "
+                          "причины:\r\n   1. Этот диск уже есть в базе данных\r\n   2. Диск записан в режиме пакетно "
+                          "записи (UDF)\r\n   3. Диск имеет одинаковый идентификатор с ранее добавленным диском "
+                          "(пиратская копия)\r\n\r\nНе смотря на это, есть возможность произвести добавление списка "
+                          "файлов для этого диска. Продолжить?");
+}
+
+bool CheckFileTableOwner(const AppContext& ctx, const QString& id)
+{
+    QStringList where;
+    QVariantList values;
+    for (int k = 1; k <= 6; ++k) {
+        where.append(QStringLiteral("ДискID%1 = ?").arg(k));
+        values.append(id);
+    }
+    const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
+    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер WHERE ") + where.join(QStringLiteral(" OR ")), values)
+               .toInt() > 0;
+}
+
+bool CreateFileTable(AppContext& ctx, QString& id, bool ask, const ClashQuestion& question)
+{
+    for (;;) {
+        {
+            const Db files(ctx.FilesDBPath);
+            const ContentsLists lists(files, ContentsKind::Files);
+            if (!lists.exists(id)) {
+                lists.create(id);
+                return true;
+            }
+            if (!ask) {
+                return false;
+            }
+            if (!CheckFileTableOwner(ctx, id)) {
+                // A list that no disc owns is an orphan: it makes room without a question.
+                lists.drop(id);
+                lists.create(id);
+                return true;
+            }
+        }
+        if (!question(clashQuestionText())) {
+            return false;
+        }
+        QRandomGenerator random(static_cast<quint32>(ctx.clock().now().toMSecsSinceEpoch()));
+        id = QString::number(static_cast<qint64>(random.generateDouble() * 999999999 + random.generateDouble() * 9));
+    }
+}
+
+void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, bool share)
+{
+    if (slot < 1 || slot > 6) {
+        return;
+    }
+    const Db db(ctx.MainDBPath);
+    QString set = quoted(QStringLiteral("ДискID%1").arg(slot)) + QStringLiteral(" = ?");
+    QVariantList values{id};
+    if (share) {
+        set += QStringLiteral(", ") + quoted(QStringLiteral("ДискID%1_d").arg(slot)) + QStringLiteral(" = ?");
+        values.append(id);
+    }
+    values.append(number);
+    db.exec(QStringLiteral("UPDATE Компьютер SET ") + set +
+                QStringLiteral(" WHERE КодКомпьютерныйДиск = (SELECT КодКомпьютерныйДиск FROM Компьютер WHERE Номер = ? "
+                               "ORDER BY 1 LIMIT 1)"),
+            values);
+    ctx.DiscIDSlots[static_cast<std::size_t>(slot - 1)] = id;
+}
+
+FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id)) {}
+
+void FileListWriter::write(const QList<FileRow>& rows)
+{
+    Transaction transaction(m_db);
+    Statement insert(m_db,
+                     QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES (?, ?, ?, ?, ?)"));
+    const auto orNull = [](const QString& text) { return text.isEmpty() ? QVariant() : QVariant(text); };
+    for (const FileRow& row : rows) {
+        insert.run({m_id, orNull(row.name), orNull(row.path), orNull(row.size), orNull(row.comment.left(50))});
+        ++m_count;
+    }
+    transaction.commit();
+}
+
+} // namespace vinora

@@ -1,0 +1,314 @@
+#include "../recognition/DiscFixtures.h"
+#include "contents/DiscScan.h"
+#include "contents/MP3TagEditor.h"
+#include "frame/Cp1251.h"
+#include "recognition/VolumeIdentity.h"
+#include "recognition/VolumeReader.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "store/Reanimator.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestFolders.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QProcess>
+
+#include <cmath>
+
+using namespace vinora;
+
+namespace {
+
+const QByteArray kTag = "TAG" + cp1251::encode(QStringLiteral("Группа крови")).leftJustified(30, '\0') +
+                        cp1251::encode(QStringLiteral("Кино [Live]")).leftJustified(30, '\0');
+
+struct Listed
+{
+    QString folder; // "\" or "\DIR\SUB\"
+    QString name;
+    qint64 size;
+};
+
+// The image's contents as iso-info lists them: folders, and files with their sizes.
+QList<Listed> isoInfoListing(const QString& image, QStringList* folders)
+{
+    QList<Listed> files;
+    QString folder;
+    for (const QByteArray& raw : test::runTool("iso-info", {"-l", "-i", image}).split('\n')) {
+        const QString line = QString::fromUtf8(raw);
+        if (line.startsWith('/') && line.endsWith(":")) {
+            folder = line.chopped(1);
+            folder.replace('/', '\\');
+            folders->append(folder);
+            continue;
+        }
+        const QStringList fields = line.simplified().split(' ');
+        if (fields.size() < 9 || fields[0] != "-") {
+            continue;
+        }
+        // "- [LSN n] size Mon dd yyyy hh:mm:ss name with blanks"
+        const qsizetype nameStart = line.indexOf(fields[7]) + fields[7].size() + 2;
+        files.append({folder, line.mid(nameStart), fields[3].toLongLong()});
+    }
+    return files;
+}
+
+// The catalogue's size text, computed here on its own.
+QString expectedSize(qint64 bytes)
+{
+    const double tenths = static_cast<double>(bytes) * 10.0 / 1024.0;
+    double rounded = std::floor(tenths);
+    if (tenths - rounded > 0.5 || (tenths - rounded == 0.5 && std::fmod(rounded, 2.0) != 0.0)) {
+        rounded += 1.0;
+    }
+    return QLocale().toString(rounded / 10.0, 'f', 1);
+}
+
+QStringList storedRows(const AppContext& ctx, const QString& id)
+{
+    Db db(ctx.FilesDBPath);
+    QSqlQuery q = db.query("SELECT Имя, Путь, Размер, coalesce(Комментарий, '') FROM Файлы WHERE ДискID = ?", {id});
+    QStringList rows;
+    while (q.next()) {
+        rows.append(q.value(0).toString() + '|' + q.value(1).toString() + '|' + q.value(2).toString() + '|' +
+                    q.value(3).toString());
+    }
+    rows.sort();
+    return rows;
+}
+
+} // namespace
+
+class tst_filelistscan : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    test::DiscFixtures m_discs{m_dir.path()};
+    QString m_tree;
+    QString m_image;
+
+private slots:
+    void initTestCase()
+    {
+        m_tree = m_dir.filePath("disc");
+        test::writeFile(m_tree + "/readme.txt", "root file\n");
+        test::writeFile(m_tree + "/install.exe", QByteArray(2048, 'e'));
+        test::writeFile(m_tree + "/скрытый.txt", "hidden\n");
+        test::writeFile(m_tree + "/DOCS/Руководство.DOC", QByteArray(1024000, 'd'));
+        test::writeFile(m_tree + "/DOCS/small.txt", QByteArray(100, 's'));
+        test::writeFile(m_tree + "/DOCS/OLD/note.nfo", QByteArray(256, 'n'));
+        test::writeFile(m_tree + "/Музыка/Кино/трек 01.mp3", QByteArray(5000, 'm') + kTag.leftJustified(128, '\0'));
+        test::writeFile(m_tree + "/Музыка/Кино/short.mp3", "short");
+        QDir().mkpath(m_tree + "/EMPTY");
+        m_image = m_dir.filePath("disc.iso");
+        test::runTool("genisoimage", {"-quiet", "-J", "-input-charset", "utf-8", "-hidden", "скрытый.txt", "-o",
+                                      m_image, m_tree});
+    }
+
+    void tags_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("comment");
+        QTest::newRow("tag") << QByteArray(300, 'x') + kTag.leftJustified(128, '\0') << "Кино (Live) - Группа крови";
+        QTest::newRow("no tag") << QByteArray(300, 'x') << " - ";
+        QTest::newRow("128 bytes with TAG are not read") << kTag.leftJustified(128, '\0') << " - ";
+        QTest::newRow("full 30 characters") << QByteArray(300, 'x') + "TAG" + QByteArray(30, 'T') + QByteArray(30, 'A') +
+                                                   QByteArray(65, '\0')
+                                            << QString(30, 'A') + " - " + QString(17, 'T'); // cut to 50
+        QTest::newRow("garbage after zero") << QByteArray(300, 'x') + "TAG" + QByteArray("Song\0zzzz", 9).leftJustified(30, 'q') +
+                                                   QByteArray("Band  ").leftJustified(30, '\0') + QByteArray(65, '\0')
+                                            << "Band - Song";
+    }
+
+    void tags()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, comment);
+        MP3TagEditor tag;
+        QVERIFY(tag.read(file.size(), file.right(128)));
+        QCOMPARE(mp3Comment(tag), comment);
+    }
+
+    void scanRules_data()
+    {
+        QTest::addColumn<bool>("filesInCore");
+        QTest::addColumn<bool>("scanDir");
+        QTest::addColumn<bool>("scanDirOnly");
+        QTest::addColumn<bool>("hidden");
+        QTest::addColumn<int>("filter"); // 0 none, 1 exclude (Фильтр1), 2 include (Фильтр2)
+        QTest::addColumn<bool>("noUsedEntries");
+        QTest::newRow("everything") << true << true << false << true << 0 << false;
+        QTest::newRow("root only") << true << false << false << false << 0 << false;
+        QTest::newRow("no root files") << false << true << false << false << 0 << false;
+        QTest::newRow("folders only") << true << true << true << false << 0 << false;
+        QTest::newRow("leave out filter") << true << true << false << false << 1 << false;
+        QTest::newRow("take only filter") << true << true << false << false << 2 << false;
+        QTest::newRow("take only, none used") << true << true << false << false << 2 << true;
+        QTest::newRow("leave out, none used") << true << true << false << false << 1 << true;
+    }
+
+    void scanRules()
+    {
+        QFETCH(bool, filesInCore);
+        QFETCH(bool, scanDir);
+        QFETCH(bool, scanDirOnly);
+        QFETCH(bool, hidden);
+        QFETCH(int, filter);
+        QFETCH(bool, noUsedEntries);
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        if (noUsedEntries) {
+            Db files(app.ctx.FilesDBPath);
+            files.exec("UPDATE Фильтр1 SET Use = 0");
+            files.exec("UPDATE Фильтр2 SET Use = 0");
+        }
+        ScanOptions options{filesInCore, scanDir, scanDirOnly, false, hidden, true, std::nullopt};
+        if (filter > 0) {
+            options.filter = filter == 1 ? FilterTable::Exclude : FilterTable::Include;
+        }
+        QStringList entries;
+        if (options.filter) {
+            Db files(app.ctx.FilesDBPath);
+            entries = FullArrayFileFiltr(files, *options.filter);
+        }
+
+        // What the rules make of iso-info's listing.
+        QStringList folders;
+        const QList<Listed> listing = isoInfoListing(m_image, &folders);
+        QStringList expected;
+        for (const QString& folder : folders) {
+            if (scanDir || folder == "\\") {
+                expected.append(folder + '|' + folder + "|0|");
+            }
+        }
+        for (const Listed& file : listing) {
+            const bool root = file.folder == "\\";
+            if ((root ? !filesInCore : !scanDir) || scanDirOnly || (!hidden && file.name == "скрытый.txt")) {
+                continue;
+            }
+            if (filter == 1 && std::any_of(entries.begin(), entries.end(),
+                                           [&](const QString& e) { return file.name.contains(e, Qt::CaseInsensitive); })) {
+                continue;
+            }
+            if (filter == 2 && std::none_of(entries.begin(), entries.end(),
+                                            [&](const QString& e) { return file.name.contains(e, Qt::CaseInsensitive); })) {
+                continue;
+            }
+            QString comment;
+            if (file.name == "трек 01.mp3") {
+                comment = "Кино (Live) - Группа крови";
+            } else if (file.name == "short.mp3") {
+                comment = " - ";
+            }
+            expected.append(file.name + '|' + file.folder + '|' + expectedSize(file.size) + '|' + comment);
+        }
+        expected.sort();
+
+        const auto scanOf = [&](const std::unique_ptr<VolumeReader>& volume) {
+            Db files(app.ctx.FilesDBPath);
+            const QString id = "T" + QString::number(qHash(QString::fromUtf8(QTest::currentDataTag())) % 100000);
+            ContentsLists lists(files, ContentsKind::Files);
+            if (lists.exists(id)) {
+                lists.drop(id);
+            }
+            lists.create(id);
+            FileListWriter writer(files, id);
+            FileListScanner scanner(*volume, options, entries);
+            scanner.onRows = [&](const QList<FileRow>& rows) { writer.write(rows); };
+            scanner.run();
+            return storedRows(app.ctx, id);
+        };
+        QCOMPARE(scanOf(openVolumeReader(m_image)), expected);
+        if (!hidden) {
+            // The same disc through the folder it is mounted on (there hidden means a dot).
+            QStringList throughFolder = scanOf(openFolderReader(m_tree));
+            throughFolder.removeIf([](const QString& row) { return row.startsWith("скрытый.txt|"); });
+            QCOMPARE(throughFolder, expected);
+        }
+    }
+
+    void sizeTexts()
+    {
+        QCOMPARE(sizeText(1024000), QLocale().toString(1000.0, 'f', 1));
+        QCOMPARE(sizeText(1024000), "1" + QLocale().groupSeparator() + "000,0");
+        QCOMPARE(sizeText(100), "0,1");
+        QCOMPARE(sizeText(256), "0,2"); // 0.25 to the even neighbour
+        QCOMPARE(sizeText(0), "0,0");
+    }
+
+    void startWithItsRefusals()
+    {
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        {
+            Db db(app.ctx.MainDBPath);
+            db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков) VALUES (7, 'Сборник', 1, 2)");
+        }
+        const QString id = QString::number(readVolumeInfo(m_image).serial, 16).toUpper();
+        ScanRequest request{m_image, "PcCD", id, ScanOptions{false, false, false, false, false, false, std::nullopt}, 7, 2, true};
+        QCOMPARE(startScan(app.ctx, request, {}).refusal, "Выберите область сканирования диска!");
+        request.options.scanDir = true;
+        request.kind = "AudioCD";
+        QCOMPARE(startScan(app.ctx, request, {}).refusal, "В устройстве для чтения компакт дисков вставлен Аудио диск.");
+        request.kind = "DVD";
+        const ScanOutcome silent = startScan(app.ctx, request, {});
+        QVERIFY(!silent.done && silent.refusal.isEmpty());
+        request.kind = "PcCD";
+        const ScanOutcome first = startScan(app.ctx, request, {});
+        QVERIFY(first.done);
+        QCOMPARE(first.id, id);
+        Db db(app.ctx.MainDBPath);
+        QCOMPARE(db.scalar("SELECT ДискID2 || '/' || ДискID2_d FROM Компьютер").toString(), id + "/" + id);
+        QCOMPARE(app.ctx.DiscIDSlots[1], id);
+
+        // The same disc again: its list is owned, so the question, and on Yes a made-up id.
+        int asked = 0;
+        const ScanOutcome second = startScan(app.ctx, request, [&](const QString& text) {
+            ++asked;
+            return text.startsWith("Серийный номер этого диска совпадает");
+        });
+        QCOMPARE(asked, 1);
+        QVERIFY(second.done);
+        QVERIFY(second.id != id);
+        QVERIFY(std::all_of(second.id.begin(), second.id.end(), [](QChar c) { return c.isDigit(); }));
+        QCOMPARE(second.rows, first.rows);
+
+        // An orphaned list is replaced without a question.
+        db.exec("UPDATE Компьютер SET ДискID1 = NULL, ДискID2 = NULL");
+        const ScanOutcome third = startScan(app.ctx, request, [](const QString&) -> bool { throw 1; });
+        QVERIFY(third.done);
+        QCOMPARE(third.id, id);
+    }
+
+    void commandLine()
+    {
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        {
+            Db db(app.ctx.MainDBPath);
+            db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (3, 'Диск', 1)");
+        }
+        const auto cli = [&](const QStringList& arguments) {
+            QProcess process;
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert("VINORA_HOME", app.folder.path());
+            process.setProcessEnvironment(environment);
+            process.start(QStringLiteral(VINORA_CLI), arguments);
+            process.waitForFinished(60000);
+            return std::make_pair(process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()));
+        };
+        const auto [code, out] = cli({"scan", m_image, "--number", "3", "--files-in-root", "--folders", "--mp3", "--bind"});
+        QCOMPARE(code, 0);
+        const QString id = QString::number(readVolumeInfo(m_image).serial, 16).toUpper();
+        QVERIFY(out.startsWith("id: " + id + "\nrows: "));
+        QVERIFY(storedRows(app.ctx, id).contains("трек 01.mp3|\\Музыка\\Кино\\|5,0|Кино (Live) - Группа крови"));
+        QCOMPARE(cli({"scan", m_image, "--number", "3", "--folders"}).first, 1); // the clash, answered No
+        QCOMPARE(cli({"scan", m_image, "--number", "3", "--folders", "--new-id"}).first, 0);
+        QCOMPARE(cli({"scan", m_image, "--number", "99", "--folders"}).first, 1);
+    }
+};
+
+VINORA_TEST_MAIN(tst_filelistscan)
+#include "tst_filelistscan.moc"
