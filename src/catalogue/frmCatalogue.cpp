@@ -5,6 +5,7 @@
 #include "catalogue/CatalogueRows.h"
 #include "catalogue/frmAddCD.h"
 #include "catalogue/frmAddInCatalogue.h"
+#include "contents/frmFileList.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
@@ -165,12 +166,21 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     connect(button(2), &QPushButton::clicked, this, &frmCatalogue::cmdDelete);
     connect(button(3), &QPushButton::clicked, this, &frmCatalogue::cmdChange);
     connect(m_grid, &QTableView::doubleClicked, this, [this] {
-        // DblClick = 1 opens the disc's list, which comes with the list windows.
-        if (!m_ctx.ExternalDBOpen && !(m_kind.doubleClickSetting &&
-                                       m_ctx.ini().number(kOption, QStringLiteral("DblClick"), 5) == 1)) {
-            cmdChange();
+        if (m_ctx.ExternalDBOpen) {
+            return;
         }
+        if (m_kind.doubleClickSetting && m_ctx.ini().number(kOption, QStringLiteral("DblClick"), 5) == 1) {
+            // The disc's list; track lists of audio discs come with their own window.
+            if (m_kind.category == Category::Computer) {
+                cmdFiles();
+            }
+            return;
+        }
+        cmdChange();
     });
+    if (m_kind.category == Category::Computer) {
+        connect(button(6), &QPushButton::clicked, this, &frmCatalogue::cmdFiles);
+    }
     connect(button(5), &QPushButton::clicked, this, &frmCatalogue::ShowWholeCatalogue);
     connect(button(8), &QPushButton::clicked, this, &frmCatalogue::cmdChangeBox);
     connect(button(9), &QPushButton::clicked, this, &frmCatalogue::cmdDeleteBox);
@@ -236,10 +246,10 @@ void frmCatalogue::Form_Load()
         }
         // The commands whose windows are still to come stay off; so do the changing ones
         // while another database is on view.
-        for (const int index : {4, 6}) {
-            if (button(index)) {
-                button(index)->setEnabled(false);
-            }
+        // Loans and track lists come with their own windows.
+        button(4)->setEnabled(false);
+        if (m_kind.category == Category::Audio) {
+            button(6)->setEnabled(false);
         }
         button(1)->setEnabled(!m_ctx.ExternalDBOpen);
         button(2)->setEnabled(!m_ctx.ExternalDBOpen);
@@ -338,6 +348,9 @@ void frmCatalogue::setRowButtonsEnabled(bool enabled)
 {
     button(2)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
     button(3)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
+    if (m_kind.category == Category::Computer) {
+        button(6)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
+    }
     if (!enabled || m_ctx.ExternalDBOpen) {
         button(8)->setEnabled(false);
         button(9)->setEnabled(false);
@@ -370,6 +383,25 @@ void frmCatalogue::cmdChange()
         cmbSorted_Click();
         goToNumber(number);
     }
+}
+
+void frmCatalogue::cmdFiles()
+{
+    if (m_row < 0 || m_kind.category != Category::Computer) {
+        return;
+    }
+    for (int k = 1; k <= 6; ++k) {
+        m_ctx.DiscIDSlots[static_cast<std::size_t>(k - 1)] = m_rows->value(m_row, QStringLiteral("ДискID%1").arg(k)).toString();
+    }
+    m_ctx.CurrentDiscID = m_ctx.DiscIDSlots[0];
+    const int number = m_rows->number(m_row);
+    {
+        frmFileList list(m_ctx, number, m_rows->value(m_row, QStringLiteral("Название")).toString(),
+                         m_rows->value(m_row, QStringLiteral("Дисков")).toInt(), this);
+        m_ctx.prompter().showModal(list);
+    }
+    cmbSorted_Click();
+    goToNumber(number);
 }
 
 void frmCatalogue::cmdChangeBox()

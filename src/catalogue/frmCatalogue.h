@@ -41,6 +41,7 @@ public:
     void cmdDelete();
     void cmdAdd();
     void cmdChange();
+    void cmdFiles(); // the file list of a computer disc
     void cmdChangeBox();
     void cmdDeleteBox();
     // Positions on the row of `number`; false when there is none.

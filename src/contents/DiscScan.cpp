@@ -7,8 +7,7 @@
 
 namespace vinora {
 
-ScanOutcome startScan(AppContext& ctx, const ScanRequest& request, const ClashQuestion& clash,
-                      const std::function<void(FileListScanner&)>& prepare, const std::function<void()>& readError)
+ScanOutcome prepareScan(AppContext& ctx, const ScanRequest& request, const ClashQuestion& clash)
 {
     ScanOutcome outcome;
     const auto refuse = [&outcome](const char* text) {
@@ -35,35 +34,50 @@ ScanOutcome startScan(AppContext& ctx, const ScanRequest& request, const ClashQu
         return refuse("В устройстве для чтения компакт дисков вставлен диск без идентификационного номера "
                       "(возможно, что диск записан в формате PacketCD, который не поддерживается программой)!");
     }
-    outcome.id = ctx.CurrentDiscID;
-    if (!CreateFileTable(ctx, outcome.id, true, clash)) {
+    QString id = ctx.CurrentDiscID;
+    if (CreateFileTable(ctx, id, true, clash)) {
+        outcome.id = id;
+        ctx.CurrentDiscID = id;
+    }
+    return outcome;
+}
+
+int runScan(const AppContext& ctx, const ScanRequest& request, const QString& id,
+            const std::function<void(FileListScanner&)>& prepare, const std::function<void()>& readError)
+{
+    const std::unique_ptr<VolumeReader> volume = openVolumeReader(request.drive);
+    if (!volume) {
+        if (readError) {
+            readError();
+        }
+        return 0;
+    }
+    QStringList entries;
+    if (request.options.filter) {
+        const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
+        entries = FullArrayFileFiltr(files, *request.options.filter);
+    }
+    const Db files(ctx.FilesDBPath);
+    FileListWriter writer(files, id);
+    FileListScanner scanner(*volume, request.options, entries);
+    scanner.onRows = [&writer](const QList<FileRow>& rows) { writer.write(rows); };
+    scanner.onReadError = readError;
+    if (prepare) {
+        prepare(scanner);
+    }
+    scanner.run();
+    return writer.rowsWritten();
+}
+
+ScanOutcome startScan(AppContext& ctx, const ScanRequest& request, const ClashQuestion& clash,
+                      const std::function<void(FileListScanner&)>& prepare, const std::function<void()>& readError)
+{
+    ScanOutcome outcome = prepareScan(ctx, request, clash);
+    if (outcome.id.isEmpty()) {
         return outcome;
     }
-    ctx.CurrentDiscID = outcome.id;
-    const std::unique_ptr<VolumeReader> volume = openVolumeReader(request.drive);
-    underFaultHandler(ctx, QStringLiteral("frmFileListCreate, CreateFileList()"), [&] {
-        if (!volume) {
-            if (readError) {
-                readError();
-            }
-            return;
-        }
-        QStringList entries;
-        if (request.options.filter) {
-            const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
-            entries = FullArrayFileFiltr(files, *request.options.filter);
-        }
-        const Db files(ctx.FilesDBPath);
-        FileListWriter writer(files, outcome.id);
-        FileListScanner scanner(*volume, request.options, entries);
-        scanner.onRows = [&writer](const QList<FileRow>& rows) { writer.write(rows); };
-        scanner.onReadError = readError;
-        if (prepare) {
-            prepare(scanner);
-        }
-        scanner.run();
-        outcome.rows = writer.rowsWritten();
-    });
+    outcome.rows = underFaultHandler(ctx, QStringLiteral("frmFileListCreate, CreateFileList()"),
+                                     [&] { return runScan(ctx, request, outcome.id, prepare, readError); });
     underFaultHandler(ctx, QStringLiteral("frmFileListOption, CreateLinkDiskID()"),
                       [&] { CreateLinkDiskID(ctx, request.number, request.slot, outcome.id, request.share); });
     outcome.done = true;

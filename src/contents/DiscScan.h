@@ -27,6 +27,15 @@ struct ScanOutcome
     int rows = 0;
 };
 
+// The checks of the start in order, with their messages, and the list made
+// (CreateFileTable); `done` stays false, `id` is the list's id when the walk may begin.
+ScanOutcome prepareScan(AppContext& ctx, const ScanRequest& request, const ClashQuestion& clash);
+
+// The walk into list `id`, stored folder by folder; the number of rows stored. AppError
+// comes out (the caller tells the user). May run off the GUI thread: it touches no window.
+int runScan(const AppContext& ctx, const ScanRequest& request, const QString& id,
+            const std::function<void(FileListScanner&)>& prepare, const std::function<void()>& readError);
+
 // cmdStartScan without its window: the checks in order with their messages, the list made
 // (CreateFileTable), the walk stored folder by folder, and the disc record linked.
 // `prepare` may hook progress and cancelling into the scanner before it runs.

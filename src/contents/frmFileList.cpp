@@ -1,0 +1,436 @@
+#include "contents/frmFileList.h"
+
+#include "contents/frmFileListOption.h"
+#include "frame/AppContext.h"
+#include "frame/FaultLog.h"
+#include "frame/TextRules.h"
+#include "recognition/DiscIdentity.h"
+#include "recognition/MountPoints.h"
+#include "recognition/frmSelectCategory.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "ui/WaitCursor.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTreeWidget>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace vinora {
+
+frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int discs, QWidget* parent)
+    : QDialog(parent), m_ctx(ctx), m_number(number)
+{
+    setObjectName(QStringLiteral("frmFileList"));
+    setWindowTitle(QStringLiteral("Файлы"));
+    resize(860, 560);
+    auto* layout = new QVBoxLayout(this);
+    auto* header = new QLabel(QStringLiteral("Список файлов Компьютерного диска"), this);
+    QFont bold = header->font();
+    bold.setBold(true);
+    header->setFont(bold);
+    layout->addWidget(header);
+    auto* top = new QHBoxLayout;
+    auto* lblNumber = new QLabel(QStringLiteral("№ ") + QString::number(number), this);
+    lblNumber->setObjectName(QStringLiteral("lblNumber"));
+    auto* lblName = new QLabel(name, this);
+    lblName->setObjectName(QStringLiteral("lblName"));
+    m_cmbCountCD = new QComboBox(this);
+    m_cmbCountCD->setObjectName(QStringLiteral("cmbCountCD"));
+    for (int k = 1; k <= std::clamp(discs, 1, 6); ++k) {
+        m_cmbCountCD->addItem(QString::number(k));
+    }
+    m_cmbCountCD->setEnabled(discs > 1);
+    top->addWidget(lblNumber);
+    top->addWidget(lblName, 1);
+    top->addWidget(new QLabel(QStringLiteral("Диск:"), this));
+    top->addWidget(m_cmbCountCD);
+    layout->addLayout(top);
+
+    auto* splitter = new QSplitter(this);
+    splitter->setObjectName(QStringLiteral("picSlider"));
+    m_trView = new QTreeWidget(splitter);
+    m_trView->setObjectName(QStringLiteral("trView"));
+    m_trView->setHeaderHidden(true);
+    auto* right = new QWidget(splitter);
+    auto* rightLayout = new QVBoxLayout(right);
+    rightLayout->setContentsMargins(0, 0, 0, 0);
+    m_lvFiles = new QTreeWidget(right);
+    m_lvFiles->setObjectName(QStringLiteral("lvFiles"));
+    m_lvFiles->setColumnCount(2);
+    m_lvFiles->setRootIsDecorated(false);
+    m_lvFiles->setSortingEnabled(true);
+    m_lvFiles->header()->setSortIndicator(0, Qt::AscendingOrder);
+    m_txtNoFiles = new QLabel(QStringLiteral("Файлов нет"), right);
+    m_txtNoFiles->setObjectName(QStringLiteral("txtNoFiles"));
+    m_txtNoFiles->setAlignment(Qt::AlignCenter);
+    rightLayout->addWidget(m_lvFiles, 1);
+    rightLayout->addWidget(m_txtNoFiles, 1);
+    splitter->setStretchFactor(1, 2);
+    layout->addWidget(splitter, 1);
+
+    auto* comments = new QFormLayout;
+    const auto commentRow = [&](const char* edit, const char* button, const QString& caption, QLineEdit*& field,
+                                QPushButton*& save) {
+        field = new QLineEdit(this);
+        field->setObjectName(QString::fromLatin1(edit));
+        field->setMaxLength(50);
+        save = new QPushButton(QStringLiteral("Внести изменения"), this);
+        save->setObjectName(QString::fromLatin1(button));
+        save->setAutoDefault(false);
+        auto* row = new QHBoxLayout;
+        row->addWidget(field, 1);
+        row->addWidget(save);
+        comments->addRow(caption, row);
+    };
+    commentRow("txtCommentDir", "cmdMakeChangeDir", QStringLiteral("Комментарий к папке:"), m_txtCommentDir,
+               m_cmdMakeChangeDir);
+    commentRow("txtCommentFile", "cmdMakeChangeFile", QStringLiteral("Комментарий к файлу:"), m_txtCommentFile,
+               m_cmdMakeChangeFile);
+    layout->addLayout(comments);
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(new QLabel(QStringLiteral("Объем файлов в списке:"), this));
+    m_lblCDSpace = new QLabel(this);
+    m_lblCDSpace->setObjectName(QStringLiteral("lblCDSpace"));
+    bottom->addWidget(m_lblCDSpace);
+    bottom->addStretch(1);
+    const char* const captions[] = {"Закрыть", "Создать список", "Удалить список", "Пересоздать список"};
+    for (int i : {1, 2, 3, 0}) {
+        m_buttons[i] = new QPushButton(QString::fromUtf8(captions[i]), this);
+        m_buttons[i]->setObjectName(QStringLiteral("imgButton%1").arg(i));
+        m_buttons[i]->setAutoDefault(false);
+        bottom->addWidget(m_buttons[i]);
+    }
+    layout->addLayout(bottom);
+
+    connect(m_buttons[0], &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_buttons[1], &QPushButton::clicked, this, &frmFileList::cmdCreate);
+    connect(m_buttons[2], &QPushButton::clicked, this, &frmFileList::deleteListAsk);
+    connect(m_buttons[3], &QPushButton::clicked, this, &frmFileList::recreateListAsk);
+    connect(m_cmbCountCD, &QComboBox::activated, this, &frmFileList::cmbCountCD_Click);
+    connect(m_trView, &QTreeWidget::itemClicked, this,
+            [this](QTreeWidgetItem* item) { selectFolder(item->data(0, Qt::UserRole).toInt()); });
+    connect(m_lvFiles, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) { selectFile(item->text(0)); });
+    connect(m_lvFiles, &QTreeWidget::itemDoubleClicked, this, &frmFileList::lvFiles_DblClick);
+    connect(m_cmdMakeChangeDir, &QPushButton::clicked, this, &frmFileList::cmdMakeChangeDir);
+    connect(m_cmdMakeChangeFile, &QPushButton::clicked, this, &frmFileList::cmdMakeChangeFile);
+    connect(m_txtCommentDir, &QLineEdit::returnPressed, this, &frmFileList::cmdMakeChangeDir);
+    connect(m_txtCommentFile, &QLineEdit::returnPressed, this, &frmFileList::cmdMakeChangeFile);
+    m_cmbCountCD->setCurrentIndex(0);
+    cmbCountCD_Click();
+}
+
+void frmFileList::setCommentControls(bool dir, bool file)
+{
+    m_txtCommentDir->setEnabled(dir);
+    m_cmdMakeChangeDir->setEnabled(dir);
+    m_txtCommentFile->setEnabled(file);
+    m_cmdMakeChangeFile->setEnabled(file);
+}
+
+void frmFileList::cmbCountCD_Click()
+{
+    WaitCursor hourglass;
+    const int slot = std::max(0, m_cmbCountCD->currentIndex());
+    m_ctx.CurrentDiscID = m_ctx.DiscIDSlots[static_cast<std::size_t>(slot)];
+    if (m_ctx.CurrentDiscID.isEmpty()) {
+        m_buttons[1]->setEnabled(true);
+        m_buttons[2]->setEnabled(false);
+        m_buttons[3]->setEnabled(false);
+        m_trView->hide();
+        m_lvFiles->hide();
+        m_txtNoFiles->hide();
+        m_txtCommentDir->clear();
+        m_txtCommentFile->clear();
+        setCommentControls(false, false);
+        m_lblCDSpace->setText(QStringLiteral("~0 Мб"));
+        return;
+    }
+    m_buttons[1]->setEnabled(false);
+    m_buttons[2]->setEnabled(true);
+    m_buttons[3]->setEnabled(true);
+    if (!buildTree()) {
+        return;
+    }
+    selectFolder(0);
+    QStringList sizes;
+    {
+        const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
+        QSqlQuery rows = db.query(QStringLiteral("SELECT Размер FROM Файлы WHERE ДискID = ?"), {m_ctx.CurrentDiscID});
+        while (rows.next()) {
+            sizes.append(rows.value(0).toString());
+        }
+    }
+    m_lblCDSpace->setText(listVolumeText(sizes));
+}
+
+bool frmFileList::buildTree()
+{
+    m_trView->clear();
+    std::optional<QList<FileTreeNode>> nodes;
+    bool listExists = false;
+    {
+        const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
+        listExists = ContentsLists(db, ContentsKind::Files).exists(m_ctx.CurrentDiscID);
+        QStringList paths;
+        QSqlQuery rows = db.query(QStringLiteral("SELECT DISTINCT Путь FROM Файлы WHERE ДискID = ? ORDER BY Путь"),
+                                  {m_ctx.CurrentDiscID});
+        while (rows.next()) {
+            paths.append(rows.value(0).toString());
+        }
+        nodes = BuildTree(paths);
+    }
+    if (!listExists || !nodes) {
+        setCommentControls(false, false);
+        m_trView->hide();
+        m_lvFiles->hide();
+        m_ctx.prompter().message(QStringLiteral("ВНИМАНИЕ!\n\nПроизошла ошибка при создании списка файлов! Необходимо "
+                                                "повторно произвести сканирование диска."),
+                                 MessageStyle::Exclamation);
+        return false;
+    }
+    m_nodes = *nodes;
+    QList<QTreeWidgetItem*> items;
+    for (int i = 0; i < m_nodes.size(); ++i) {
+        const FileTreeNode& node = m_nodes[i];
+        auto* item = node.parent < 0 ? new QTreeWidgetItem(m_trView) : new QTreeWidgetItem(items[node.parent]);
+        item->setText(0, node.text);
+        item->setData(0, Qt::UserRole, i);
+        item->setIcon(0, style()->standardIcon(node.image == 2 ? QStyle::SP_DriveCDIcon : QStyle::SP_DirIcon));
+        items.append(item);
+    }
+    if (m_nodes.isEmpty()) {
+        m_trView->addTopLevelItem(new QTreeWidgetItem(QStringList{QStringLiteral("Файлов нет!")}));
+    }
+    m_trView->show();
+    m_lvFiles->show();
+    setCommentControls(true, false);
+    return true;
+}
+
+QString frmFileList::currentFolderKey() const
+{
+    const QTreeWidgetItem* item = m_trView->currentItem();
+    if (!item || !item->data(0, Qt::UserRole).isValid()) {
+        return QStringLiteral("\\");
+    }
+    return folderKey(m_nodes, item->data(0, Qt::UserRole).toInt());
+}
+
+void frmFileList::selectFolder(int node)
+{
+    if (node < 0 || node >= m_nodes.size()) {
+        return;
+    }
+    const QList<QTreeWidgetItem*> found =
+        m_trView->findItems(m_nodes[node].text, Qt::MatchExactly | Qt::MatchRecursive);
+    for (QTreeWidgetItem* item : found) {
+        if (item->data(0, Qt::UserRole).toInt() == node) {
+            m_trView->setCurrentItem(item);
+        }
+    }
+    m_txtCommentFile->clear();
+    FillFileList(folderKey(m_nodes, node));
+    if (m_lvFiles->topLevelItemCount() > 0) {
+        m_lvFiles->setCurrentItem(m_lvFiles->topLevelItem(0));
+        selectFile(m_lvFiles->topLevelItem(0)->text(0));
+    }
+}
+
+void frmFileList::FillFileList(const QString& path)
+{
+    m_lvFiles->clear();
+    const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
+    m_txtCommentDir->setText(db.scalar(QStringLiteral("SELECT Комментарий FROM Файлы WHERE ДискID = ? AND Путь = ? AND "
+                                                      "Имя = Путь"),
+                                       {m_ctx.CurrentDiscID, path})
+                                 .toString());
+    QSqlQuery rows = db.query(QStringLiteral("SELECT Имя, Размер FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя <> Путь "
+                                             "ORDER BY Имя"),
+                              {m_ctx.CurrentDiscID, path});
+    static const QStyle::StandardPixmap icons[] = {QStyle::SP_FileIcon,     QStyle::SP_FileIcon,   QStyle::SP_ComputerIcon,
+                                                   QStyle::SP_DriveFDIcon,  QStyle::SP_FileIcon,   QStyle::SP_FileDialogDetailedView,
+                                                   QStyle::SP_MediaPlay,    QStyle::SP_MediaVolume, QStyle::SP_DriveFDIcon,
+                                                   QStyle::SP_FileDialogContentsView, QStyle::SP_FileIcon, QStyle::SP_FileIcon,
+                                                   QStyle::SP_DirLinkIcon};
+    while (rows.next()) {
+        auto* item = new QTreeWidgetItem(m_lvFiles, {rows.value(0).toString(), rows.value(1).toString()});
+        item->setIcon(0, style()->standardIcon(icons[fileImage(item->text(0))]));
+    }
+    const bool any = m_lvFiles->topLevelItemCount() > 0;
+    m_lvFiles->setVisible(any);
+    m_txtNoFiles->setVisible(!any);
+    m_txtCommentFile->setEnabled(any);
+    m_cmdMakeChangeFile->setEnabled(any);
+    m_lvFiles->setHeaderLabels({QStringLiteral("Файлов: ") + QString::number(m_lvFiles->topLevelItemCount()),
+                                QStringLiteral("Размер (Кб)")});
+}
+
+void frmFileList::selectFile(const QString& name)
+{
+    const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
+    m_txtCommentFile->setText(db.scalar(QStringLiteral("SELECT Комментарий FROM Файлы WHERE ДискID = ? AND Путь = ? AND "
+                                                       "Имя = ?"),
+                                        {m_ctx.CurrentDiscID, currentFolderKey(), name})
+                                  .toString());
+}
+
+namespace {
+
+// Stores a comment of a folder (name = its path) or a file; false when the row is gone.
+bool storeComment(AppContext& ctx, const QString& path, const QString& name, const QString& comment)
+{
+    const Db db(ctx.FilesDBPath);
+    const QVariant found = db.scalar(QStringLiteral("SELECT rowid FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя = ? "
+                                                    "LIMIT 1"),
+                                     {ctx.CurrentDiscID, path, name});
+    if (!found.isValid()) {
+        return false;
+    }
+    db.exec(QStringLiteral("UPDATE Файлы SET Комментарий = ? WHERE rowid = ?"),
+            {comment.isEmpty() ? QVariant() : QVariant(comment.left(50)), found});
+    return true;
+}
+
+} // namespace
+
+void frmFileList::cmdMakeChangeDir()
+{
+    m_txtCommentDir->setText(CleanText(m_txtCommentDir->text()));
+    const QString path = currentFolderKey();
+    if (!storeComment(m_ctx, path, path, m_txtCommentDir->text())) {
+        m_ctx.prompter().message(QStringLiteral("Необходимо пересоздать структуру диска!"), MessageStyle::Exclamation);
+        m_txtCommentDir->clear();
+        return;
+    }
+    m_ctx.prompter().message(QStringLiteral("Комментарий к папке '") + m_trView->currentItem()->text(0) +
+                                 QStringLiteral("' успешно изменен."),
+                             MessageStyle::Information);
+}
+
+void frmFileList::cmdMakeChangeFile()
+{
+    m_txtCommentFile->setText(CleanText(m_txtCommentFile->text()));
+    const QString name = m_lvFiles->currentItem() ? m_lvFiles->currentItem()->text(0) : QString();
+    if (name.isEmpty() || !storeComment(m_ctx, currentFolderKey(), name, m_txtCommentFile->text())) {
+        m_ctx.prompter().message(QStringLiteral("Необходимо пересоздать структуру диска!"), MessageStyle::Exclamation);
+        m_txtCommentDir->clear();
+        return;
+    }
+    m_ctx.prompter().message(QStringLiteral("Комментарий к файлу '") + name + QStringLiteral("' успешно изменен."),
+                             MessageStyle::Information);
+}
+
+void frmFileList::cmdCreate()
+{
+    m_ctx.DialogDone = false;
+    {
+        frmFileListOption options(m_ctx, m_number, m_cmbCountCD->currentIndex() + 1, this);
+        m_ctx.prompter().showModal(options);
+    }
+    if (!m_ctx.DialogDone) {
+        return;
+    }
+    m_ctx.DialogDone = false;
+    cmbCountCD_Click();
+}
+
+void frmFileList::DeleteList()
+{
+    const int slot = m_cmbCountCD->currentIndex() + 1;
+    underFaultHandler(m_ctx, QStringLiteral("frmFileList, DeleteList()"), [&] {
+        {
+            const Db files(m_ctx.FilesDBPath);
+            const ContentsLists lists(files, ContentsKind::Files);
+            if (lists.exists(m_ctx.CurrentDiscID)) {
+                lists.drop(m_ctx.CurrentDiscID);
+            }
+        }
+        const Db db(m_ctx.MainDBPath);
+        db.exec(QStringLiteral("UPDATE Компьютер SET ДискID%1 = NULL WHERE КодКомпьютерныйДиск = (SELECT "
+                               "КодКомпьютерныйДиск FROM Компьютер WHERE Номер = ? ORDER BY 1 LIMIT 1)")
+                    .arg(slot),
+                {m_number});
+        m_ctx.DiscIDSlots[static_cast<std::size_t>(slot - 1)].clear();
+    });
+}
+
+void frmFileList::deleteListAsk()
+{
+    if (m_ctx.prompter().message(QStringLiteral("Вы действительно хотите удалить информация о структуре ") +
+                                     m_cmbCountCD->currentText() + QStringLiteral("-го диска № ") +
+                                     QString::number(m_number) + u'?',
+                                 MessageStyle::YesNoQuestion) != Answer::Yes) {
+        return;
+    }
+    DeleteList();
+    cmbCountCD_Click();
+}
+
+void frmFileList::recreateListAsk()
+{
+    if (m_ctx.prompter().message(QStringLiteral("Текущий список файлов будет удален! Продолжить?"),
+                                 MessageStyle::YesNoExclamation) != Answer::Yes) {
+        return;
+    }
+    DeleteList();
+    cmbCountCD_Click();
+    cmdCreate();
+}
+
+void frmFileList::lvFiles_DblClick()
+{
+    const QString name = m_lvFiles->currentItem() ? m_lvFiles->currentItem()->text(0) : QString();
+    const QString drive = m_ctx.ini().read(QStringLiteral("Option"), QStringLiteral("Drive"), 4096).trimmed();
+    const QString mounted = drive.isEmpty() ? QString() : mountPointOf(drive);
+    VolumeInfo volume;
+    const QString kind =
+        drive.isEmpty() ? QString() : GetDiskIDcheck(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this), &volume);
+    if (kind != u"PcCD" || SerialToID(volume.serial) != m_ctx.CurrentDiscID || mounted.isEmpty() || name.isEmpty()) {
+        m_ctx.prompter().message(QStringLiteral("Вставьте диск № ") + QString::number(m_number) +
+                                     QStringLiteral(" в устройство для чтения компакт-дисков и повторите операцию."),
+                                 MessageStyle::Exclamation);
+        return;
+    }
+    QString folder = currentFolderKey();
+    folder.replace(u'\\', u'/');
+    const QString file = QDir(mounted + folder).filePath(name);
+    const bool start = m_ctx.ini().number(QStringLiteral("Option"), QStringLiteral("FilesAction"), 5) == 1;
+    m_ctx.prompter().openUrl(QUrl::fromLocalFile(start ? file : QFileInfo(file).path()));
+}
+
+QStringList frmFileList::treeTexts() const
+{
+    QStringList texts;
+    for (int i = 0; i < m_nodes.size(); ++i) {
+        texts.append(m_nodes[i].parent < 0 ? m_nodes[i].text
+                                           : texts[m_nodes[i].parent] + u'/' + m_nodes[i].text);
+    }
+    return texts;
+}
+
+QStringList frmFileList::fileNames() const
+{
+    QStringList names;
+    for (int i = 0; i < m_lvFiles->topLevelItemCount(); ++i) {
+        names.append(m_lvFiles->topLevelItem(i)->text(0));
+    }
+    return names;
+}
+
+QString frmFileList::volumeText() const
+{
+    return m_lblCDSpace->text();
+}
+
+} // namespace vinora

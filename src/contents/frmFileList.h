@@ -1,0 +1,62 @@
+#pragma once
+
+#include "contents/FileTree.h"
+
+#include <QDialog>
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTreeWidget;
+
+namespace vinora {
+
+class AppContext;
+
+// "Файлы": the file list of one disc of a computer disc record, as a folder tree and a
+// list of files with their comments; it creates, deletes and re-creates the list and opens
+// a file of the disc in the drive. The ids of the set's lists come in ctx.DiscIDSlots.
+class frmFileList : public QDialog
+{
+    Q_OBJECT
+public:
+    frmFileList(AppContext& ctx, int number, const QString& name, int discs, QWidget* parent = nullptr);
+
+    void cmbCountCD_Click();
+    void selectFolder(int node);
+    void selectFile(const QString& name);
+    void cmdMakeChangeDir();
+    void cmdMakeChangeFile();
+    void cmdCreate();
+    void deleteListAsk();
+    void recreateListAsk();
+    void lvFiles_DblClick();
+
+    QStringList treeTexts() const; // "parent/child" paths of the tree's nodes, in order
+    QStringList fileNames() const;
+    QString volumeText() const;
+
+private:
+    bool buildTree();
+    void FillFileList(const QString& path);
+    void DeleteList();
+    void setCommentControls(bool dir, bool file);
+    QString currentFolderKey() const;
+
+    AppContext& m_ctx;
+    int m_number;
+    QList<FileTreeNode> m_nodes;
+    QComboBox* m_cmbCountCD;
+    QTreeWidget* m_trView;
+    QTreeWidget* m_lvFiles;
+    QLineEdit* m_txtCommentDir;
+    QLineEdit* m_txtCommentFile;
+    QPushButton* m_cmdMakeChangeDir;
+    QPushButton* m_cmdMakeChangeFile;
+    QLabel* m_txtNoFiles;
+    QLabel* m_lblCDSpace;
+    QPushButton* m_buttons[4];
+};
+
+} // namespace vinora

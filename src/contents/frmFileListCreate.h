@@ -1,0 +1,46 @@
+#pragma once
+
+#include "contents/DiscScan.h"
+
+#include <QDialog>
+#include <QFutureWatcher>
+
+#include <atomic>
+
+class QLabel;
+class QProgressBar;
+
+namespace vinora {
+
+class AppContext;
+
+// "Создание списка файлов": runs the walk of a prepared scan off the GUI thread, shows the
+// folder and file at hand, and stops the walk when it is closed. Rows stored so far stay.
+class frmFileListCreate : public QDialog
+{
+    Q_OBJECT
+public:
+    frmFileListCreate(AppContext& ctx, ScanRequest request, QString id, QWidget* parent = nullptr);
+    ~frmFileListCreate() override;
+
+    int rowsStored() const { return m_rows; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void reject() override;
+
+private:
+    void finished();
+
+    AppContext& m_ctx;
+    ScanRequest m_request;
+    QString m_id;
+    int m_rows = 0;
+    std::atomic<bool> m_stop{false};
+    QFutureWatcher<QString> m_walk; // the error text, empty when all went well
+    QLabel* m_lblDir;
+    QLabel* m_lblFile;
+    QProgressBar* m_prbFiles;
+};
+
+} // namespace vinora
