@@ -38,9 +38,10 @@ frmFileListCreate::~frmFileListCreate()
 void frmFileListCreate::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
-    if (m_walk.isRunning() || m_walk.isFinished()) {
+    if (m_started) {
         return;
     }
+    m_started = true;
     const auto prepare = [this](FileListScanner& scanner) {
         scanner.cancelled = [this] { return m_stop.load(); };
         scanner.onFolder = [this](const QString& folder) {

@@ -36,6 +36,7 @@ private:
     ScanRequest m_request;
     QString m_id;
     int m_rows = 0;
+    bool m_started = false;
     std::atomic<bool> m_stop{false};
     QFutureWatcher<QString> m_walk; // the error text, empty when all went well
     QLabel* m_lblDir;
