@@ -66,6 +66,7 @@ int runScan(const AppContext& ctx, const ScanRequest& request, const QString& id
         prepare(scanner);
     }
     scanner.run();
+    writer.commit();
     return writer.rowsWritten();
 }
 

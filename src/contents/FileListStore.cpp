@@ -80,19 +80,44 @@ void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, 
     ctx.DiscIDSlots[static_cast<std::size_t>(slot - 1)] = id;
 }
 
-FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id)) {}
+FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id))
+{
+    m_insert = std::make_unique<Statement>(
+        m_db, QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES (?, ?, ?, ?, ?)"));
+    m_sinceCommit.start();
+}
+
+FileListWriter::~FileListWriter()
+{
+    try {
+        commit();
+    } catch (const AppError&) {
+        // The rows of the last moment are lost with the failure that stopped the scan.
+    }
+}
 
 void FileListWriter::write(const QList<FileRow>& rows)
 {
-    Transaction transaction(m_db);
-    Statement insert(m_db,
-                     QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES (?, ?, ?, ?, ?)"));
+    if (!m_transaction) {
+        m_transaction = std::make_unique<Transaction>(m_db);
+    }
     const auto orNull = [](const QString& text) { return text.isEmpty() ? QVariant() : QVariant(text); };
     for (const FileRow& row : rows) {
-        insert.run({m_id, orNull(row.name), orNull(row.path), orNull(row.size), orNull(row.comment.left(50))});
+        m_insert->run({m_id, orNull(row.name), orNull(row.path), orNull(row.size), orNull(row.comment.left(50))});
         ++m_count;
     }
-    transaction.commit();
+    if (m_sinceCommit.elapsed() >= 250) {
+        commit();
+    }
+}
+
+void FileListWriter::commit()
+{
+    if (m_transaction) {
+        m_transaction->commit();
+        m_transaction.reset();
+    }
+    m_sinceCommit.restart();
 }
 
 } // namespace vinora

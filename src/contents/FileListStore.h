@@ -2,7 +2,10 @@
 
 #include "contents/FileListScan.h"
 
+#include <QElapsedTimer>
 #include <QString>
+
+#include <memory>
 
 #include <functional>
 
@@ -10,6 +13,8 @@ namespace vinora {
 
 class AppContext;
 class Db;
+class Statement;
+class Transaction;
 
 // Asked when the disc's id names a list that a computer disc owns already; true goes on
 // under a made-up id.
@@ -30,19 +35,25 @@ bool CreateFileTable(AppContext& ctx, QString& id, bool ask, const ClashQuestion
 // ДискID<slot>_d too with `share`; slot `slot` of ctx.DiscIDSlots follows.
 void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, bool share);
 
-// Stores the rows a scan hands over into list `id`, one transaction per folder, so that a
-// broken-off or failing scan keeps what was stored before.
+// Stores the rows a scan hands over into list `id`. Whole folders are committed, at least
+// every quarter of a second, so that a broken-off or failing scan keeps what was stored
+// before, without paying a disc flush for every small folder.
 class FileListWriter
 {
 public:
     FileListWriter(const Db& filesDb, QString id);
+    ~FileListWriter();
     void write(const QList<FileRow>& rows);
+    void commit();
     int rowsWritten() const { return m_count; }
 
 private:
     const Db& m_db;
     QString m_id;
     int m_count = 0;
+    std::unique_ptr<Transaction> m_transaction;
+    std::unique_ptr<Statement> m_insert;
+    QElapsedTimer m_sinceCommit;
 };
 
 } // namespace vinora

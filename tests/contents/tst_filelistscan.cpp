@@ -218,6 +218,7 @@ private slots:
             FileListScanner scanner(*volume, options, entries);
             scanner.onRows = [&](const QList<FileRow>& rows) { writer.write(rows); };
             scanner.run();
+            writer.commit();
             return storedRows(app.ctx, id);
         };
         QCOMPARE(scanOf(openVolumeReader(m_image)), expected);
