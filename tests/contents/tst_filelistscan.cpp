@@ -283,6 +283,51 @@ private slots:
         QCOMPARE(third.id, id);
     }
 
+    void badInput()
+    {
+        // A path of about 300 characters, names with quotes.
+        const QString deep = m_dir.filePath("deep");
+        QString path = deep;
+        for (int i = 0; i < 12; ++i) {
+            path += "/Очень длинное имя папки " + QString::number(i);
+        }
+        test::writeFile(path + "/it's \"quoted\".txt", "x");
+        ScanOptions options;
+        QList<FileRow> rows;
+        auto folder = openFolderReader(deep);
+        FileListScanner scanner(*folder, options, {});
+        scanner.onRows = [&](const QList<FileRow>& more) { rows += more; };
+        QVERIFY(scanner.run());
+        QVERIFY(std::any_of(rows.begin(), rows.end(), [](const FileRow& row) { return row.name == "it's \"quoted\".txt"; }));
+        QVERIFY(std::all_of(rows.begin(), rows.end(), [](const FileRow& row) { return row.path.size() <= 255; }));
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        {
+            Db files(app.ctx.FilesDBPath);
+            ContentsLists(files, ContentsKind::Files).create("LONG");
+            FileListWriter writer(files, "LONG");
+            writer.write(rows);
+            writer.commit();
+            QCOMPARE(writer.rowsWritten(), rows.size());
+        }
+
+        // An image that ends in the middle of its directories: what can be read is listed.
+        const QByteArray whole = test::readFile(m_image);
+        const QString cut = m_dir.filePath("cut.iso");
+        int readErrors = 0;
+        QList<FileRow> partial;
+        for (const qint64 end : {qint64(19 * 2048), qint64(21 * 2048 + 700), qint64(24 * 2048)}) {
+            test::writeFile(cut, whole.left(end));
+            if (auto volume = openVolumeReader(cut)) {
+                FileListScanner damaged(*volume, options, {});
+                damaged.onRows = [&](const QList<FileRow>& more) { partial += more; };
+                damaged.onReadError = [&] { ++readErrors; };
+                damaged.run();
+            }
+        }
+        QVERIFY(readErrors > 0);
+    }
+
     void commandLine()
     {
         test::TestApp app;
