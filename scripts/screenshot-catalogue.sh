@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Makes docs/screenshots/catalogue-audio.png, catalogue-pc.png, catalogue-dvd.png and
-# editor.png: the catalogue browsers on a few dozen discs with a cover, and the editor.
+# editor.png: the catalogue browsers on a few dozen discs with a cover, and the editor;
+# filelist.png: the file list of a computer disc.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}

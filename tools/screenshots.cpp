@@ -4,7 +4,12 @@
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "catalogue/frmCatalogue.h"
+#include "contents/FileListStore.h"
+#include "contents/frmFileList.h"
 #include "frame/AppContext.h"
+#include "frame/Version.h"
+#include "recognition/VolumeReader.h"
+#include "store/ContentsLists.h"
 #include "store/Db.h"
 #include "store/InfoStamp.h"
 #include "store/Reanimator.h"
@@ -100,6 +105,23 @@ int main(int argc, char* argv[])
         }
         QApplication::processEvents();
         window.grab().save(out + u'/' + QString::fromLatin1(names[static_cast<int>(category)]));
+    }
+    {
+        // The file list of computer disc 1: the program's own sources stand in for a disc.
+        const Db files(ctx.FilesDBPath);
+        ContentsLists(files, ContentsKind::Files).create(QStringLiteral("5A3C19E2"));
+        FileListWriter writer(files, QStringLiteral("5A3C19E2"));
+        const auto volume = openFolderReader(QString::fromUtf8(kSourceResources) + QStringLiteral("/../src"));
+        FileListScanner scanner(*volume, ScanOptions{}, {});
+        scanner.onRows = [&writer](const QList<FileRow>& rows) { writer.write(rows); };
+        scanner.run();
+        writer.commit();
+        CreateLinkDiskID(ctx, 1, 1, QStringLiteral("5A3C19E2"), false);
+        frmFileList list(ctx, 1, QStringLiteral("Сборник программ 2000"), 1);
+        list.selectFolder(1);
+        list.show();
+        QApplication::processEvents();
+        list.grab().save(out + QStringLiteral("/filelist.png"));
     }
     frmAddInCatalogue editor(ctx, Category::Audio, frmAddInCatalogue::Mode::Change, 1);
     editor.show();

@@ -70,6 +70,9 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     m_lvFiles->setRootIsDecorated(false);
     m_lvFiles->setSortingEnabled(true);
     m_lvFiles->header()->setSortIndicator(0, Qt::AscendingOrder);
+    m_lvFiles->header()->setStretchLastSection(false);
+    m_lvFiles->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    m_lvFiles->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     m_txtNoFiles = new QLabel(QStringLiteral("Файлов нет"), right);
     m_txtNoFiles->setObjectName(QStringLiteral("txtNoFiles"));
     m_txtNoFiles->setAlignment(Qt::AlignCenter);
