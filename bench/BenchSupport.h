@@ -5,6 +5,8 @@
 #include "frame/Prompter.h"
 
 #include <QElapsedTimer>
+#include <QProcess>
+#include <QStringList>
 
 #include <algorithm>
 #include <cstdio>
@@ -46,6 +48,15 @@ inline void report(const char* what, double ms, double goalMs)
     const bool met = ms <= goalMs;
     g_failures += met ? 0 : 1;
     std::printf("%-58s %10.3f ms   goal %9.3f ms   %s\n", what, ms, goalMs, met ? "ok" : "MISSED");
+}
+
+// Runs a tool, its output thrown away; true when it succeeded.
+inline bool run(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.start(program, arguments);
+    return process.waitForFinished(600000) && process.exitCode() == 0;
 }
 
 inline int finish()

@@ -23,14 +23,6 @@ using namespace vinora::bench;
 
 namespace {
 
-bool run(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.start(program, arguments);
-    return process.waitForFinished(600000) && process.exitCode() == 0;
-}
-
 int scanInto(AppContext& ctx, VolumeReader& volume, const QString& id)
 {
     const Db files(ctx.FilesDBPath);

@@ -22,15 +22,6 @@ using namespace vinora::bench;
 
 namespace {
 
-
-bool run(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.start(program, arguments);
-    return process.waitForFinished(600000) && process.exitCode() == 0;
-}
-
 int walk(VolumeReader& reader, const QString& folder)
 {
     int count = 0;

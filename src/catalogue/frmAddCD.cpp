@@ -27,14 +27,6 @@ namespace {
 
 const char* const kKinds[] = {"AudioCD", "PcCD", "DVD"};
 
-QString kindCaption(const QString& kind)
-{
-    return kind == u"AudioCD" ? QStringLiteral("Аудио диск")
-           : kind == u"PcCD"  ? QStringLiteral("Компьютерный диск")
-           : kind == u"DVD"   ? QStringLiteral("DVD диск")
-                              : QStringLiteral("(нет)");
-}
-
 } // namespace
 
 frmAddCD::frmAddCD(AppContext& ctx, Category category, QWidget* parent)

@@ -22,14 +22,6 @@ namespace {
 
 const QString kSection = QStringLiteral("FileListOption");
 
-QString kindCaption(const QString& kind)
-{
-    return kind == u"AudioCD" ? QStringLiteral("Аудио диск")
-           : kind == u"PcCD"  ? QStringLiteral("Компьютерный диск")
-           : kind == u"DVD"   ? QStringLiteral("DVD диск")
-                              : QStringLiteral("(нет)");
-}
-
 } // namespace
 
 frmFileListOption::frmFileListOption(AppContext& ctx, int number, int slot, QWidget* parent)

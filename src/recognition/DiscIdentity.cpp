@@ -63,6 +63,14 @@ std::optional<QString> decideKind(const AppContext& ctx, const VolumeInfo& volum
     return kind.isEmpty() ? std::nullopt : std::optional<QString>(kind);
 }
 
+QString kindCaption(const QString& kind)
+{
+    return kind == u"AudioCD" ? QStringLiteral("Аудио диск")
+           : kind == u"PcCD"  ? QStringLiteral("Компьютерный диск")
+           : kind == u"DVD"   ? QStringLiteral("DVD диск")
+                              : QStringLiteral("(нет)");
+}
+
 QString AskCategory(AppContext& ctx, const QString& id, const CategoryChooser& chooser)
 {
     for (;;) {

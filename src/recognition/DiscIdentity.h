@@ -34,6 +34,10 @@ QString kindFromCategory(const QString& category);
 // "DVD", or empty for a disc stored as "n/a"), or nothing when the user must be asked.
 std::optional<QString> decideKind(const AppContext& ctx, const VolumeInfo& volume);
 
+// What the scan and add dialogs show for a kind word: "Аудио диск", "Компьютерный диск",
+// "DVD диск", or "(нет)".
+QString kindCaption(const QString& kind);
+
 // Asks the user for the category of disc `id` until it is chosen, or the refusal is
 // confirmed (then the disc is stored as "n/a"); the answer is stored in skipcd.ini.
 QString AskCategory(AppContext& ctx, const QString& id, const CategoryChooser& chooser);
