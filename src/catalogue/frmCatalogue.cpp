@@ -10,6 +10,7 @@
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
 #include "recognition/DiscIdentity.h"
+#include "recognition/frmSelectCategory.h"
 #include "store/Db.h"
 #include "ui/KeyFilter.h"
 #include "ui/WaitCursor.h"
@@ -476,7 +477,7 @@ void frmCatalogue::dcDatabase_Reposition()
         m_timerDue.stop();
         m_txtNumber->setReadOnly(true);
         for (QLineEdit* field : findChildren<QLineEdit*>()) {
-            if (field != m_txtName && !(typing && field == m_txtName)) {
+            if (field != m_txtName) {
                 field->clear();
             }
         }
@@ -691,7 +692,7 @@ void frmCatalogue::AutoResp()
         return;
     }
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", AutoResp()"), [&] {
-        m_ctx.CurrentDiscID = GetDiskID(m_ctx, drive, [] { return std::optional<QString>(); });
+        m_ctx.CurrentDiscID = GetDiskID(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this));
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
         if (const auto place = findDiscPlace(db, m_kind, m_ctx.CurrentDiscID); place && goToNumber(place->number)) {
             if (m_cmbCountCD && place->slot <= m_cmbCountCD->count()) {
