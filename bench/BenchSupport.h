@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QStringList>
-
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -22,7 +21,10 @@ class SilentPrompter final : public Prompter
 {
 public:
     Answer message(const QString&, MessageStyle) override { return Answer::Ok; }
-    std::optional<QString> input(const QString&, const QString&, const QString&) override { return std::nullopt; }
+    std::optional<QString> input(const QString&, const QString&, const QString&) override
+    {
+        return std::nullopt;
+    }
     QString openFile(const QString&, const QString&, const QString&) override { return {}; }
     QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
     QString chooseFolder(const QString&, const QString&) override { return {}; }

@@ -2,7 +2,6 @@
 // database, against iso-info and find listing the same; and building the folder tree of a
 // list of 10,000 folders.
 #include "BenchSupport.h"
-
 #include "contents/FileListScan.h"
 #include "contents/FileListStore.h"
 #include "contents/FileTree.h"
@@ -60,15 +59,18 @@ int main(int argc, char* argv[])
         }
     }
     const QString iso = dir.filePath(QStringLiteral("big.iso"));
-    if (!run(QStringLiteral("genisoimage"), {QStringLiteral("-quiet"), QStringLiteral("-J"), QStringLiteral("-joliet-long"),
-                                             QStringLiteral("-input-charset"), QStringLiteral("utf-8"),
-                                             QStringLiteral("-o"), iso, tree})) {
+    if (!run(QStringLiteral("genisoimage"),
+             {QStringLiteral("-quiet"), QStringLiteral("-J"), QStringLiteral("-joliet-long"),
+              QStringLiteral("-input-charset"), QStringLiteral("utf-8"), QStringLiteral("-o"), iso, tree})) {
         return 2;
     }
-    const double isoInfo = medianMs(3, [&] { run(QStringLiteral("iso-info"), {QStringLiteral("-l"), QStringLiteral("-i"), iso}); });
+    const double isoInfo = medianMs(3, [&] {
+        run(QStringLiteral("iso-info"), {QStringLiteral("-l"), QStringLiteral("-i"), iso});
+    });
     const double find = medianMs(3, [&] { run(QStringLiteral("find"), {tree}); });
     int rows = 0;
-    const double image = medianMs(3, [&] { rows = scanInto(ctx, *openVolumeReader(iso), QStringLiteral("IMG")); });
+    const double image =
+        medianMs(3, [&] { rows = scanInto(ctx, *openVolumeReader(iso), QStringLiteral("IMG")); });
     std::printf("iso-info -l: %.0f ms, find: %.0f ms, rows stored: %d\n", isoInfo, find, rows);
     // The limit is 3 s; the target of twice the time of a plain listing is reported beside it.
     report("scan 100,000 files of an ISO image into the database", image, 3000);
@@ -81,7 +83,9 @@ int main(int argc, char* argv[])
     for (int a = 0; a < 100; ++a) {
         paths.append(QStringLiteral("\\A%1\\").arg(a, 3, 10, QLatin1Char('0')));
         for (int b = 0; b < 99; ++b) {
-            paths.append(QStringLiteral("\\A%1\\B%2\\").arg(a, 3, 10, QLatin1Char('0')).arg(b, 2, 10, QLatin1Char('0')));
+            paths.append(QStringLiteral("\\A%1\\B%2\\")
+                             .arg(a, 3, 10, QLatin1Char('0'))
+                             .arg(b, 2, 10, QLatin1Char('0')));
         }
     }
     paths.sort();

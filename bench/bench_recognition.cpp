@@ -1,9 +1,8 @@
 // Speed of disc access: the volume query that the drive watch makes once a second, and the
 // listing of a large data disc, compared with iso-info reading the same image.
+#include "BenchSupport.h"
 #include "recognition/VolumeIdentity.h"
 #include "recognition/VolumeReader.h"
-
-#include "BenchSupport.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -11,7 +10,6 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -52,9 +50,9 @@ int main(int argc, char* argv[])
         }
     }
     const QString iso = dir.filePath(QStringLiteral("big.iso"));
-    if (!run(QStringLiteral("genisoimage"), {QStringLiteral("-quiet"), QStringLiteral("-J"), QStringLiteral("-R"),
-                                             QStringLiteral("-input-charset"), QStringLiteral("utf-8"),
-                                             QStringLiteral("-o"), iso, tree})) {
+    if (!run(QStringLiteral("genisoimage"),
+             {QStringLiteral("-quiet"), QStringLiteral("-J"), QStringLiteral("-R"),
+              QStringLiteral("-input-charset"), QStringLiteral("utf-8"), QStringLiteral("-o"), iso, tree})) {
         std::fprintf(stderr, "genisoimage failed\n");
         return 2;
     }
@@ -79,8 +77,11 @@ int main(int argc, char* argv[])
         const auto reader = openVolumeReader(iso);
         entries = walk(*reader, {});
     });
-    const double isoInfo = medianMs(3, [&] { run(QStringLiteral("iso-info"), {QStringLiteral("-l"), QStringLiteral("-i"), iso}); });
-    std::printf("iso-info -l on the same image: %.1f ms; entries listed by the reader: %d\n", isoInfo, entries);
+    const double isoInfo = medianMs(3, [&] {
+        run(QStringLiteral("iso-info"), {QStringLiteral("-l"), QStringLiteral("-i"), iso});
+    });
+    std::printf("iso-info -l on the same image: %.1f ms; entries listed by the reader: %d\n", isoInfo,
+                entries);
     report("listing 20,000 files of an ISO image (goal 2x iso-info)", ours, 2 * isoInfo);
     if (entries != 20200) {
         std::fprintf(stderr, "expected 20,200 entries, got %d\n", entries);

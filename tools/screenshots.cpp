@@ -31,24 +31,30 @@ namespace {
 void fill(AppContext& ctx)
 {
     Db db(ctx.MainDBPath);
-    const char* const artists[] = {"Кино", "Аквариум", "Pink Floyd", "ДДТ", "The Beatles", "Наутилус Помпилиус",
-                                   "Ария", "Queen", "Машина времени", "Земфира"};
-    const char* const albums[] = {"Группа крови", "Равноденствие", "The Wall", "Это всё", "Abbey Road",
-                                  "Разлука", "Герой асфальта", "A Night at the Opera", "Реки и мосты", "Вендетта"};
+    const char* const artists[] = {
+        "Кино", "Аквариум", "Pink Floyd",     "ДДТ",    "The Beatles", "Наутилус Помпилиус",
+        "Ария", "Queen",    "Машина времени", "Земфира"};
+    const char* const albums[] = {"Группа крови", "Равноденствие", "The Wall",       "Это всё",
+                                  "Abbey Road",   "Разлука",       "Герой асфальта", "A Night at the Opera",
+                                  "Реки и мосты", "Вендетта"};
     for (int i = 0; i < 36; ++i) {
-        db.exec(QStringLiteral("INSERT INTO Аудио (Номер, Название, Альбом, Год, Дисков, Записей1, Время1, КодСтиля) "
-                               "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"),
+        db.exec(QStringLiteral(
+                    "INSERT INTO Аудио (Номер, Название, Альбом, Год, Дисков, Записей1, Время1, КодСтиля) "
+                    "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"),
                 {i + 1, QString::fromUtf8(artists[i % 10]), QString::fromUtf8(albums[i % 10]),
-                 QString::number(1979 + i), i % 7 == 0 ? 2 : 1, 10 + i % 6, QStringLiteral("4%1:1%2").arg(i % 10).arg(i % 6),
-                 1 + (i * 7) % 30});
-        db.exec(QStringLiteral("INSERT INTO Компьютер (Номер, Название, КодОписания, Год, Дисков, РасОписание) "
-                               "VALUES (?, ?, ?, ?, 1, ?)"),
-                {i + 1, QStringLiteral("Сборник программ %1").arg(2000 + i), 1 + i % 22, QString::number(2000 + i),
-                 QStringLiteral("Утилиты, драйверы и документация")});
-        db.exec(QStringLiteral("INSERT INTO DVD (Номер, Название, Описание, Год, Дисков, Время, Зона, КодЖанр, ФорматЗвука) "
-                               "VALUES (?, ?, ?, ?, 1, ?, 5, ?, '2,5,')"),
-                {i + 1, QStringLiteral("Фильм № %1").arg(i + 1), QStringLiteral("Режиссёрская версия"),
-                 QString::number(1990 + i), 90 + i, 1 + i % 9});
+                 QString::number(1979 + i), i % 7 == 0 ? 2 : 1, 10 + i % 6,
+                 QStringLiteral("4%1:1%2").arg(i % 10).arg(i % 6), 1 + (i * 7) % 30});
+        db.exec(
+            QStringLiteral("INSERT INTO Компьютер (Номер, Название, КодОписания, Год, Дисков, РасОписание) "
+                           "VALUES (?, ?, ?, ?, 1, ?)"),
+            {i + 1, QStringLiteral("Сборник программ %1").arg(2000 + i), 1 + i % 22,
+             QString::number(2000 + i), QStringLiteral("Утилиты, драйверы и документация")});
+        db.exec(
+            QStringLiteral(
+                "INSERT INTO DVD (Номер, Название, Описание, Год, Дисков, Время, Зона, КодЖанр, ФорматЗвука) "
+                "VALUES (?, ?, ?, ?, 1, ?, 5, ?, '2,5,')"),
+            {i + 1, QStringLiteral("Фильм № %1").arg(i + 1), QStringLiteral("Режиссёрская версия"),
+             QString::number(1990 + i), 90 + i, 1 + i % 9});
     }
     for (const Category category : allCategories()) {
         StampCatalogueUpdate(db, category, QDate::currentDate());

@@ -9,7 +9,6 @@
 #include <QApplication>
 #include <QLocale>
 #include <QLockFile>
-
 #include <memory>
 
 int main(int argc, char* argv[])

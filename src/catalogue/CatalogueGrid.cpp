@@ -46,7 +46,8 @@ void CatalogueGrid::keyPressEvent(QKeyEvent* event)
     const QString text = event->text();
     if (text.size() == 1 && text[0].isLetterOrNumber()) {
         const QChar key = text[0];
-        const int row = m_rows->typeAhead(currentIndex().row(), key, key.toUpper() == m_lastTypeAhead.toUpper());
+        const int row =
+            m_rows->typeAhead(currentIndex().row(), key, key.toUpper() == m_lastTypeAhead.toUpper());
         if (row >= 0) {
             selectRow(row);
         }

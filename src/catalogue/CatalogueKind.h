@@ -5,7 +5,6 @@
 
 #include <QList>
 #include <QString>
-
 #include <optional>
 
 namespace vinora {
@@ -21,19 +20,19 @@ struct SortItem
 struct CatalogueKind
 {
     Category category;
-    QString formName;        // "frmCatalogueAudioCD" ...
-    QString title;           // "Каталог Аудио дисков"
-    QString dictionaryTable; // "Стиль", "Описание", "Жанр"
-    QString dictionaryKey;   // "КодСтиля", ...
+    QString formName;          // "frmCatalogueAudioCD" ...
+    QString title;             // "Каталог Аудио дисков"
+    QString dictionaryTable;   // "Стиль", "Описание", "Жанр"
+    QString dictionaryKey;     // "КодСтиля", ...
     QString dictionaryControl; // "cmbStyle", "cmbDescription", "cmbGenre"
-    QString nameCaption;     // the heading of the name column
+    QString nameCaption;       // the heading of the name column
     QList<SortItem> sortItems;
-    QString sortKey;         // "ADCDsorted" ... in section Sorted
+    QString sortKey; // "ADCDsorted" ... in section Sorted
     QString deleteSecondLine;
     std::optional<ContentsKind> contents; // the per-disc lists deleted with a disc
-    int autoRespSlots;       // bindings looked at to find the disc in the drive
-    bool hasAlbum;           // the album field and its filter
-    bool doubleClickSetting; // DblClick decides between the editor and the list
+    int autoRespSlots;                    // bindings looked at to find the disc in the drive
+    bool hasAlbum;                        // the album field and its filter
+    bool doubleClickSetting;              // DblClick decides between the editor and the list
 
     const CategoryInfo& info() const { return categoryInfo(category); }
     QString queryTitle() const { return title + QStringLiteral(" - Результат запроса"); }

@@ -14,8 +14,8 @@ namespace vinora {
 
 QString coverPath(const AppContext& ctx, const CatalogueKind& kind, int number)
 {
-    return QDir(ctx.appFile(QStringLiteral("box"))).filePath(kind.info().coverPrefix + QString::number(number) +
-                                                              QStringLiteral(".box"));
+    return QDir(ctx.appFile(QStringLiteral("box")))
+        .filePath(kind.info().coverPrefix + QString::number(number) + QStringLiteral(".box"));
 }
 
 bool isReadablePicture(const QString& path)
@@ -43,13 +43,16 @@ void setCover(const AppContext& ctx, const CatalogueKind& kind, int number, cons
 QString loanHolderName(const Db& db, const CatalogueKind& kind, qint64 key)
 {
     return db
-        .scalar(QStringLiteral("SELECT n.Имя FROM Должники l JOIN ИменаДолжников n ON n.КодИмени = l.КодИмяДолжника "
-                               "WHERE l.КодДиска = ? AND l.Категория = ? AND l.Долг <> 0 ORDER BY l.КодДолжника LIMIT 1"),
-                {key, kind.info().code})
+        .scalar(
+            QStringLiteral(
+                "SELECT n.Имя FROM Должники l JOIN ИменаДолжников n ON n.КодИмени = l.КодИмяДолжника "
+                "WHERE l.КодДиска = ? AND l.Категория = ? AND l.Долг <> 0 ORDER BY l.КодДолжника LIMIT 1"),
+            {key, kind.info().code})
         .toString();
 }
 
-void deleteDisc(AppContext& ctx, const CatalogueKind& kind, qint64 key, int number, const QStringList& listIds)
+void deleteDisc(AppContext& ctx, const CatalogueKind& kind, qint64 key, int number,
+                const QStringList& listIds)
 {
     QFile::remove(coverPath(ctx, kind, number));
     if (kind.contents) {
@@ -85,8 +88,9 @@ std::optional<DiscPlace> findDiscPlace(const Db& db, const CatalogueKind& kind, 
         values.append(id);
     }
     QSqlQuery row = db.query(QStringLiteral("SELECT Номер, ") + fields.join(u',') + QStringLiteral(" FROM ") +
-                                 quoted(kind.info().table) + QStringLiteral(" WHERE ") + where.join(QStringLiteral(" OR ")) +
-                                 QStringLiteral(" ORDER BY ") + quoted(kind.info().keyField) + QStringLiteral(" LIMIT 1"),
+                                 quoted(kind.info().table) + QStringLiteral(" WHERE ") +
+                                 where.join(QStringLiteral(" OR ")) + QStringLiteral(" ORDER BY ") +
+                                 quoted(kind.info().keyField) + QStringLiteral(" LIMIT 1"),
                              values);
     if (!row.next()) {
         return std::nullopt;

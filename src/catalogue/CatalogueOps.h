@@ -3,7 +3,6 @@
 #include "catalogue/CatalogueKind.h"
 
 #include <QString>
-
 #include <optional>
 
 namespace vinora {

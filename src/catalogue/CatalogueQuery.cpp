@@ -2,7 +2,6 @@
 
 #include "store/Schema.h"
 
-
 namespace vinora {
 namespace {
 
@@ -113,7 +112,8 @@ public:
         if (!isNumber) {
             return std::nullopt;
         }
-        return number == static_cast<qint64>(number) ? QVariant(static_cast<qint64>(number)) : QVariant(number);
+        return number == static_cast<qint64>(number) ? QVariant(static_cast<qint64>(number))
+                                                     : QVariant(number);
     }
 
 private:
@@ -191,9 +191,9 @@ BuiltQuery buildCatalogueQuery(const CatalogueKind& kind, const CatalogueFilter&
     BuiltQuery query;
     const QString dictionary = quoted(kind.dictionaryTable);
     query.sql = QStringLiteral("SELECT t.*, d.") + dictionary + QStringLiteral(" AS ") + dictionary +
-                QStringLiteral(" FROM ") + quoted(kind.info().table) + QStringLiteral(" t JOIN ") + dictionary +
-                QStringLiteral(" d ON t.") + quoted(kind.dictionaryKey) + QStringLiteral(" = d.") +
-                quoted(kind.dictionaryKey);
+                QStringLiteral(" FROM ") + quoted(kind.info().table) + QStringLiteral(" t JOIN ") +
+                dictionary + QStringLiteral(" d ON t.") + quoted(kind.dictionaryKey) +
+                QStringLiteral(" = d.") + quoted(kind.dictionaryKey);
     QStringList parts;
     for (const Condition& condition : filter.conditions) {
         const QString column = columnOf(kind, condition.field);
@@ -212,8 +212,8 @@ BuiltQuery buildCatalogueQuery(const CatalogueKind& kind, const CatalogueFilter&
     if (sortIndex <= 0 || sortIndex >= kind.sortItems.size()) {
         query.sql += QStringLiteral(" ORDER BY ") + number + direction;
     } else {
-        query.sql += QStringLiteral(" ORDER BY ") + columnOf(kind, kind.sortItems[sortIndex].orderField) + direction +
-                     QStringLiteral(", ") + number + direction;
+        query.sql += QStringLiteral(" ORDER BY ") + columnOf(kind, kind.sortItems[sortIndex].orderField) +
+                     direction + QStringLiteral(", ") + number + direction;
     }
     // Rows of one number keep the order in which they were added.
     query.sql += QStringLiteral(", t.") + quoted(kind.info().keyField);

@@ -5,7 +5,6 @@
 #include <QList>
 #include <QString>
 #include <QVariant>
-
 #include <optional>
 
 namespace vinora {
@@ -16,7 +15,7 @@ struct Condition
 {
     QString connector; // "AND" or "OR" (before it; the first is always "AND")
     QString field;
-    QString op;        // "=", "<>", "<", ">", "<=", ">=", "LIKE"
+    QString op; // "=", "<>", "<", ">", "<=", ">=", "LIKE"
     QVariant value;
 };
 

@@ -6,7 +6,10 @@
 
 namespace vinora {
 
-CatalogueRows::CatalogueRows(const CatalogueKind& kind, QObject* parent) : QAbstractTableModel(parent), m_kind(kind) {}
+CatalogueRows::CatalogueRows(const CatalogueKind& kind, QObject* parent)
+    : QAbstractTableModel(parent), m_kind(kind)
+{
+}
 
 void CatalogueRows::load(const Db& db, const BuiltQuery& query)
 {

@@ -7,8 +7,8 @@ namespace vinora {
 // The texts by which the three dictionary editors (styles, descriptions, genres) differ.
 struct DictionaryKind
 {
-    QString formName;  // frmEditStyle, frmEditDescription, frmEditGenre
-    QString table;     // Стиль, Описание, Жанр
+    QString formName; // frmEditStyle, frmEditDescription, frmEditGenre
+    QString table;    // Стиль, Описание, Жанр
     QString key;
     QString title;
     QString addTitle, addPrompt;
@@ -16,7 +16,7 @@ struct DictionaryKind
     QString lengthMessage;
     QString duplicateStart, duplicateEnd; // "Стиль '" name "' уже существует. Ввести другой?"
     QString quoteMessage;
-    QString deletePrompt;                 // followed by name + "'?"
+    QString deletePrompt; // followed by name + "'?"
     QString protectedOnDelete, protectedOnChange;
     QString inUseStart, inUseEnd;
 };

@@ -23,9 +23,10 @@ QString twoDigits(int value)
 qint64 dictionaryKeyOf(const Db& db, const CatalogueKind& kind, const QString& name)
 {
     const QString table = quoted(kind.dictionaryTable);
-    const QVariant key = db.scalar(QStringLiteral("SELECT ") + quoted(kind.dictionaryKey) + QStringLiteral(" FROM ") +
-                                       table + QStringLiteral(" WHERE ") + table + QStringLiteral(" = ? ORDER BY 1 LIMIT 1"),
-                                   {name});
+    const QVariant key =
+        db.scalar(QStringLiteral("SELECT ") + quoted(kind.dictionaryKey) + QStringLiteral(" FROM ") + table +
+                      QStringLiteral(" WHERE ") + table + QStringLiteral(" = ? ORDER BY 1 LIMIT 1"),
+                  {name});
     if (key.isValid()) {
         return key.toLongLong();
     }
@@ -49,9 +50,11 @@ QString spinYear(const QString& text, bool up)
 {
     const int value = text.toInt();
     if (up) {
-        return QStringLiteral("%1").arg(text < QStringLiteral("9999") ? value + 1 : value, 4, 10, QLatin1Char('0'));
+        return QStringLiteral("%1").arg(text < QStringLiteral("9999") ? value + 1 : value, 4, 10,
+                                        QLatin1Char('0'));
     }
-    return QStringLiteral("%1").arg(text == u"0000" ? value : std::max(0, value - 1), 4, 10, QLatin1Char('0'));
+    return QStringLiteral("%1").arg(text == u"0000" ? value : std::max(0, value - 1), 4, 10,
+                                    QLatin1Char('0'));
 }
 
 QString spinTracks(const QString& text, bool up)
@@ -112,12 +115,14 @@ QString playingTimeText(const Toc& toc)
 DiscRecord readDisc(const Db& db, const CatalogueKind& kind, int number)
 {
     DiscRecord disc;
-    QSqlQuery row = db.query(QStringLiteral("SELECT t.*, d.") + quoted(kind.dictionaryTable) + QStringLiteral(" AS Словарь FROM ") +
-                                 quoted(kind.info().table) + QStringLiteral(" t LEFT JOIN ") + quoted(kind.dictionaryTable) +
-                                 QStringLiteral(" d ON d.") + quoted(kind.dictionaryKey) + QStringLiteral(" = t.") +
-                                 quoted(kind.dictionaryKey) + QStringLiteral(" WHERE t.Номер = ? ORDER BY t.") +
-                                 quoted(kind.info().keyField) + QStringLiteral(" LIMIT 1"),
-                             {number});
+    QSqlQuery row =
+        db.query(QStringLiteral("SELECT t.*, d.") + quoted(kind.dictionaryTable) +
+                     QStringLiteral(" AS Словарь FROM ") + quoted(kind.info().table) +
+                     QStringLiteral(" t LEFT JOIN ") + quoted(kind.dictionaryTable) +
+                     QStringLiteral(" d ON d.") + quoted(kind.dictionaryKey) + QStringLiteral(" = t.") +
+                     quoted(kind.dictionaryKey) + QStringLiteral(" WHERE t.Номер = ? ORDER BY t.") +
+                     quoted(kind.info().keyField) + QStringLiteral(" LIMIT 1"),
+                 {number});
     if (!row.next()) {
         return disc;
     }
@@ -132,7 +137,8 @@ DiscRecord readDisc(const Db& db, const CatalogueKind& kind, int number)
     disc.year = text(QStringLiteral("Год"));
     disc.discs = discCount(text(QStringLiteral("Дисков")));
     disc.dictionaryName = text(QStringLiteral("Словарь"));
-    disc.description = text(kind.category == Category::Computer ? QStringLiteral("РасОписание") : QStringLiteral("Описание"));
+    disc.description = text(kind.category == Category::Computer ? QStringLiteral("РасОписание")
+                                                                : QStringLiteral("Описание"));
     disc.dvdTime = text(QStringLiteral("Время"));
     disc.zone = text(QStringLiteral("Зона"));
     disc.soundFormats = text(QStringLiteral("ФорматЗвука"));
@@ -170,8 +176,8 @@ bool saveDisc(AppContext& ctx, const CatalogueKind& kind, DiscRecord& disc, bool
     Transaction transaction(db);
     QVariant key;
     if (adding) {
-        db.exec(QStringLiteral("INSERT INTO ") + table + QStringLiteral(" (Номер, ") + quoted(kind.dictionaryKey) +
-                    QStringLiteral(") VALUES (?, ?)"),
+        db.exec(QStringLiteral("INSERT INTO ") + table + QStringLiteral(" (Номер, ") +
+                    quoted(kind.dictionaryKey) + QStringLiteral(") VALUES (?, ?)"),
                 {disc.number, dictionaryKey});
         key = db.scalar(QStringLiteral("SELECT last_insert_rowid()"));
         if (!ctx.AutoDetectTag.isEmpty()) {
@@ -180,48 +186,57 @@ bool saveDisc(AppContext& ctx, const CatalogueKind& kind, DiscRecord& disc, bool
                     {ctx.AutoDetectTag.mid(3), key});
         }
     } else {
-        key = db.scalar(QStringLiteral("SELECT ") + quoted(kind.info().keyField) + QStringLiteral(" FROM ") + table +
-                            QStringLiteral(" WHERE Номер = ? ORDER BY 1 LIMIT 1"),
+        key = db.scalar(QStringLiteral("SELECT ") + quoted(kind.info().keyField) + QStringLiteral(" FROM ") +
+                            table + QStringLiteral(" WHERE Номер = ? ORDER BY 1 LIMIT 1"),
                         {disc.number});
         if (kind.contents && disc.discs < oldDiscCount) {
             QStringList removed;
             for (int k = disc.discs + 1; k <= std::min(oldDiscCount, 6); ++k) {
-                removed.append(db.scalar(QStringLiteral("SELECT ДискID%1 FROM ").arg(k) + table + QStringLiteral(" WHERE ") +
-                                             quoted(kind.info().keyField) + QStringLiteral(" = ?"),
+                removed.append(db.scalar(QStringLiteral("SELECT ДискID%1 FROM ").arg(k) + table +
+                                             QStringLiteral(" WHERE ") + quoted(kind.info().keyField) +
+                                             QStringLiteral(" = ?"),
                                          {key})
                                    .toString());
             }
-            if (std::any_of(removed.begin(), removed.end(), [](const QString& id) { return !id.isEmpty(); })) {
-                const QString tail = kind.category == Category::Audio
-                                         ? QStringLiteral("! Если для удаляемых дисков был создан списко треков, то он будет удален. Продолжить?")
-                                         : QStringLiteral("! Если для удаляемых дисков была создана структура файлов, то она будет удалена. Продолжить?");
-                if (!askReduction(QStringLiteral("Вы изменили общее число дисков c ") + QString::number(oldDiscCount) +
-                                  QStringLiteral(" на ") + QString::number(disc.discs) + tail)) {
+            if (std::any_of(removed.begin(), removed.end(),
+                            [](const QString& id) { return !id.isEmpty(); })) {
+                const QString tail =
+                    kind.category == Category::Audio
+                        ? QStringLiteral("! Если для удаляемых дисков был создан списко треков, то он будет "
+                                         "удален. Продолжить?")
+                        : QStringLiteral("! Если для удаляемых дисков была создана структура файлов, то она "
+                                         "будет удалена. Продолжить?");
+                if (!askReduction(QStringLiteral("Вы изменили общее число дисков c ") +
+                                  QString::number(oldDiscCount) + QStringLiteral(" на ") +
+                                  QString::number(disc.discs) + tail)) {
                     return false;
                 }
                 Db contents(*kind.contents == ContentsKind::Tracks ? ctx.TracksDBPath : ctx.FilesDBPath);
                 const ContentsLists lists(contents, *kind.contents);
                 for (int k = disc.discs + 1; k <= std::min(oldDiscCount, 6); ++k) {
-                    const QString id = db.scalar(QStringLiteral("SELECT ") + quoted(listField(kind, k)) + QStringLiteral(" FROM ") +
-                                                     table + QStringLiteral(" WHERE ") + quoted(kind.info().keyField) +
-                                                     QStringLiteral(" = ?"),
-                                                 {key})
-                                           .toString();
+                    const QString id =
+                        db.scalar(QStringLiteral("SELECT ") + quoted(listField(kind, k)) +
+                                      QStringLiteral(" FROM ") + table + QStringLiteral(" WHERE ") +
+                                      quoted(kind.info().keyField) + QStringLiteral(" = ?"),
+                                  {key})
+                            .toString();
                     if (id.isEmpty()) {
                         continue;
                     }
                     if (lists.exists(id)) {
                         lists.drop(id);
                     }
-                    db.exec(QStringLiteral("UPDATE ") + table + QStringLiteral(" SET ") + quoted(listField(kind, k)) +
-                                QStringLiteral(" = NULL WHERE ") + quoted(kind.info().keyField) + QStringLiteral(" = ?"),
+                    db.exec(QStringLiteral("UPDATE ") + table + QStringLiteral(" SET ") +
+                                quoted(listField(kind, k)) + QStringLiteral(" = NULL WHERE ") +
+                                quoted(kind.info().keyField) + QStringLiteral(" = ?"),
                             {key});
                 }
             }
         }
     }
-    QStringList assignments{QStringLiteral("Название = ?"), QStringLiteral("Год = ?"), QStringLiteral("Дисков = ?"),
-                            quoted(kind.dictionaryKey) + QStringLiteral(" = ?"), QStringLiteral("ДатаИзменения = ?")};
+    QStringList assignments{QStringLiteral("Название = ?"), QStringLiteral("Год = ?"),
+                            QStringLiteral("Дисков = ?"), quoted(kind.dictionaryKey) + QStringLiteral(" = ?"),
+                            QStringLiteral("ДатаИзменения = ?")};
     const auto textOrNull = [](const QString& text) { return text.isEmpty() ? QVariant() : QVariant(text); };
     QVariantList values{textOrNull(disc.name), textOrNull(disc.year), disc.discs, dictionaryKey,
                         dateValue(ctx.clock().today())};
@@ -242,13 +257,14 @@ bool saveDisc(AppContext& ctx, const CatalogueKind& kind, DiscRecord& disc, bool
         assignments.append(QStringLiteral("РасОписание = ?"));
         values.append(disc.description);
     } else {
-        assignments += {QStringLiteral("Описание = ?"), QStringLiteral("Время = ?"), QStringLiteral("Зона = ?"),
-                        QStringLiteral("ФорматЗвука = ?")};
+        assignments += {QStringLiteral("Описание = ?"), QStringLiteral("Время = ?"),
+                        QStringLiteral("Зона = ?"), QStringLiteral("ФорматЗвука = ?")};
         values += {disc.description, disc.dvdTime.toInt(), disc.zone.toInt(), disc.soundFormats};
     }
     values.append(key);
-    db.exec(QStringLiteral("UPDATE ") + table + QStringLiteral(" SET ") + assignments.join(QStringLiteral(", ")) +
-                QStringLiteral(" WHERE ") + quoted(kind.info().keyField) + QStringLiteral(" = ?"),
+    db.exec(QStringLiteral("UPDATE ") + table + QStringLiteral(" SET ") +
+                assignments.join(QStringLiteral(", ")) + QStringLiteral(" WHERE ") +
+                quoted(kind.info().keyField) + QStringLiteral(" = ?"),
             values);
     StampCatalogueUpdate(db, kind.category, ctx.clock().today());
     transaction.commit();

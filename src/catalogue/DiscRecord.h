@@ -3,7 +3,6 @@
 #include "catalogue/CatalogueKind.h"
 
 #include <QString>
-
 #include <array>
 #include <functional>
 
@@ -18,7 +17,7 @@ struct DiscRecord
 {
     int number = 0;
     QString name;
-    QString album;        // audio
+    QString album; // audio
     QString year;
     int discs = 1;
     std::array<QString, 6> tracks{QStringLiteral("00"), QStringLiteral("00"), QStringLiteral("00"),

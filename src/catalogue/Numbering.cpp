@@ -77,8 +77,10 @@ void MoveNumbers(AppContext& ctx, Category category, qint16& start)
         db.exec(QStringLiteral("UPDATE ") + quoted(kind.info().table) +
                     QStringLiteral(" SET Номер = -Номер - 1 WHERE Номер >= ?"),
                 {from});
-        db.exec(QStringLiteral("UPDATE ") + quoted(kind.info().table) + QStringLiteral(" SET Номер = -Номер WHERE Номер < 0"));
-        const int count = db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(kind.info().table)).toInt();
+        db.exec(QStringLiteral("UPDATE ") + quoted(kind.info().table) +
+                QStringLiteral(" SET Номер = -Номер WHERE Номер < 0"));
+        const int count =
+            db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(kind.info().table)).toInt();
         transaction.commit();
         for (int i = count; i >= from && i >= 0; --i) {
             if (QFile::exists(renumberedCover(ctx, i))) {

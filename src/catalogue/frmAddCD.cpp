@@ -56,7 +56,8 @@ frmAddCD::frmAddCD(AppContext& ctx, Category category, QWidget* parent)
     m_lblInserCD->setObjectName(QStringLiteral("lblInserCD"));
     form->addRow(QStringLiteral("В устройстве:"), m_lblInserCD);
     layout->addLayout(form);
-    m_chAutoDetect = new QCheckBox(QStringLiteral("Определять этот диск, когда он вставлен в дисковод"), this);
+    m_chAutoDetect =
+        new QCheckBox(QStringLiteral("Определять этот диск, когда он вставлен в дисковод"), this);
     m_chAutoDetect->setObjectName(QStringLiteral("chAutoDetect"));
     layout->addWidget(m_chAutoDetect);
     // The audio sources: CDDB servers and cdplayer.ini come with the CDDB client.
@@ -120,8 +121,9 @@ void frmAddCD::showEvent(QShowEvent* event)
     m_txtNumber->selectAll();
     m_txtNumber->setFocus();
     if (CheckCDID()) {
-        if (m_ctx.prompter().message(QStringLiteral("Вы пытаетесь добавить диск, который уже есть в каталоге! Продолжить?"),
-                                     MessageStyle::YesNo) == Answer::Yes) {
+        if (m_ctx.prompter().message(
+                QStringLiteral("Вы пытаетесь добавить диск, который уже есть в каталоге! Продолжить?"),
+                MessageStyle::YesNo) == Answer::Yes) {
             m_chAutoDetect->setChecked(false);
             m_chAutoDetect->setEnabled(false);
         } else {
@@ -132,8 +134,9 @@ void frmAddCD::showEvent(QShowEvent* event)
 
 void frmAddCD::UpdateDriveInfo()
 {
-    const QString kind =
-        drive().isEmpty() ? QString() : GetDiskIDcheck(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this));
+    const QString kind = drive().isEmpty()
+                             ? QString()
+                             : GetDiskIDcheck(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this));
     m_lblInserCD->setText(kindCaption(kind));
     const bool expected = kind == QString::fromLatin1(kKinds[static_cast<int>(m_category)]);
     const bool bound = expected && CheckCDID();
@@ -170,7 +173,8 @@ void frmAddCD::cmdSearch()
             }
             const Answer answer = m_ctx.prompter().message(
                 QStringLiteral("Найден свободный диск № ") + QString::number(candidate) +
-                    QStringLiteral(".\nДа\t- принять этот номер\nНет\t- поиск следующего номера\nОтмена\t- отменить поиск"),
+                    QStringLiteral(".\nДа\t- принять этот номер\nНет\t- поиск следующего номера\nОтмена\t- "
+                                   "отменить поиск"),
                 MessageStyle::YesNoCancelQuestion);
             if (answer == Answer::Yes) {
                 m_txtNumber->setText(QString::number(candidate));
@@ -193,7 +197,8 @@ void frmAddCD::cmdOK()
 {
     const int number = static_cast<int>(m_txtNumber->text().toLongLong());
     if (number <= 0 || number > 32767) {
-        m_ctx.prompter().message(QStringLiteral("Указан не верный номер диска. Повторите ввод."), MessageStyle::Exclamation);
+        m_ctx.prompter().message(QStringLiteral("Указан не верный номер диска. Повторите ввод."),
+                                 MessageStyle::Exclamation);
         m_txtNumber->selectAll();
         return;
     }
@@ -204,18 +209,21 @@ void frmAddCD::cmdOK()
             const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
             title = discTitle(db, catalogueKind(m_category), number);
         }
-        if (title && m_ctx.prompter().message(QStringLiteral("Диск № ") + QString::number(number) + QStringLiteral(":\n'") +
-                                                  *title + QStringLiteral("' уже существует.\nСместить все номера на 1 начиная с ") +
-                                                  QString::number(number) + QStringLiteral("-го?"),
-                                              MessageStyle::YesNoQuestion) == Answer::Yes) {
+        if (title &&
+            m_ctx.prompter().message(
+                QStringLiteral("Диск № ") + QString::number(number) + QStringLiteral(":\n'") + *title +
+                    QStringLiteral("' уже существует.\nСместить все номера на 1 начиная с ") +
+                    QString::number(number) + QStringLiteral("-го?"),
+                MessageStyle::YesNoQuestion) == Answer::Yes) {
             m_ctx.ShiftStart = static_cast<qint16>(number);
         }
         if (m_chAutoDetect->isChecked()) {
             WaitCursor hourglass;
             m_ctx.CurrentDiscID = GetDiskID(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this));
             if (m_ctx.CurrentDiscID.isEmpty()) {
-                m_ctx.prompter().message(m_category == Category::Audio ? QStringLiteral("Идентификатор диска не обнаружен!")
-                                                                       : QStringLiteral("Идентификатор не обнаружен!"),
+                m_ctx.prompter().message(m_category == Category::Audio
+                                             ? QStringLiteral("Идентификатор диска не обнаружен!")
+                                             : QStringLiteral("Идентификатор не обнаружен!"),
                                          MessageStyle::Exclamation);
                 return false;
             }

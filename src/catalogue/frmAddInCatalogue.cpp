@@ -27,8 +27,10 @@
 namespace vinora {
 namespace {
 
-const char* const kAddCaptions[] = {"Добавление Аудио диска", "Добавление Компьютерного диска", "Добавление DVD диска"};
-const char* const kChangeCaptions[] = {"Изменение информации Аудио диска", "Изменение информации Компьютерного диска",
+const char* const kAddCaptions[] = {"Добавление Аудио диска", "Добавление Компьютерного диска",
+                                    "Добавление DVD диска"};
+const char* const kChangeCaptions[] = {"Изменение информации Аудио диска",
+                                       "Изменение информации Компьютерного диска",
                                        "Изменение информации DVD диска"};
 const char* const kFormNames[] = {"frmAddInCatalogueAudio", "frmAddInCataloguePC", "frmAddInCatalogueDVD"};
 const char* const kDictionaryFields[] = {"txtStyle", "txtDescription", "txtGenre"};
@@ -61,14 +63,17 @@ QString frmAddInCatalogue::addCaption(Category category)
     return QString::fromUtf8(kAddCaptions[static_cast<int>(category)]);
 }
 
-frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mode, int number, QWidget* parent)
+frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mode, int number,
+                                     QWidget* parent)
     : QDialog(parent), m_ctx(ctx), m_kind(catalogueKind(category)), m_mode(mode)
 {
     const int index = static_cast<int>(category);
     setObjectName(QString::fromLatin1(kFormNames[index]));
-    setWindowTitle(mode == Mode::Add ? QStringLiteral("Добавление диска") : QStringLiteral("Изменение диска"));
+    setWindowTitle(mode == Mode::Add ? QStringLiteral("Добавление диска")
+                                     : QStringLiteral("Изменение диска"));
     auto* layout = new QVBoxLayout(this);
-    auto* caption = new QLabel(QString::fromUtf8(mode == Mode::Add ? kAddCaptions[index] : kChangeCaptions[index]), this);
+    auto* caption =
+        new QLabel(QString::fromUtf8(mode == Mode::Add ? kAddCaptions[index] : kChangeCaptions[index]), this);
     caption->setObjectName(QStringLiteral("lblCDsCount0"));
     QFont bold = caption->font();
     bold.setBold(true);
@@ -160,12 +165,13 @@ frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mo
             m_txtAlbum->setCompleter(inlineCompleter(names, this));
         }
         m_txtName->setCompleter(inlineCompleter(names, this));
-        m_txtDictionary->setCompleter(inlineCompleter(
-            column(db, QStringLiteral("SELECT ") + quoted(m_kind.dictionaryTable) + QStringLiteral(" FROM ") +
-                           quoted(m_kind.dictionaryTable)),
-            this));
+        m_txtDictionary->setCompleter(
+            inlineCompleter(column(db, QStringLiteral("SELECT ") + quoted(m_kind.dictionaryTable) +
+                                           QStringLiteral(" FROM ") + quoted(m_kind.dictionaryTable)),
+                            this));
         if (m_lvSoundFormat) {
-            QSqlQuery formats = db.query(QStringLiteral("SELECT КодФорматЗвука, ФорматЗвука FROM ФорматЗвука ORDER BY 1"));
+            QSqlQuery formats =
+                db.query(QStringLiteral("SELECT КодФорматЗвука, ФорматЗвука FROM ФорматЗвука ORDER BY 1"));
             while (formats.next()) {
                 auto* item = new QListWidgetItem(formats.value(1).toString(), m_lvSoundFormat);
                 item->setData(Qt::UserRole, formats.value(0));
@@ -217,8 +223,10 @@ QWidget* frmAddInCatalogue::withSpinner(QLineEdit* field, QString (*spin)(const 
     for (const bool up : {false, true}) {
         auto* arrow = new QToolButton(box);
         arrow->setArrowType(up ? Qt::UpArrow : Qt::DownArrow);
-        arrow->setObjectName(QStringLiteral("ud") + field->objectName().mid(3) + (up ? QStringLiteral("Up") : QStringLiteral("Down")));
-        connect(arrow, &QToolButton::clicked, field, [field, spin, up] { field->setText(spin(field->text(), up)); });
+        arrow->setObjectName(QStringLiteral("ud") + field->objectName().mid(3) +
+                             (up ? QStringLiteral("Up") : QStringLiteral("Down")));
+        connect(arrow, &QToolButton::clicked, field,
+                [field, spin, up] { field->setText(spin(field->text(), up)); });
         row->addWidget(arrow);
     }
     field->setProperty("spin", QVariant::fromValue(reinterpret_cast<quintptr>(spin)));
@@ -244,7 +252,8 @@ void frmAddInCatalogue::showDisc(const DiscRecord& disc)
         for (int i = 0; i < m_lvSoundFormat->count(); ++i) {
             QListWidgetItem* item = m_lvSoundFormat->item(i);
             const QString code = item->data(Qt::UserRole).toString();
-            item->setCheckState(code.size() == 1 && disc.soundFormats.contains(code[0]) ? Qt::Checked : Qt::Unchecked);
+            item->setCheckState(code.size() == 1 && disc.soundFormats.contains(code[0]) ? Qt::Checked
+                                                                                        : Qt::Unchecked);
         }
     }
     m_loading = false;
@@ -317,8 +326,9 @@ bool frmAddInCatalogue::eventFilter(QObject* watched, QEvent* event)
 void frmAddInCatalogue::cmdAdd()
 {
     if (m_txtName->text().isEmpty()) {
-        m_ctx.prompter().message((m_kind.category == Category::Audio ? QStringLiteral("Введите название группы или исполнителя.")
-                                                                     : QStringLiteral("Введите название диска.")) +
+        m_ctx.prompter().message((m_kind.category == Category::Audio
+                                      ? QStringLiteral("Введите название группы или исполнителя.")
+                                      : QStringLiteral("Введите название диска.")) +
                                      QStringLiteral("\nДанное поле является обязательным для заполнения."),
                                  MessageStyle::Exclamation);
         m_txtName->setFocus();
@@ -357,9 +367,10 @@ void frmAddInCatalogue::cmdAdd()
         m_disc.soundFormats = m_disc.soundFormats.left(30);
     }
     const bool saved = underFaultHandler(m_ctx, objectName() + QStringLiteral(", cmdAdd()"), [&] {
-        return saveDisc(m_ctx, m_kind, m_disc, m_mode == Mode::Add, m_oldDiscCount, [this](const QString& text) {
-            return m_ctx.prompter().message(text, MessageStyle::YesNoExclamation) == Answer::Yes;
-        });
+        return saveDisc(
+            m_ctx, m_kind, m_disc, m_mode == Mode::Add, m_oldDiscCount, [this](const QString& text) {
+                return m_ctx.prompter().message(text, MessageStyle::YesNoExclamation) == Answer::Yes;
+            });
     });
     if (!saved) {
         return;
@@ -371,8 +382,9 @@ void frmAddInCatalogue::cmdAdd()
 void frmAddInCatalogue::cmdInfo()
 {
     if (m_ctx.prompter().message(
-            QStringLiteral("Для получения информации о количестве треков и продолжительности воспроизведения диска "
-                           "необходимо вставить Аудио диск в устройство для чтения компакт-дисков. Продоложить?"),
+            QStringLiteral(
+                "Для получения информации о количестве треков и продолжительности воспроизведения диска "
+                "необходимо вставить Аудио диск в устройство для чтения компакт-дисков. Продоложить?"),
             MessageStyle::OkCancelQuestion) != Answer::Ok) {
         return;
     }
@@ -382,8 +394,9 @@ void frmAddInCatalogue::cmdInfo()
         medium = openMedium(m_cmbDrive->currentText());
     }
     if (!medium || medium->toc().isEmpty()) {
-        m_ctx.prompter().message(QStringLiteral("Вставьте Аудио диск в устройство для чтения компакт-дисков!"),
-                                 MessageStyle::Exclamation);
+        m_ctx.prompter().message(
+            QStringLiteral("Вставьте Аудио диск в устройство для чтения компакт-дисков!"),
+            MessageStyle::Exclamation);
         return;
     }
     m_txtTrack->setText(QStringLiteral("%1").arg(medium->toc().tracks.size(), 2, 10, QLatin1Char('0')));

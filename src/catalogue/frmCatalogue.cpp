@@ -44,9 +44,9 @@ struct ButtonDef
     int index;
     const char* text;
 };
-constexpr ButtonDef kButtons[] = {{1, "Добавить"}, {2, "Удалить"}, {3, "Изменить"}, {4, "Должник"},
-                                  {5, "Весь каталог"}, {6, "Список"}, {8, "Сменить обложку"},
-                                  {9, "Удалить обложку"}, {0, "Закрыть"}};
+constexpr ButtonDef kButtons[] = {{1, "Добавить"},        {2, "Удалить"},         {3, "Изменить"},
+                                  {4, "Должник"},         {5, "Весь каталог"},    {6, "Список"},
+                                  {8, "Сменить обложку"}, {9, "Удалить обложку"}, {0, "Закрыть"}};
 
 } // namespace
 
@@ -229,7 +229,8 @@ int frmCatalogue::rowCount() const
 
 QString frmCatalogue::rowText(int row) const
 {
-    return QString::number(m_rows->number(row)) + u' ' + m_rows->value(row, QStringLiteral("Название")).toString();
+    return QString::number(m_rows->number(row)) + u' ' +
+           m_rows->value(row, QStringLiteral("Название")).toString();
 }
 
 QString frmCatalogue::currentNumberText() const
@@ -271,9 +272,10 @@ void frmCatalogue::Form_Load()
             button(5)->setEnabled(true);
         }
         if (!parseFilter(m_kind, m_ctx.CatalogueQueryFilter)) {
-            m_ctx.prompter().message(QStringLiteral("Условие запроса не распознано, показан весь каталог:\n") +
-                                         m_ctx.CatalogueQueryFilter,
-                                     MessageStyle::Exclamation);
+            m_ctx.prompter().message(
+                QStringLiteral("Условие запроса не распознано, показан весь каталог:\n") +
+                    m_ctx.CatalogueQueryFilter,
+                MessageStyle::Exclamation);
             m_ctx.CatalogueQueryFilter.clear();
         }
         cmbSorted_Click();
@@ -284,9 +286,9 @@ void frmCatalogue::FullDictionary()
 {
     m_cmbDictionary->clear();
     const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-    QSqlQuery names = db.query(QStringLiteral("SELECT \"") + m_kind.dictionaryTable + QStringLiteral("\" FROM \"") +
-                               m_kind.dictionaryTable + QStringLiteral("\" ORDER BY \"") + m_kind.dictionaryKey +
-                               u'"');
+    QSqlQuery names =
+        db.query(QStringLiteral("SELECT \"") + m_kind.dictionaryTable + QStringLiteral("\" FROM \"") +
+                 m_kind.dictionaryTable + QStringLiteral("\" ORDER BY \"") + m_kind.dictionaryKey + u'"');
     while (names.next()) {
         m_cmbDictionary->addItem(names.value(0).toString());
     }
@@ -295,7 +297,8 @@ void frmCatalogue::FullDictionary()
 void frmCatalogue::cmbSorted_Click()
 {
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmbSored_Click()"), [this] {
-        const CatalogueFilter filter = parseFilter(m_kind, m_ctx.CatalogueQueryFilter).value_or(CatalogueFilter{});
+        const CatalogueFilter filter =
+            parseFilter(m_kind, m_ctx.CatalogueQueryFilter).value_or(CatalogueFilter{});
         const BuiltQuery query =
             buildCatalogueQuery(m_kind, filter, m_cmbSorted->currentIndex(), m_chSortedDESC->isChecked());
         {
@@ -392,7 +395,8 @@ void frmCatalogue::cmdFiles()
         return;
     }
     for (int k = 1; k <= 6; ++k) {
-        m_ctx.DiscIDSlots[static_cast<std::size_t>(k - 1)] = m_rows->value(m_row, QStringLiteral("ДискID%1").arg(k)).toString();
+        m_ctx.DiscIDSlots[static_cast<std::size_t>(k - 1)] =
+            m_rows->value(m_row, QStringLiteral("ДискID%1").arg(k)).toString();
     }
     m_ctx.CurrentDiscID = m_ctx.DiscIDSlots[0];
     const int number = m_rows->number(m_row);
@@ -413,7 +417,8 @@ void frmCatalogue::cmdChangeBox()
     const int number = m_rows->number(m_row);
     const QString picture = m_ctx.prompter().openFile(
         QStringLiteral("Добавление обложки для диска № ") + QString::number(number),
-        QStringLiteral("Файлы изображений (*.jpg;*.gif;*.png;*.bmp)|*.jpg;*.gif;*.png;*.bmp|Все файлы (*.*)|*.*"),
+        QStringLiteral(
+            "Файлы изображений (*.jpg;*.gif;*.png;*.bmp)|*.jpg;*.gif;*.png;*.bmp|Все файлы (*.*)|*.*"),
         QString());
     if (picture.isEmpty()) {
         return;
@@ -543,8 +548,9 @@ void frmCatalogue::dcDatabase_Reposition()
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
         for (const QChar code : codes) {
             if (code != u',') {
-                const QVariant name = db.scalar(
-                    QStringLiteral("SELECT ФорматЗвука FROM ФорматЗвука WHERE КодФорматЗвука = ?"), {QString(code)});
+                const QVariant name =
+                    db.scalar(QStringLiteral("SELECT ФорматЗвука FROM ФорматЗвука WHERE КодФорматЗвука = ?"),
+                              {QString(code)});
                 if (name.isValid()) {
                     m_cmbSoundFormat->addItem(name.toString());
                 }
@@ -626,7 +632,8 @@ void frmCatalogue::txtNumber_Enter()
     }
     m_txtNumber->setText(QString::number(number));
     if (!goToNumber(number)) {
-        m_ctx.prompter().message(QStringLiteral("Диск № ") + QString::number(number) + QStringLiteral(" не найден."),
+        m_ctx.prompter().message(QStringLiteral("Диск № ") + QString::number(number) +
+                                     QStringLiteral(" не найден."),
                                  MessageStyle::Exclamation);
         m_txtNumber->setText(m_row >= 0 ? QString::number(m_rows->number(m_row)) : QString());
         m_txtNumber->selectAll();
@@ -694,7 +701,8 @@ void frmCatalogue::AutoResp()
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", AutoResp()"), [&] {
         m_ctx.CurrentDiscID = GetDiskID(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this));
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-        if (const auto place = findDiscPlace(db, m_kind, m_ctx.CurrentDiscID); place && goToNumber(place->number)) {
+        if (const auto place = findDiscPlace(db, m_kind, m_ctx.CurrentDiscID);
+            place && goToNumber(place->number)) {
             if (m_cmbCountCD && place->slot <= m_cmbCountCD->count()) {
                 m_cmbCountCD->setCurrentIndex(place->slot - 1);
             }
@@ -717,8 +725,8 @@ void frmCatalogue::done(int result)
     const QString save = m_ctx.ini().read(kOption, QStringLiteral("SaveSortedCatalogue"), 5).trimmed();
     if (!save.isEmpty() && save[0].isDigit() && save[0] != u'0') {
         m_ctx.ini().write(kSorted, m_kind.sortKey, QString::number(m_cmbSorted->currentIndex()));
-        m_ctx.ini().write(kSorted, m_kind.sortDescKey(), m_chSortedDESC->isChecked() ? QStringLiteral("1")
-                                                                                     : QStringLiteral("0"));
+        m_ctx.ini().write(kSorted, m_kind.sortDescKey(),
+                          m_chSortedDESC->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
     }
     m_timerDue.stop();
     QDialog::done(result);

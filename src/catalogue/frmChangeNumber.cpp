@@ -54,7 +54,8 @@ frmChangeNumber::frmChangeNumber(AppContext& ctx, QWidget* parent) : QDialog(par
     layout->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &frmChangeNumber::cmdOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(m_txtNumberOld, &QLineEdit::returnPressed, m_txtNumberNew, [this] { m_txtNumberNew->setFocus(); });
+    connect(m_txtNumberOld, &QLineEdit::returnPressed, m_txtNumberNew,
+            [this] { m_txtNumberNew->setFocus(); });
     connect(m_txtNumberNew, &QLineEdit::returnPressed, this, &frmChangeNumber::cmdOK);
 }
 
@@ -63,7 +64,8 @@ void frmChangeNumber::cmdOK()
     const int oldNumber = static_cast<int>(m_txtNumberOld->text().toLongLong());
     const int newNumber = static_cast<int>(m_txtNumberNew->text().toLongLong());
     if (oldNumber <= 0 || oldNumber > 32767) {
-        refuse(m_ctx, m_txtNumberOld, QStringLiteral("Указан не верный номер диска для изменения. Повторите ввод."));
+        refuse(m_ctx, m_txtNumberOld,
+               QStringLiteral("Указан не верный номер диска для изменения. Повторите ввод."));
         return;
     }
     if (newNumber <= 0 || newNumber > 32767) {
@@ -87,27 +89,30 @@ void frmChangeNumber::cmdOK()
         const QString oldText = QString::number(oldNumber);
         const QString newText = QString::number(newNumber);
         if (!oldTitle) {
-            refuse(m_ctx, m_txtNumberOld, QStringLiteral("Диск № ") + oldText + QStringLiteral(" отсутствует в каталоге."));
+            refuse(m_ctx, m_txtNumberOld,
+                   QStringLiteral("Диск № ") + oldText + QStringLiteral(" отсутствует в каталоге."));
             return;
         }
         if (!newTitle) {
-            if (m_ctx.prompter().message(QStringLiteral("Подтвердите изменение диска № ") + oldText + QStringLiteral(":\n'") +
-                                             *oldTitle + QStringLiteral("' на № ") + newText + u'.',
+            if (m_ctx.prompter().message(QStringLiteral("Подтвердите изменение диска № ") + oldText +
+                                             QStringLiteral(":\n'") + *oldTitle + QStringLiteral("' на № ") +
+                                             newText + u'.',
                                          MessageStyle::OkCancelInformation) != Answer::Ok) {
                 return;
             }
             moveNumber(m_ctx, kind, oldNumber, newNumber);
         } else {
-            if (m_ctx.prompter().message(QStringLiteral("Поменять местами диск № ") + oldText + QStringLiteral(":\n'") +
-                                             *oldTitle + QStringLiteral("' и № ") + newText + QStringLiteral(":\n'") +
-                                             *newTitle + QStringLiteral("'?"),
+            if (m_ctx.prompter().message(QStringLiteral("Поменять местами диск № ") + oldText +
+                                             QStringLiteral(":\n'") + *oldTitle + QStringLiteral("' и № ") +
+                                             newText + QStringLiteral(":\n'") + *newTitle +
+                                             QStringLiteral("'?"),
                                          MessageStyle::YesNo) != Answer::Yes) {
                 return;
             }
             swapNumbers(m_ctx, kind, oldNumber, newNumber);
         }
-        m_ctx.prompter().message(QStringLiteral("Диск № ") + oldText + QStringLiteral(" был успешно изменен на № ") +
-                                     newText + u'.',
+        m_ctx.prompter().message(QStringLiteral("Диск № ") + oldText +
+                                     QStringLiteral(" был успешно изменен на № ") + newText + u'.',
                                  MessageStyle::Information);
         m_txtNumberOld->clear();
         m_txtNumberNew->clear();

@@ -56,9 +56,9 @@ void frmEditDictionary::load(const QString& selected)
     m_grid->clear();
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", Form_Load()"), [this] {
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-        QSqlQuery rows = db.query(QStringLiteral("SELECT ") + quoted(m_kind.key) + QStringLiteral(", ") + quoted(m_kind.table) +
-                                  QStringLiteral(" FROM ") + quoted(m_kind.table) + QStringLiteral(" ORDER BY ") +
-                                  quoted(m_kind.table));
+        QSqlQuery rows = db.query(QStringLiteral("SELECT ") + quoted(m_kind.key) + QStringLiteral(", ") +
+                                  quoted(m_kind.table) + QStringLiteral(" FROM ") + quoted(m_kind.table) +
+                                  QStringLiteral(" ORDER BY ") + quoted(m_kind.table));
         while (rows.next()) {
             auto* item = new QListWidgetItem(rows.value(1).toString(), m_grid);
             item->setData(Qt::UserRole, rows.value(0));
@@ -101,14 +101,14 @@ QString frmEditDictionary::currentName() const
 bool frmEditDictionary::exists(const QString& name) const
 {
     const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(m_kind.table) + QStringLiteral(" WHERE ") +
-                         quoted(m_kind.table) + QStringLiteral(" = ?"),
+    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(m_kind.table) +
+                         QStringLiteral(" WHERE ") + quoted(m_kind.table) + QStringLiteral(" = ?"),
                      {name})
                .toInt() > 0;
 }
 
 std::optional<QString> frmEditDictionary::askNewName(const QString& title, const QString& prompt,
-                                                      const QString& initial)
+                                                     const QString& initial)
 {
     for (;;) {
         const std::optional<QString> name = m_ctx.prompter().input(prompt, title, initial);
@@ -127,8 +127,8 @@ std::optional<QString> frmEditDictionary::askNewName(const QString& title, const
         if (!exists(*name)) {
             return name;
         }
-        if (m_ctx.prompter().message(m_kind.duplicateStart + *name + m_kind.duplicateEnd, MessageStyle::YesNo) !=
-            Answer::Yes) {
+        if (m_ctx.prompter().message(m_kind.duplicateStart + *name + m_kind.duplicateEnd,
+                                     MessageStyle::YesNo) != Answer::Yes) {
             return std::nullopt;
         }
     }
@@ -159,13 +159,14 @@ void frmEditDictionary::cmdDelete()
         m_ctx.prompter().message(m_kind.protectedOnDelete, MessageStyle::Exclamation);
         return;
     }
-    if (m_ctx.prompter().message(m_kind.deletePrompt + name + QStringLiteral("'?"), MessageStyle::YesNo) != Answer::Yes) {
+    if (m_ctx.prompter().message(m_kind.deletePrompt + name + QStringLiteral("'?"), MessageStyle::YesNo) !=
+        Answer::Yes) {
         return;
     }
     try {
         const Db db(m_ctx.MainDBPath);
-        db.exec(QStringLiteral("DELETE FROM ") + quoted(m_kind.table) + QStringLiteral(" WHERE ") + quoted(m_kind.key) +
-                    QStringLiteral(" = ?"),
+        db.exec(QStringLiteral("DELETE FROM ") + quoted(m_kind.table) + QStringLiteral(" WHERE ") +
+                    quoted(m_kind.key) + QStringLiteral(" = ?"),
                 {m_grid->currentItem()->data(Qt::UserRole)});
     } catch (const AppError& error) {
         if (error.number() != err::RelatedRecordsExist) {
@@ -194,8 +195,9 @@ void frmEditDictionary::cmdChange()
     }
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdChange()"), [&] {
         const Db db(m_ctx.MainDBPath);
-        db.exec(QStringLiteral("UPDATE ") + quoted(m_kind.table) + QStringLiteral(" SET ") + quoted(m_kind.table) +
-                    QStringLiteral(" = ? WHERE ") + quoted(m_kind.key) + QStringLiteral(" = ?"),
+        db.exec(QStringLiteral("UPDATE ") + quoted(m_kind.table) + QStringLiteral(" SET ") +
+                    quoted(m_kind.table) + QStringLiteral(" = ? WHERE ") + quoted(m_kind.key) +
+                    QStringLiteral(" = ?"),
                 {*name, key});
     });
     load(*name);

@@ -98,7 +98,8 @@ frmSelectCD::frmSelectCD(AppContext& ctx, QWidget* parent) : QDialog(parent), m_
         }
         const int row = m_rows->rowOfNumber(number);
         if (row < 0) {
-            m_ctx.prompter().message(QStringLiteral("Диск № ") + QString::number(number) + QStringLiteral(" не найден."),
+            m_ctx.prompter().message(QStringLiteral("Диск № ") + QString::number(number) +
+                                         QStringLiteral(" не найден."),
                                      MessageStyle::Exclamation);
             m_txtNumber->setText(m_row >= 0 ? QString::number(m_rows->number(m_row)) : QString());
             return;

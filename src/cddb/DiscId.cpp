@@ -22,7 +22,8 @@ struct Msf
 
 qint32 MsfToFrames(quint32 packed)
 {
-    return qint32(packed & 0xFF) * 60 * 75 + qint32((packed >> 8) & 0xFF) * 75 + qint32((packed >> 16) & 0xFF);
+    return qint32(packed & 0xFF) * 60 * 75 + qint32((packed >> 8) & 0xFF) * 75 +
+           qint32((packed >> 16) & 0xFF);
 }
 
 quint32 FramesToMsf(qint32& frames)
@@ -78,9 +79,10 @@ std::optional<CddbDisc> cddbDiscFromToc(const Toc& toc)
         qint32 seconds = entry.wholeSeconds();
         sum += SumN(seconds);
     }
-    disc.id = (FrontPad(QString::number(sum % 255, 16), 2) + FrontPad(QString::number(disc.discLength, 16), 4) +
-               FrontPad(QString::number(disc.tracks, 16), 2))
-                  .toLower();
+    disc.id =
+        (FrontPad(QString::number(sum % 255, 16), 2) + FrontPad(QString::number(disc.discLength, 16), 4) +
+         FrontPad(QString::number(disc.tracks, 16), 2))
+            .toLower();
     return disc;
 }
 

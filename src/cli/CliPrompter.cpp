@@ -13,7 +13,7 @@ Answer CliPrompter::message(const QString& text, MessageStyle style)
     return style == MessageStyle::OkCancelQuestion || style == MessageStyle::OkCancelStop ||
                    style == MessageStyle::OkCancelInformation
                ? Answer::Cancel
-                                                                                           : Answer::No;
+               : Answer::No;
 }
 
 } // namespace vinora

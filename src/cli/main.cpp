@@ -14,19 +14,18 @@
 // user's data folder, as for the program.
 #include "app/Startup.h"
 #include "cddb/DiscId.h"
-#include "contents/DiscScan.h"
-#include "store/Db.h"
 #include "cli/CliPrompter.h"
+#include "contents/DiscScan.h"
 #include "frame/AppContext.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/Drives.h"
 #include "recognition/Medium.h"
+#include "store/Db.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QLocale>
 #include <QStringList>
-
 #include <cstdio>
 
 using namespace vinora;
@@ -68,7 +67,8 @@ int identify(const AppContext& ctx, const QString& drive)
     print(QStringLiteral("label: ") + volume.label);
     print(QStringLiteral("fs: ") + volume.fsName);
     print(QStringLiteral("maxlen: ") + QString::number(volume.maxComponentLength));
-    print(QStringLiteral("serial: ") + QStringLiteral("%1").arg(volume.serial, 8, 16, QLatin1Char('0')).toUpper());
+    print(QStringLiteral("serial: ") +
+          QStringLiteral("%1").arg(volume.serial, 8, 16, QLatin1Char('0')).toUpper());
     return 0;
 }
 
@@ -116,7 +116,8 @@ int scan(AppContext& ctx, const QStringList& args)
     }
     {
         const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
-        if (db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер WHERE Номер = ?"), {request.number}).toInt() == 0) {
+        if (db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер WHERE Номер = ?"), {request.number})
+                .toInt() == 0) {
             return fail(QStringLiteral("no computer disc number ") + QString::number(request.number));
         }
     }
@@ -125,14 +126,19 @@ int scan(AppContext& ctx, const QStringList& args)
         request.kind = decideKind(ctx, volume).value_or(QString());
         request.id = SerialToID(volume.serial);
     }
-    const ScanOutcome outcome = startScan(ctx, request, [newId](const QString&) { return newId; }, {},
-                                          [] { std::fprintf(stderr, "vinora-cli: Ошибка чтения диска! Некоторые файлы не "
-                                                                    "будут добавлены в список.\n"); });
+    const ScanOutcome outcome = startScan(
+        ctx, request, [newId](const QString&) { return newId; }, {},
+        [] {
+            std::fprintf(stderr, "vinora-cli: Ошибка чтения диска! Некоторые файлы не "
+                                 "будут добавлены в список.\n");
+        });
     if (!outcome.done) {
-        return fail(!outcome.refusal.isEmpty() ? outcome.refusal
-                    : request.kind == u"DVD"
-                        ? QStringLiteral("a DVD has no file list")
-                        : QStringLiteral("a computer disc owns the list of this disc already; --new-id stores another one"));
+        return fail(
+            !outcome.refusal.isEmpty() ? outcome.refusal
+            : request.kind == u"DVD"
+                ? QStringLiteral("a DVD has no file list")
+                : QStringLiteral(
+                      "a computer disc owns the list of this disc already; --new-id stores another one"));
     }
     print(QStringLiteral("id: ") + outcome.id);
     print(QStringLiteral("rows: ") + QString::number(outcome.rows));
@@ -156,7 +162,9 @@ int toc(const QString& drive)
                   .arg(framesToMsfText(start), framesToMsfText(length),
                        toc.tracks[i].audio ? QStringLiteral("audio") : QStringLiteral("data")));
     }
-    print(QStringLiteral("leadout %1 (%2)").arg(toc.leadoutPosition()).arg(framesToMsfText(toc.leadoutPosition())));
+    print(QStringLiteral("leadout %1 (%2)")
+              .arg(toc.leadoutPosition())
+              .arg(framesToMsfText(toc.leadoutPosition())));
     if (const auto disc = cddbDiscFromToc(toc)) {
         print(QStringLiteral("discid ") + disc->id);
         print(QStringLiteral("query ") + GetQueryString(*disc));
@@ -190,7 +198,9 @@ int main(int argc, char* argv[])
         if (!image.isFile()) {
             return fail(QStringLiteral("not an image file: ") + args[1]);
         }
-        return addVirtualDrive(ctx.ini(), image.absoluteFilePath()) ? 0 : fail(QStringLiteral("already registered"));
+        return addVirtualDrive(ctx.ini(), image.absoluteFilePath())
+                   ? 0
+                   : fail(QStringLiteral("already registered"));
     }
     if (command == u"remove-image" && args.size() == 2) {
         const QString path = QFileInfo(args[1]).absoluteFilePath();

@@ -31,8 +31,9 @@ ScanOutcome prepareScan(AppContext& ctx, const ScanRequest& request, const Clash
     }
     ctx.CurrentDiscID = request.id;
     if (ctx.CurrentDiscID.isEmpty()) {
-        return refuse("В устройстве для чтения компакт дисков вставлен диск без идентификационного номера "
-                      "(возможно, что диск записан в формате PacketCD, который не поддерживается программой)!");
+        return refuse(
+            "В устройстве для чтения компакт дисков вставлен диск без идентификационного номера "
+            "(возможно, что диск записан в формате PacketCD, который не поддерживается программой)!");
     }
     QString id = ctx.CurrentDiscID;
     if (CreateFileTable(ctx, id, true, clash)) {
@@ -71,7 +72,8 @@ int runScan(const AppContext& ctx, const ScanRequest& request, const QString& id
 }
 
 ScanOutcome startScan(AppContext& ctx, const ScanRequest& request, const ClashQuestion& clash,
-                      const std::function<void(FileListScanner&)>& prepare, const std::function<void()>& readError)
+                      const std::function<void(FileListScanner&)>& prepare,
+                      const std::function<void()>& readError)
 {
     ScanOutcome outcome = prepareScan(ctx, request, clash);
     if (outcome.id.isEmpty()) {
@@ -79,8 +81,9 @@ ScanOutcome startScan(AppContext& ctx, const ScanRequest& request, const ClashQu
     }
     outcome.rows = underFaultHandler(ctx, QStringLiteral("frmFileListCreate, CreateFileList()"),
                                      [&] { return runScan(ctx, request, outcome.id, prepare, readError); });
-    underFaultHandler(ctx, QStringLiteral("frmFileListOption, CreateLinkDiskID()"),
-                      [&] { CreateLinkDiskID(ctx, request.number, request.slot, outcome.id, request.share); });
+    underFaultHandler(ctx, QStringLiteral("frmFileListOption, CreateLinkDiskID()"), [&] {
+        CreateLinkDiskID(ctx, request.number, request.slot, outcome.id, request.share);
+    });
     outcome.done = true;
     return outcome;
 }

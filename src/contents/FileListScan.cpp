@@ -4,7 +4,6 @@
 #include "recognition/VolumeReader.h"
 
 #include <QLocale>
-
 #include <cfenv>
 #include <cmath>
 
@@ -93,8 +92,10 @@ bool FileListScanner::walk(const QString& folder)
             if (m_options.filter && skipsFile(m_filter, *m_options.filter, file.name)) {
                 continue;
             }
-            FileRow row{(m_options.lowerCase ? file.name.toLower() : file.name).left(kTextField), path,
-                        sizeText(file.size), {}};
+            FileRow row{(m_options.lowerCase ? file.name.toLower() : file.name).left(kTextField),
+                        path,
+                        sizeText(file.size),
+                        {}};
             if (m_options.mp3 && file.name.contains(QStringLiteral(".mp3"), Qt::CaseInsensitive)) {
                 const QString filePath = folder.isEmpty() ? file.name : folder + u'/' + file.name;
                 MP3TagEditor tag;

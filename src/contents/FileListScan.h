@@ -4,7 +4,6 @@
 
 #include <QList>
 #include <QString>
-
 #include <functional>
 #include <optional>
 
@@ -15,12 +14,12 @@ class VolumeReader;
 // The choices of the scan, as the options dialog names them.
 struct ScanOptions
 {
-    bool filesInCore = true;  // chFilesInCore: the files of the root
-    bool scanDir = true;      // chScanDir: folders and their files
-    bool scanDirOnly = false; // chScanDirOnly: folder names only
-    bool lowerCase = false;   // chLCase
-    bool hidden = false;      // chHiddenFiles
-    bool mp3 = false;         // chFiles: artist and title of MP3 files as comments
+    bool filesInCore = true;           // chFilesInCore: the files of the root
+    bool scanDir = true;               // chScanDir: folders and their files
+    bool scanDirOnly = false;          // chScanDirOnly: folder names only
+    bool lowerCase = false;            // chLCase
+    bool hidden = false;               // chHiddenFiles
+    bool mp3 = false;                  // chFiles: artist and title of MP3 files as comments
     std::optional<FilterTable> filter; // chFilter with optFilter
 };
 
@@ -44,11 +43,11 @@ class FileListScanner
 public:
     FileListScanner(VolumeReader& volume, ScanOptions options, QStringList filterEntries);
 
-    std::function<void(const QString& folder)> onFolder;                       // the folder at hand
-    std::function<void(const QString& file, int index, int count)> onFile;     // the file at hand
-    std::function<void(const QList<FileRow>& rows)> onRows;                    // one folder's rows
-    std::function<void()> onReadError;                                         // a folder that cannot be read
-    std::function<bool()> cancelled;                                           // the window was closed
+    std::function<void(const QString& folder)> onFolder;                   // the folder at hand
+    std::function<void(const QString& file, int index, int count)> onFile; // the file at hand
+    std::function<void(const QList<FileRow>& rows)> onRows;                // one folder's rows
+    std::function<void()> onReadError;                                     // a folder that cannot be read
+    std::function<bool()> cancelled;                                       // the window was closed
 
     // False when the walk was broken off.
     bool run();

@@ -12,11 +12,12 @@ namespace vinora {
 
 QString clashQuestionText()
 {
-    return QStringLiteral("Серийный номер этого диска совпадает с уже существующим серийным номером!\r\rВозможные "
-                          "причины:\r\n   1. Этот диск уже есть в базе данных\r\n   2. Диск записан в режиме пакетно "
-                          "записи (UDF)\r\n   3. Диск имеет одинаковый идентификатор с ранее добавленным диском "
-                          "(пиратская копия)\r\n\r\nНе смотря на это, есть возможность произвести добавление списка "
-                          "файлов для этого диска. Продолжить?");
+    return QStringLiteral(
+        "Серийный номер этого диска совпадает с уже существующим серийным номером!\r\rВозможные "
+        "причины:\r\n   1. Этот диск уже есть в базе данных\r\n   2. Диск записан в режиме пакетно "
+        "записи (UDF)\r\n   3. Диск имеет одинаковый идентификатор с ранее добавленным диском "
+        "(пиратская копия)\r\n\r\nНе смотря на это, есть возможность произвести добавление списка "
+        "файлов для этого диска. Продолжить?");
 }
 
 bool CheckFileTableOwner(const AppContext& ctx, const QString& id)
@@ -28,7 +29,9 @@ bool CheckFileTableOwner(const AppContext& ctx, const QString& id)
         values.append(id);
     }
     const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
-    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер WHERE ") + where.join(QStringLiteral(" OR ")), values)
+    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер WHERE ") +
+                         where.join(QStringLiteral(" OR ")),
+                     values)
                .toInt() > 0;
 }
 
@@ -56,7 +59,8 @@ bool CreateFileTable(AppContext& ctx, QString& id, bool ask, const ClashQuestion
             return false;
         }
         QRandomGenerator random(static_cast<quint32>(ctx.clock().now().toMSecsSinceEpoch()));
-        id = QString::number(static_cast<qint64>(random.generateDouble() * 999999999 + random.generateDouble() * 9));
+        id = QString::number(
+            static_cast<qint64>(random.generateDouble() * 999999999 + random.generateDouble() * 9));
     }
 }
 
@@ -74,8 +78,9 @@ void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, 
     }
     values.append(number);
     db.exec(QStringLiteral("UPDATE Компьютер SET ") + set +
-                QStringLiteral(" WHERE КодКомпьютерныйДиск = (SELECT КодКомпьютерныйДиск FROM Компьютер WHERE Номер = ? "
-                               "ORDER BY 1 LIMIT 1)"),
+                QStringLiteral(
+                    " WHERE КодКомпьютерныйДиск = (SELECT КодКомпьютерныйДиск FROM Компьютер WHERE Номер = ? "
+                    "ORDER BY 1 LIMIT 1)"),
             values);
     ctx.DiscIDSlots[static_cast<std::size_t>(slot - 1)] = id;
 }
@@ -83,7 +88,8 @@ void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, 
 FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id))
 {
     m_insert = std::make_unique<Statement>(
-        m_db, QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES (?, ?, ?, ?, ?)"));
+        m_db,
+        QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES (?, ?, ?, ?, ?)"));
     m_sinceCommit.start();
 }
 
@@ -103,7 +109,8 @@ void FileListWriter::write(const QList<FileRow>& rows)
     }
     const auto orNull = [](const QString& text) { return text.isEmpty() ? QVariant() : QVariant(text); };
     for (const FileRow& row : rows) {
-        m_insert->run({m_id, orNull(row.name), orNull(row.path), orNull(row.size), orNull(row.comment.left(50))});
+        m_insert->run(
+            {m_id, orNull(row.name), orNull(row.path), orNull(row.size), orNull(row.comment.left(50))});
         ++m_count;
     }
     if (m_sinceCommit.elapsed() >= 250) {

@@ -4,10 +4,8 @@
 
 #include <QElapsedTimer>
 #include <QString>
-
-#include <memory>
-
 #include <functional>
+#include <memory>
 
 namespace vinora {
 

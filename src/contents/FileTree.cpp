@@ -1,7 +1,6 @@
 #include "contents/FileTree.h"
 
 #include <QLocale>
-
 #include <array>
 #include <cmath>
 
@@ -73,9 +72,9 @@ QString folderKey(const QList<FileTreeNode>& nodes, int node)
 int fileImage(const QString& name)
 {
     static const std::array<std::pair<const char*, int>, 20> kinds = {{
-        {".exe", 2}, {".zip", 3}, {".bmp", 4}, {".inf", 5}, {".ini", 5}, {".avi", 6}, {".mpg", 6},
-        {".mpeg", 6}, {".mov", 6}, {".wav", 7}, {".mp3", 7}, {".mp2", 7}, {".rar", 8}, {".txt", 9},
-        {".diz", 9}, {".nfo", 9}, {".gif", 10}, {".jpg", 11}, {".jpeg", 11}, {".htm", 12},
+        {".exe", 2},  {".zip", 3}, {".bmp", 4},  {".inf", 5},  {".ini", 5},   {".avi", 6},  {".mpg", 6},
+        {".mpeg", 6}, {".mov", 6}, {".wav", 7},  {".mp3", 7},  {".mp2", 7},   {".rar", 8},  {".txt", 9},
+        {".diz", 9},  {".nfo", 9}, {".gif", 10}, {".jpg", 11}, {".jpeg", 11}, {".htm", 12},
     }};
     const QString lower = name.toLower();
     for (const auto& [text, image] : kinds) {

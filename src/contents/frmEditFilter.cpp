@@ -81,12 +81,14 @@ void frmEditFilter::optFilter_Click()
 {
     m_loading = true;
     m_lvFilter->clear();
-    m_lblInfo->setText(m_optFilter[0]->isChecked()
-                           ? QStringLiteral("Отмеченные файлы не будут включены в создаваемую структуру диска")
-                           : QStringLiteral("Только отмеченные файлы будут включены в создаваемую структуру диска"));
+    m_lblInfo->setText(
+        m_optFilter[0]->isChecked()
+            ? QStringLiteral("Отмеченные файлы не будут включены в создаваемую структуру диска")
+            : QStringLiteral("Только отмеченные файлы будут включены в создаваемую структуру диска"));
     {
         const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-        QSqlQuery rows = db.query(QStringLiteral("SELECT Файл, Use FROM ") + quoted(table()) + QStringLiteral(" ORDER BY Файл"));
+        QSqlQuery rows = db.query(QStringLiteral("SELECT Файл, Use FROM ") + quoted(table()) +
+                                  QStringLiteral(" ORDER BY Файл"));
         while (rows.next()) {
             auto* item = new QListWidgetItem(rows.value(0).toString(), m_lvFilter);
             item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
@@ -120,11 +122,14 @@ void frmEditFilter::setAllTicks(bool ticked)
 bool frmEditFilter::exists(const QString& entry) const
 {
     const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(table()) + QStringLiteral(" WHERE Файл = ?"), {entry})
+    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(table()) +
+                         QStringLiteral(" WHERE Файл = ?"),
+                     {entry})
                .toInt() > 0;
 }
 
-std::optional<QString> frmEditFilter::askEntry(const QString& title, const QString& prompt, const QString& initial)
+std::optional<QString> frmEditFilter::askEntry(const QString& title, const QString& prompt,
+                                               const QString& initial)
 {
     for (;;) {
         const std::optional<QString> entry = m_ctx.prompter().input(prompt, title, initial);
@@ -134,7 +139,8 @@ std::optional<QString> frmEditFilter::askEntry(const QString& title, const QStri
         if (!exists(*entry)) {
             return entry;
         }
-        if (m_ctx.prompter().message(QStringLiteral("Файл '") + *entry + QStringLiteral("' уже существует. Ввести другое?"),
+        if (m_ctx.prompter().message(QStringLiteral("Файл '") + *entry +
+                                         QStringLiteral("' уже существует. Ввести другое?"),
                                      MessageStyle::YesNoQuestion) != Answer::Yes) {
             return std::nullopt;
         }
@@ -144,7 +150,8 @@ std::optional<QString> frmEditFilter::askEntry(const QString& title, const QStri
 void frmEditFilter::cmdAddFile()
 {
     if (m_lvFilter->count() >= 50) {
-        m_ctx.prompter().message(QStringLiteral("Количество файлов не должно превышать 50!"), MessageStyle::Exclamation);
+        m_ctx.prompter().message(QStringLiteral("Количество файлов не должно превышать 50!"),
+                                 MessageStyle::Exclamation);
         return;
     }
     const std::optional<QString> entry =
@@ -154,7 +161,8 @@ void frmEditFilter::cmdAddFile()
     }
     {
         const Db db(m_ctx.FilesDBPath);
-        db.exec(QStringLiteral("INSERT INTO ") + quoted(table()) + QStringLiteral(" (Файл, Use) VALUES (?, -1)"),
+        db.exec(QStringLiteral("INSERT INTO ") + quoted(table()) +
+                    QStringLiteral(" (Файл, Use) VALUES (?, -1)"),
                 {entry->left(255)});
     }
     optFilter_Click();
@@ -167,14 +175,15 @@ void frmEditFilter::cmdAddFile()
 void frmEditFilter::cmdDelete()
 {
     QListWidgetItem* item = m_lvFilter->currentItem();
-    if (!item || m_ctx.prompter().message(QStringLiteral("Вы действительно хотите удалить файл '") + item->text() +
-                                              QStringLiteral("'?"),
+    if (!item || m_ctx.prompter().message(QStringLiteral("Вы действительно хотите удалить файл '") +
+                                              item->text() + QStringLiteral("'?"),
                                           MessageStyle::YesNoQuestion) != Answer::Yes) {
         return;
     }
     underFaultHandler(m_ctx, QStringLiteral("frmEditFilter, cmdDelete()"), [&] {
         const Db db(m_ctx.FilesDBPath);
-        db.exec(QStringLiteral("DELETE FROM ") + quoted(table()) + QStringLiteral(" WHERE Файл = ?"), {item->text()});
+        db.exec(QStringLiteral("DELETE FROM ") + quoted(table()) + QStringLiteral(" WHERE Файл = ?"),
+                {item->text()});
     });
     optFilter_Click();
 }

@@ -82,8 +82,8 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     layout->addWidget(splitter, 1);
 
     auto* comments = new QFormLayout;
-    const auto commentRow = [&](const char* edit, const char* button, const QString& caption, QLineEdit*& field,
-                                QPushButton*& save) {
+    const auto commentRow = [&](const char* edit, const char* button, const QString& caption,
+                                QLineEdit*& field, QPushButton*& save) {
         field = new QLineEdit(this);
         field->setObjectName(QString::fromLatin1(edit));
         field->setMaxLength(50);
@@ -97,8 +97,8 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     };
     commentRow("txtCommentDir", "cmdMakeChangeDir", QStringLiteral("Комментарий к папке:"), m_txtCommentDir,
                m_cmdMakeChangeDir);
-    commentRow("txtCommentFile", "cmdMakeChangeFile", QStringLiteral("Комментарий к файлу:"), m_txtCommentFile,
-               m_cmdMakeChangeFile);
+    commentRow("txtCommentFile", "cmdMakeChangeFile", QStringLiteral("Комментарий к файлу:"),
+               m_txtCommentFile, m_cmdMakeChangeFile);
     layout->addLayout(comments);
 
     auto* bottom = new QHBoxLayout;
@@ -123,7 +123,8 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     connect(m_cmbCountCD, &QComboBox::activated, this, &frmFileList::cmbCountCD_Click);
     connect(m_trView, &QTreeWidget::itemClicked, this,
             [this](QTreeWidgetItem* item) { selectFolder(item->data(0, Qt::UserRole).toInt()); });
-    connect(m_lvFiles, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) { selectFile(item->text(0)); });
+    connect(m_lvFiles, &QTreeWidget::itemClicked, this,
+            [this](QTreeWidgetItem* item) { selectFile(item->text(0)); });
     connect(m_lvFiles, &QTreeWidget::itemDoubleClicked, this, &frmFileList::lvFiles_DblClick);
     connect(m_cmdMakeChangeDir, &QPushButton::clicked, this, &frmFileList::cmdMakeChangeDir);
     connect(m_cmdMakeChangeFile, &QPushButton::clicked, this, &frmFileList::cmdMakeChangeFile);
@@ -169,7 +170,8 @@ void frmFileList::cmbCountCD_Click()
     QStringList sizes;
     {
         const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-        QSqlQuery rows = db.query(QStringLiteral("SELECT Размер FROM Файлы WHERE ДискID = ?"), {m_ctx.CurrentDiscID});
+        QSqlQuery rows =
+            db.query(QStringLiteral("SELECT Размер FROM Файлы WHERE ДискID = ?"), {m_ctx.CurrentDiscID});
         while (rows.next()) {
             sizes.append(rows.value(0).toString());
         }
@@ -186,8 +188,9 @@ bool frmFileList::buildTree()
         const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
         listExists = ContentsLists(db, ContentsKind::Files).exists(m_ctx.CurrentDiscID);
         QStringList paths;
-        QSqlQuery rows = db.query(QStringLiteral("SELECT DISTINCT Путь FROM Файлы WHERE ДискID = ? ORDER BY Путь"),
-                                  {m_ctx.CurrentDiscID});
+        QSqlQuery rows =
+            db.query(QStringLiteral("SELECT DISTINCT Путь FROM Файлы WHERE ДискID = ? ORDER BY Путь"),
+                     {m_ctx.CurrentDiscID});
         while (rows.next()) {
             paths.append(rows.value(0).toString());
         }
@@ -197,19 +200,22 @@ bool frmFileList::buildTree()
         setCommentControls(false, false);
         m_trView->hide();
         m_lvFiles->hide();
-        m_ctx.prompter().message(QStringLiteral("ВНИМАНИЕ!\n\nПроизошла ошибка при создании списка файлов! Необходимо "
-                                                "повторно произвести сканирование диска."),
-                                 MessageStyle::Exclamation);
+        m_ctx.prompter().message(
+            QStringLiteral("ВНИМАНИЕ!\n\nПроизошла ошибка при создании списка файлов! Необходимо "
+                           "повторно произвести сканирование диска."),
+            MessageStyle::Exclamation);
         return false;
     }
     m_nodes = *nodes;
     QList<QTreeWidgetItem*> items;
     for (int i = 0; i < m_nodes.size(); ++i) {
         const FileTreeNode& node = m_nodes[i];
-        auto* item = node.parent < 0 ? new QTreeWidgetItem(m_trView) : new QTreeWidgetItem(items[node.parent]);
+        auto* item =
+            node.parent < 0 ? new QTreeWidgetItem(m_trView) : new QTreeWidgetItem(items[node.parent]);
         item->setText(0, node.text);
         item->setData(0, Qt::UserRole, i);
-        item->setIcon(0, style()->standardIcon(node.image == 2 ? QStyle::SP_DriveCDIcon : QStyle::SP_DirIcon));
+        item->setIcon(0,
+                      style()->standardIcon(node.image == 2 ? QStyle::SP_DriveCDIcon : QStyle::SP_DirIcon));
         items.append(item);
     }
     if (m_nodes.isEmpty()) {
@@ -254,17 +260,21 @@ void frmFileList::FillFileList(const QString& path)
 {
     m_lvFiles->clear();
     const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-    m_txtCommentDir->setText(db.scalar(QStringLiteral("SELECT Комментарий FROM Файлы WHERE ДискID = ? AND Путь = ? AND "
-                                                      "Имя = Путь"),
-                                       {m_ctx.CurrentDiscID, path})
-                                 .toString());
-    QSqlQuery rows = db.query(QStringLiteral("SELECT Имя, Размер FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя <> Путь "
-                                             "ORDER BY Имя"),
-                              {m_ctx.CurrentDiscID, path});
-    static const QStyle::StandardPixmap icons[] = {QStyle::SP_FileIcon,     QStyle::SP_FileIcon,   QStyle::SP_ComputerIcon,
-                                                   QStyle::SP_DriveFDIcon,  QStyle::SP_FileIcon,   QStyle::SP_FileDialogDetailedView,
-                                                   QStyle::SP_MediaPlay,    QStyle::SP_MediaVolume, QStyle::SP_DriveFDIcon,
-                                                   QStyle::SP_FileDialogContentsView, QStyle::SP_FileIcon, QStyle::SP_FileIcon,
+    m_txtCommentDir->setText(
+        db.scalar(QStringLiteral("SELECT Комментарий FROM Файлы WHERE ДискID = ? AND Путь = ? AND "
+                                 "Имя = Путь"),
+                  {m_ctx.CurrentDiscID, path})
+            .toString());
+    QSqlQuery rows =
+        db.query(QStringLiteral("SELECT Имя, Размер FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя <> Путь "
+                                "ORDER BY Имя"),
+                 {m_ctx.CurrentDiscID, path});
+    static const QStyle::StandardPixmap icons[] = {QStyle::SP_FileIcon,     QStyle::SP_FileIcon,
+                                                   QStyle::SP_ComputerIcon, QStyle::SP_DriveFDIcon,
+                                                   QStyle::SP_FileIcon,     QStyle::SP_FileDialogDetailedView,
+                                                   QStyle::SP_MediaPlay,    QStyle::SP_MediaVolume,
+                                                   QStyle::SP_DriveFDIcon,  QStyle::SP_FileDialogContentsView,
+                                                   QStyle::SP_FileIcon,     QStyle::SP_FileIcon,
                                                    QStyle::SP_DirLinkIcon};
     while (rows.next()) {
         auto* item = new QTreeWidgetItem(m_lvFiles, {rows.value(0).toString(), rows.value(1).toString()});
@@ -282,10 +292,11 @@ void frmFileList::FillFileList(const QString& path)
 void frmFileList::selectFile(const QString& name)
 {
     const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-    m_txtCommentFile->setText(db.scalar(QStringLiteral("SELECT Комментарий FROM Файлы WHERE ДискID = ? AND Путь = ? AND "
-                                                       "Имя = ?"),
-                                        {m_ctx.CurrentDiscID, currentFolderKey(), name})
-                                  .toString());
+    m_txtCommentFile->setText(
+        db.scalar(QStringLiteral("SELECT Комментарий FROM Файлы WHERE ДискID = ? AND Путь = ? AND "
+                                 "Имя = ?"),
+                  {m_ctx.CurrentDiscID, currentFolderKey(), name})
+            .toString());
 }
 
 namespace {
@@ -294,9 +305,10 @@ namespace {
 bool storeComment(AppContext& ctx, const QString& path, const QString& name, const QString& comment)
 {
     const Db db(ctx.FilesDBPath);
-    const QVariant found = db.scalar(QStringLiteral("SELECT rowid FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя = ? "
-                                                    "LIMIT 1"),
-                                     {ctx.CurrentDiscID, path, name});
+    const QVariant found =
+        db.scalar(QStringLiteral("SELECT rowid FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя = ? "
+                                 "LIMIT 1"),
+                  {ctx.CurrentDiscID, path, name});
     if (!found.isValid()) {
         return false;
     }
@@ -312,7 +324,8 @@ void frmFileList::cmdMakeChangeDir()
     m_txtCommentDir->setText(CleanText(m_txtCommentDir->text()));
     const QString path = currentFolderKey();
     if (!storeComment(m_ctx, path, path, m_txtCommentDir->text())) {
-        m_ctx.prompter().message(QStringLiteral("Необходимо пересоздать структуру диска!"), MessageStyle::Exclamation);
+        m_ctx.prompter().message(QStringLiteral("Необходимо пересоздать структуру диска!"),
+                                 MessageStyle::Exclamation);
         m_txtCommentDir->clear();
         return;
     }
@@ -326,11 +339,13 @@ void frmFileList::cmdMakeChangeFile()
     m_txtCommentFile->setText(CleanText(m_txtCommentFile->text()));
     const QString name = m_lvFiles->currentItem() ? m_lvFiles->currentItem()->text(0) : QString();
     if (name.isEmpty() || !storeComment(m_ctx, currentFolderKey(), name, m_txtCommentFile->text())) {
-        m_ctx.prompter().message(QStringLiteral("Необходимо пересоздать структуру диска!"), MessageStyle::Exclamation);
+        m_ctx.prompter().message(QStringLiteral("Необходимо пересоздать структуру диска!"),
+                                 MessageStyle::Exclamation);
         m_txtCommentDir->clear();
         return;
     }
-    m_ctx.prompter().message(QStringLiteral("Комментарий к файлу '") + name + QStringLiteral("' успешно изменен."),
+    m_ctx.prompter().message(QStringLiteral("Комментарий к файлу '") + name +
+                                 QStringLiteral("' успешно изменен."),
                              MessageStyle::Information);
 }
 
@@ -397,12 +412,15 @@ void frmFileList::lvFiles_DblClick()
     const QString drive = m_ctx.ini().read(QStringLiteral("Option"), QStringLiteral("Drive"), 4096).trimmed();
     const QString mounted = drive.isEmpty() ? QString() : mountPointOf(drive);
     VolumeInfo volume;
-    const QString kind =
-        drive.isEmpty() ? QString() : GetDiskIDcheck(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this), &volume);
-    if (kind != u"PcCD" || SerialToID(volume.serial) != m_ctx.CurrentDiscID || mounted.isEmpty() || name.isEmpty()) {
-        m_ctx.prompter().message(QStringLiteral("Вставьте диск № ") + QString::number(m_number) +
-                                     QStringLiteral(" в устройство для чтения компакт-дисков и повторите операцию."),
-                                 MessageStyle::Exclamation);
+    const QString kind = drive.isEmpty()
+                             ? QString()
+                             : GetDiskIDcheck(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this), &volume);
+    if (kind != u"PcCD" || SerialToID(volume.serial) != m_ctx.CurrentDiscID || mounted.isEmpty() ||
+        name.isEmpty()) {
+        m_ctx.prompter().message(
+            QStringLiteral("Вставьте диск № ") + QString::number(m_number) +
+                QStringLiteral(" в устройство для чтения компакт-дисков и повторите операцию."),
+            MessageStyle::Exclamation);
         return;
     }
     QString folder = currentFolderKey();

@@ -45,7 +45,8 @@ void frmFileListCreate::showEvent(QShowEvent* event)
     const auto prepare = [this](FileListScanner& scanner) {
         scanner.cancelled = [this] { return m_stop.load(); };
         scanner.onFolder = [this](const QString& folder) {
-            QMetaObject::invokeMethod(this, [this, folder] { m_lblDir->setText(folder); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                this, [this, folder] { m_lblDir->setText(folder); }, Qt::QueuedConnection);
         };
         scanner.onFile = [this](const QString& file, int index, int count) {
             QMetaObject::invokeMethod(

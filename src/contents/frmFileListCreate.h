@@ -4,7 +4,6 @@
 
 #include <QDialog>
 #include <QFutureWatcher>
-
 #include <atomic>
 
 class QLabel;

@@ -108,7 +108,10 @@ frmFileListOption::frmFileListOption(AppContext& ctx, int number, int slot, QWid
 
 bool frmFileListOption::savingOptions() const
 {
-    return m_ctx.ini().read(QStringLiteral("Option"), QStringLiteral("SaveFileListOption"), 5).trimmed().left(1) == u"1";
+    return m_ctx.ini()
+               .read(QStringLiteral("Option"), QStringLiteral("SaveFileListOption"), 5)
+               .trimmed()
+               .left(1) == u"1";
 }
 
 void frmFileListOption::loadSavedOptions()
@@ -135,7 +138,8 @@ void frmFileListOption::done(int result)
 {
     if (savingOptions()) {
         const auto store = [this](const char* key, const QCheckBox* check) {
-            m_ctx.ini().write(kSection, QString::fromLatin1(key), check->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
+            m_ctx.ini().write(kSection, QString::fromLatin1(key),
+                              check->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
         };
         store("FilesInCore", m_chFilesInCore);
         store("ScanDir", m_chScanDir);
@@ -163,14 +167,19 @@ void frmFileListOption::applyTickRules()
 
 void frmFileListOption::cmbDrive_Click()
 {
-    m_lblInserCD->setText(kindCaption(GetDiskIDcheck(m_ctx, m_cmbDrive->currentText(), frmSelectCategory::chooser(m_ctx, this))));
+    m_lblInserCD->setText(kindCaption(
+        GetDiskIDcheck(m_ctx, m_cmbDrive->currentText(), frmSelectCategory::chooser(m_ctx, this))));
 }
 
 ScanOptions frmFileListOption::options() const
 {
-    ScanOptions options{m_chFilesInCore->isChecked(), m_chScanDir->isChecked(),
+    ScanOptions options{m_chFilesInCore->isChecked(),
+                        m_chScanDir->isChecked(),
                         m_chScanDirOnly->isChecked() && m_chScanDirOnly->isEnabled(),
-                        m_chLCase->isChecked(), m_chHiddenFiles->isChecked(), m_chFiles->isChecked(), std::nullopt};
+                        m_chLCase->isChecked(),
+                        m_chHiddenFiles->isChecked(),
+                        m_chFiles->isChecked(),
+                        std::nullopt};
     if (m_chFilter->isChecked() && m_chFilter->isEnabled()) {
         options.filter = m_optFilter[0]->isChecked() ? FilterTable::Exclude : FilterTable::Include;
     }

@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>

@@ -5,7 +5,6 @@
 #include "frame/Prompter.h"
 
 #include <QString>
-
 #include <array>
 #include <functional>
 

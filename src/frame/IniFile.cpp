@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QSaveFile>
 #include <QStringList>
-
 #include <optional>
 
 namespace vinora {

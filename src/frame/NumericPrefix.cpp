@@ -79,8 +79,8 @@ double numericPrefix(QStringView raw)
         return 0.0;
     }
     // An exponent counts only when digits follow it.
-    if (end < text.size() && (text.at(end) == u'e' || text.at(end) == u'E' || text.at(end) == u'd' ||
-                              text.at(end) == u'D')) {
+    if (end < text.size() &&
+        (text.at(end) == u'e' || text.at(end) == u'E' || text.at(end) == u'd' || text.at(end) == u'D')) {
         qsizetype exp = end + 1;
         if (exp < text.size() && (text.at(exp) == u'+' || text.at(exp) == u'-')) {
             ++exp;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-
 #include <optional>
 
 class QDialog;
@@ -11,18 +10,18 @@ namespace vinora {
 
 // Message box kinds by the values the program has always used for them.
 enum class MessageStyle {
-    Plain = 0,              // OK, no icon
-    YesNo = 4,              // Yes, No, no icon
-    OkCancelQuestion = 33,  // OK, Cancel, question
+    Plain = 0,                // OK, no icon
+    YesNo = 4,                // Yes, No, no icon
+    OkCancelQuestion = 33,    // OK, Cancel, question
     OkCancelInformation = 65, // OK, Cancel, information
     YesNoCancelQuestion = 35, // Yes, No, Cancel, question
-    Stop = 16,              // OK, stop
-    Question = 32,          // OK, question
-    YesNoQuestion = 36,     // Yes, No, question
-    Exclamation = 48,       // OK, exclamation
-    OkCancelStop = 49,      // OK, Cancel, stop
-    YesNoExclamation = 52,  // Yes, No, exclamation
-    Information = 64,       // OK, information
+    Stop = 16,                // OK, stop
+    Question = 32,            // OK, question
+    YesNoQuestion = 36,       // Yes, No, question
+    Exclamation = 48,         // OK, exclamation
+    OkCancelStop = 49,        // OK, Cancel, stop
+    YesNoExclamation = 52,    // Yes, No, exclamation
+    Information = 64,         // OK, information
 };
 
 enum class Answer { Ok, Cancel, Yes, No };

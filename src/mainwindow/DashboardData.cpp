@@ -16,9 +16,10 @@ DashboardData readDashboard(const Db& db)
         CatalogueSummary& summary = data[static_cast<std::size_t>(category)];
         summary.discs = db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(info.table)).toInt();
         summary.updated = readStamp(db, info.stampField);
-        summary.onLoan = db.scalar(QStringLiteral("SELECT COUNT(*) FROM Должники WHERE Категория = ? AND Долг <> 0"),
-                                   {info.code})
-                             .toInt();
+        summary.onLoan =
+            db.scalar(QStringLiteral("SELECT COUNT(*) FROM Должники WHERE Категория = ? AND Долг <> 0"),
+                      {info.code})
+                .toInt();
     }
     return data;
 }

@@ -4,7 +4,6 @@
 
 #include <QDate>
 #include <QString>
-
 #include <array>
 
 namespace vinora {
@@ -15,8 +14,8 @@ class Db;
 struct CatalogueSummary
 {
     int discs = 0;
-    QDate updated;  // invalid: no date ("-")
-    int onLoan = 0; // loans still out
+    QDate updated;   // invalid: no date ("-")
+    int onLoan = 0;  // loans still out
     int overdue = 0; // loans out whose due date is today or past
 };
 

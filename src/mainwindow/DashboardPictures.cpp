@@ -62,7 +62,8 @@ QPixmap discPicture(DiscPicture picture, int size)
 
 QPixmap logoPicture(Category category, bool highlighted)
 {
-    static const QColor colours[] = {QColor(0x7a, 0x2e, 0x4f), QColor(0x2f, 0x5e, 0x8e), QColor(0x2f, 0x6f, 0x5e)};
+    static const QColor colours[] = {QColor(0x7a, 0x2e, 0x4f), QColor(0x2f, 0x5e, 0x8e),
+                                     QColor(0x2f, 0x6f, 0x5e)};
     static const char* const titles[] = {"AUDIO CD", "CD-ROM", "DVD"};
     const QColor colour = colours[static_cast<int>(category)];
     QPixmap pixmap = canvas(132, 56);
@@ -78,7 +79,8 @@ QPixmap logoPicture(Category category, bool highlighted)
     font.setBold(true);
     font.setPixelSize(15);
     painter.setFont(font);
-    painter.drawText(QRectF(44, 0, 84, 56), Qt::AlignCenter, QString::fromLatin1(titles[static_cast<int>(category)]));
+    painter.drawText(QRectF(44, 0, 84, 56), Qt::AlignCenter,
+                     QString::fromLatin1(titles[static_cast<int>(category)]));
     return pixmap;
 }
 

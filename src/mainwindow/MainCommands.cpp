@@ -5,11 +5,15 @@
 namespace vinora {
 namespace {
 
-MainCommand cmd(const char* id, const char* text, const char* menu, const char* toolbar = "", bool checkable = false,
-                const char* icon = "")
+MainCommand cmd(const char* id, const char* text, const char* menu, const char* toolbar = "",
+                bool checkable = false, const char* icon = "")
 {
-    return {QString::fromUtf8(id), QString::fromUtf8(text), QString::fromUtf8(menu), QString::fromUtf8(toolbar),
-            checkable, QString::fromLatin1(icon)};
+    return {QString::fromUtf8(id),
+            QString::fromUtf8(text),
+            QString::fromUtf8(menu),
+            QString::fromUtf8(toolbar),
+            checkable,
+            QString::fromLatin1(icon)};
 }
 
 } // namespace
@@ -23,7 +27,8 @@ const QList<MainMenu>& mainMenus()
         {QStringLiteral("ID_DB"), QStringLiteral("&База данных"), {}},
         {QStringLiteral("ID_DB_Export"), QStringLiteral("Экспорт"), QStringLiteral("ID_DB")},
         {QStringLiteral("ID_View"), QStringLiteral("&Вид"), {}},
-        {QStringLiteral("ID_View_Toolbars"), QStringLiteral("Панели инструментов"), QStringLiteral("ID_View")},
+        {QStringLiteral("ID_View_Toolbars"), QStringLiteral("Панели инструментов"),
+         QStringLiteral("ID_View")},
         {QStringLiteral("ID_Help"), QStringLiteral("&Помощь"), {}},
         {QStringLiteral("ID_QuickAD"), QStringLiteral("Аудио диски"), {}, true},
         {QStringLiteral("ID_QuickPC"), QStringLiteral("Компьютерные диски"), {}, true},
@@ -92,19 +97,35 @@ const QList<MainCommand>& mainCommands()
 bool isLiveCommand(const QString& toolId)
 {
     static const QStringList live = {
-        QStringLiteral("ID_Quit"),          QStringLiteral("ID_View_Toolbars_Catalog"),
-        QStringLiteral("ID_View_Toolbars_Due"), QStringLiteral("ID_View_Toolbars_DB"),
-        QStringLiteral("ID_Panel"),         QStringLiteral("ID_DB_Open"),
-        QStringLiteral("ID_DB_OpenLocal"),  QStringLiteral("ID_Help_Info"),
-        QStringLiteral("ID_Help_Index"),    QStringLiteral("ID_Help_About"),
-        QStringLiteral("ID_Catalog_ChangeCategory"), QStringLiteral("ID_ToolbarEditDel"),
-        QStringLiteral("ID_DB_DiskImageAdd"), QStringLiteral("ID_DB_DiskImageRemove"),
+        QStringLiteral("ID_Quit"),
+        QStringLiteral("ID_View_Toolbars_Catalog"),
+        QStringLiteral("ID_View_Toolbars_Due"),
+        QStringLiteral("ID_View_Toolbars_DB"),
+        QStringLiteral("ID_Panel"),
+        QStringLiteral("ID_DB_Open"),
+        QStringLiteral("ID_DB_OpenLocal"),
+        QStringLiteral("ID_Help_Info"),
+        QStringLiteral("ID_Help_Index"),
+        QStringLiteral("ID_Help_About"),
+        QStringLiteral("ID_Catalog_ChangeCategory"),
+        QStringLiteral("ID_ToolbarEditDel"),
+        QStringLiteral("ID_DB_DiskImageAdd"),
+        QStringLiteral("ID_DB_DiskImageRemove"),
         QStringLiteral("ID_DB_DefaultCDDVDROM"),
-        QStringLiteral("ID_Catalog_AudioCD"), QStringLiteral("ID_Catalog_PCCD"), QStringLiteral("ID_Catalog_DVD"),
-        QStringLiteral("ID_Catalog_ChangeNumber"), QStringLiteral("ID_QuickADCatalog"),
-        QStringLiteral("ID_Catalog_AddAudioCD"), QStringLiteral("ID_Catalog_AddPCCD"), QStringLiteral("ID_Catalog_AddDVD"),
-        QStringLiteral("ID_AddCD"), QStringLiteral("ID_QuickADNewCD"), QStringLiteral("ID_QuickPCNewCD"),
-        QStringLiteral("ID_QuickDVDNewCD"), QStringLiteral("ID_QuickPCCatalog"), QStringLiteral("ID_QuickDVDCatalog"),
+        QStringLiteral("ID_Catalog_AudioCD"),
+        QStringLiteral("ID_Catalog_PCCD"),
+        QStringLiteral("ID_Catalog_DVD"),
+        QStringLiteral("ID_Catalog_ChangeNumber"),
+        QStringLiteral("ID_QuickADCatalog"),
+        QStringLiteral("ID_Catalog_AddAudioCD"),
+        QStringLiteral("ID_Catalog_AddPCCD"),
+        QStringLiteral("ID_Catalog_AddDVD"),
+        QStringLiteral("ID_AddCD"),
+        QStringLiteral("ID_QuickADNewCD"),
+        QStringLiteral("ID_QuickPCNewCD"),
+        QStringLiteral("ID_QuickDVDNewCD"),
+        QStringLiteral("ID_QuickPCCatalog"),
+        QStringLiteral("ID_QuickDVDCatalog"),
     };
     return live.contains(toolId);
 }
@@ -112,14 +133,29 @@ bool isLiveCommand(const QString& toolId)
 const QStringList& localOnlyCommands()
 {
     static const QStringList commands = {
-        QStringLiteral("ID_Catalog_AddCD"),   QStringLiteral("ID_AddCD"),         QStringLiteral("ID_Catalog_ChangeNumber"),
-        QStringLiteral("ID_Catalog_ChangeCategory"), QStringLiteral("ID_DB_Save"), QStringLiteral("ID_DB_Wizard"),
-        QStringLiteral("ID_DB_Search"),       QStringLiteral("ID_DB_Import"),     QStringLiteral("ID_DB_ExportDB"),
-        QStringLiteral("ID_DB_DefaultCDDVDROM"), QStringLiteral("ID_Due"),        QStringLiteral("ID_Due_List"),
-        QStringLiteral("ID_Due_Stat"),        QStringLiteral("ID_Due_DiskHistory"), QStringLiteral("ID_Due_Admin"),
-        QStringLiteral("ID_QuickADFind"),     QStringLiteral("ID_QuickADNewCD"),  QStringLiteral("ID_QuickADNewDue"),
-        QStringLiteral("ID_QuickPCFind"),     QStringLiteral("ID_QuickPCNewCD"),  QStringLiteral("ID_QuickPCNewDue"),
-        QStringLiteral("ID_QuickDVDNewCD"),   QStringLiteral("ID_QuickDVDNewDue"),
+        QStringLiteral("ID_Catalog_AddCD"),
+        QStringLiteral("ID_AddCD"),
+        QStringLiteral("ID_Catalog_ChangeNumber"),
+        QStringLiteral("ID_Catalog_ChangeCategory"),
+        QStringLiteral("ID_DB_Save"),
+        QStringLiteral("ID_DB_Wizard"),
+        QStringLiteral("ID_DB_Search"),
+        QStringLiteral("ID_DB_Import"),
+        QStringLiteral("ID_DB_ExportDB"),
+        QStringLiteral("ID_DB_DefaultCDDVDROM"),
+        QStringLiteral("ID_Due"),
+        QStringLiteral("ID_Due_List"),
+        QStringLiteral("ID_Due_Stat"),
+        QStringLiteral("ID_Due_DiskHistory"),
+        QStringLiteral("ID_Due_Admin"),
+        QStringLiteral("ID_QuickADFind"),
+        QStringLiteral("ID_QuickADNewCD"),
+        QStringLiteral("ID_QuickADNewDue"),
+        QStringLiteral("ID_QuickPCFind"),
+        QStringLiteral("ID_QuickPCNewCD"),
+        QStringLiteral("ID_QuickPCNewDue"),
+        QStringLiteral("ID_QuickDVDNewCD"),
+        QStringLiteral("ID_QuickDVDNewDue"),
     };
     return commands;
 }

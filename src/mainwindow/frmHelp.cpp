@@ -16,8 +16,8 @@ namespace vinora {
 
 QString shippedFile(const QString& relativePath)
 {
-    const QString installed =
-        QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../share/vinora/") + relativePath);
+    const QString installed = QDir(QCoreApplication::applicationDirPath())
+                                  .filePath(QStringLiteral("../share/vinora/") + relativePath);
     if (QFileInfo::exists(installed)) {
         return QFileInfo(installed).absoluteFilePath();
     }
@@ -43,13 +43,14 @@ frmHelp::frmHelp(AppContext& ctx, QWidget* parent) : QDialog(parent)
     version->setAlignment(Qt::AlignCenter);
     layout->addWidget(version);
     const auto link = [&](const char* name, const QString& text, const QUrl& target) {
-        auto* label = new QLabel(QStringLiteral("<a href=\"%1\">%2</a>").arg(target.toString(QUrl::FullyEncoded),
-                                                                            text.toHtmlEscaped()),
+        auto* label = new QLabel(QStringLiteral("<a href=\"%1\">%2</a>")
+                                     .arg(target.toString(QUrl::FullyEncoded), text.toHtmlEscaped()),
                                  this);
         label->setObjectName(QString::fromLatin1(name));
         label->setAlignment(Qt::AlignCenter);
         label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-        connect(label, &QLabel::linkActivated, this, [&ctx](const QString& url) { ctx.prompter().openUrl(QUrl(url)); });
+        connect(label, &QLabel::linkActivated, this,
+                [&ctx](const QString& url) { ctx.prompter().openUrl(QUrl(url)); });
         layout->addWidget(label);
     };
     const QString mail = QString::fromUtf8(kSupportAddress);

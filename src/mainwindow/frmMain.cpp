@@ -1,14 +1,14 @@
 #include "mainwindow/frmMain.h"
 
+#include "catalogue/Numbering.h"
+#include "catalogue/frmAddCD.h"
+#include "catalogue/frmCatalogue.h"
+#include "catalogue/frmChangeNumber.h"
+#include "catalogue/frmSelectCD.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/ProgramInfo.h"
 #include "frame/WindowPlacement.h"
-#include "catalogue/frmAddCD.h"
-#include "catalogue/Numbering.h"
-#include "catalogue/frmCatalogue.h"
-#include "catalogue/frmSelectCD.h"
-#include "catalogue/frmChangeNumber.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/DashboardPictures.h"
 #include "mainwindow/MainCommands.h"
@@ -119,7 +119,7 @@ QString frmMain::datePanelText(const QDate& date)
 void frmMain::buildMenusAndToolbars()
 {
     for (const MainMenu& entry : mainMenus()) {
-        QMenu* menu = entry.popup            ? new QMenu(entry.text, this)
+        QMenu* menu = entry.popup                ? new QMenu(entry.text, this)
                       : entry.parentId.isEmpty() ? menuBar()->addMenu(entry.text)
                                                  : m_menus.value(entry.parentId)->addMenu(entry.text);
         menu->setObjectName(entry.id);
@@ -151,8 +151,9 @@ void frmMain::buildMenusAndToolbars()
         m_actions.insert(command.id, act);
     }
     // The add button opens the three add commands from its arrow.
-    if (auto* addButton = qobject_cast<QToolButton*>(toolbars.value(QStringLiteral("Каталоги"))
-                                                         ->widgetForAction(m_actions.value(QStringLiteral("ID_AddCD"))))) {
+    if (auto* addButton =
+            qobject_cast<QToolButton*>(toolbars.value(QStringLiteral("Каталоги"))
+                                           ->widgetForAction(m_actions.value(QStringLiteral("ID_AddCD"))))) {
         addButton->setMenu(m_menus.value(QStringLiteral("ID_Catalog_AddCD")));
         addButton->setPopupMode(QToolButton::MenuButtonPopup);
     }
@@ -220,8 +221,9 @@ void frmMain::buildCentralArea()
     m_listBar = new QToolBox(central);
     m_listBar->setObjectName(QStringLiteral("SSListBar"));
     m_listBar->setFixedWidth(190);
-    addListBarGroup(QStringLiteral("1"), QStringLiteral("Каталоги"),
-                    {QStringLiteral("Аудио диски"), QStringLiteral("Компьютерные диски"), QStringLiteral("DVD диски")});
+    addListBarGroup(
+        QStringLiteral("1"), QStringLiteral("Каталоги"),
+        {QStringLiteral("Аудио диски"), QStringLiteral("Компьютерные диски"), QStringLiteral("DVD диски")});
     row->addWidget(m_listBar);
 
     auto* dashboard = new QWidget(central);
@@ -250,18 +252,22 @@ QWidget* frmMain::buildCategoryBlock(Category category)
     b.logo = new ClickableLabel(frame);
     b.logo->setObjectName(name("imgLogo", names.logo));
     b.logo->setPixmap(logoPicture(category, false));
-    connect(b.logo, &ClickableLabel::pressed, this, [this, category](const QPoint& at) { showQuickMenu(category, at); });
-    connect(b.logo, &ClickableLabel::hovered, this,
-            [this, category](bool inside) { block(category).logo->setPixmap(logoPicture(category, inside)); });
+    connect(b.logo, &ClickableLabel::pressed, this,
+            [this, category](const QPoint& at) { showQuickMenu(category, at); });
+    connect(b.logo, &ClickableLabel::hovered, this, [this, category](bool inside) {
+        block(category).logo->setPixmap(logoPicture(category, inside));
+    });
     grid->addWidget(b.logo, 0, 0, 3, 1, Qt::AlignTop);
 
     // Fixed columns, so that the three blocks line up.
     const auto addValue = [&](int rowIndex, const QString& caption, const QString& objectName) {
         auto* captionLabel = new QLabel(caption, frame);
-        captionLabel->setMinimumWidth(captionLabel->fontMetrics().horizontalAdvance(QStringLiteral("Последнее изменение: ")));
+        captionLabel->setMinimumWidth(
+            captionLabel->fontMetrics().horizontalAdvance(QStringLiteral("Последнее изменение: ")));
         grid->addWidget(captionLabel, rowIndex, 1);
         auto* value = new QLabel(QStringLiteral("-"), frame);
-        value->setMinimumWidth(value->fontMetrics().horizontalAdvance(QStringLiteral("30 сентября 2026 г. ")) + 8);
+        value->setMinimumWidth(
+            value->fontMetrics().horizontalAdvance(QStringLiteral("30 сентября 2026 г. ")) + 8);
         value->setObjectName(objectName);
         QFont bold = value->font();
         bold.setBold(true);
@@ -340,8 +346,8 @@ QString frmMain::toolbarLayoutPath() const
 
 QTimer& frmMain::timer(const QString& timerName)
 {
-    return timerName == u"tmrCheckCD" ? m_tmrCheckCD
-           : timerName == u"tmrNewCD" ? m_tmrNewCD
+    return timerName == u"tmrCheckCD"   ? m_tmrCheckCD
+           : timerName == u"tmrNewCD"   ? m_tmrNewCD
            : timerName == u"tmrFindDue" ? m_tmrFindDue
                                         : m_tmrTime;
 }
@@ -477,8 +483,8 @@ bool frmMain::Form_Unload()
         }
         const int state = isMinimized() ? 1 : isMaximized() ? 2 : 0;
         const QRect place = geometry();
-        SaveWinPos(m_ctx.ini(), state, x() * kTwipsPerPixel, y() * kTwipsPerPixel, place.height() * kTwipsPerPixel,
-                   place.width() * kTwipsPerPixel);
+        SaveWinPos(m_ctx.ini(), state, x() * kTwipsPerPixel, y() * kTwipsPerPixel,
+                   place.height() * kTwipsPerPixel, place.width() * kTwipsPerPixel);
         CompactDB();
         return true;
     });
@@ -499,467 +505,6 @@ void frmMain::CompactDB()
         WaitCursor hourglass;
         compactDatabases(m_ctx);
     });
-}
-
-// ======================================================================================
-// Dashboard
-// ======================================================================================
-
-void frmMain::LoadData()
-{
-    DashboardData data;
-    {
-        WaitCursor hourglass;
-        const std::unique_ptr<Db> db = openMainDatabaseForRefresh(m_ctx);
-        data = underFaultHandler(m_ctx, QStringLiteral("frmMain, LoadData()"), [&] { return readDashboard(*db); });
-    }
-    for (const Category category : allCategories()) {
-        const CatalogueSummary& summary = data[static_cast<std::size_t>(category)];
-        CategoryBlock& b = block(category);
-        b.discs->setText(QString::number(summary.discs));
-        b.updated->setText(updateDateText(summary.updated));
-        b.onLoan->setText(QString::number(summary.onLoan));
-    }
-    ConfigureTimers();
-    CheckDue();
-    CheckCD();
-}
-
-void frmMain::ConfigureTimers()
-{
-    const auto configure = [this](const char* key, QTimer& timer) {
-        const QString value = m_ctx.ini().read(kOption, QString::fromLatin1(key), 5);
-        if (value.isEmpty()) {
-            return;
-        }
-        const double number = m_ctx.ini().number(kOption, QString::fromLatin1(key), 5);
-        timer.setInterval(number == 1 ? 1 : std::max(1, static_cast<int>(number / 10)));
-    };
-    configure("tmrDue", m_tmrFindDue);
-    configure("tmrCD", m_tmrNewCD);
-}
-
-void frmMain::CheckDue()
-{
-    m_tmrFindDue.stop();
-    for (const Category category : allCategories()) {
-        CategoryBlock& b = block(category);
-        b.due = false;
-        b.dueFrame->hide();
-        b.dueCount->setText(QStringLiteral("0"));
-    }
-    const QString check = m_ctx.ini().read(kOption, QStringLiteral("CheckDueOnStartup"), 2);
-    if (!check.isEmpty() && m_ctx.ini().number(kOption, QStringLiteral("CheckDueOnStartup"), 2) == 0) {
-        return;
-    }
-    underFaultHandler(m_ctx, QStringLiteral("frmMain, CheckDue()"), [this] {
-        Db db(m_ctx.MainDBPath);
-        DashboardData data;
-        countOverdue(db, m_ctx.clock().today(), data);
-        for (const Category category : allCategories()) {
-            const int overdue = data[static_cast<std::size_t>(category)].overdue;
-            if (overdue > 0) {
-                block(category).due = true;
-                block(category).dueCount->setText(QString::number(overdue));
-                m_tmrFindDue.start();
-            }
-        }
-    });
-}
-
-void frmMain::CheckCD()
-{
-    m_lastDriveDiscID.clear();
-    ResetDiscSigns();
-    m_statusPanels[2]->clear();
-    const QString setting = m_ctx.ini().read(kOption, QStringLiteral("CheckCD"), 2);
-    if (setting.isEmpty()) {
-        // Watching as designed: on, unless an external database is on view.
-        if (!m_ctx.ExternalDBOpen) {
-            m_tmrCheckCD.start();
-        }
-        return;
-    }
-    if (m_ctx.ini().number(kOption, QStringLiteral("CheckCD"), 2) == 1) {
-        m_tmrCheckCD.start();
-    } else {
-        m_tmrCheckCD.stop();
-        m_tmrNewCD.stop();
-    }
-}
-
-void frmMain::tmrFindDue_Timer()
-{
-    for (const Category category : allCategories()) {
-        CategoryBlock& b = block(category);
-        if (!b.due) {
-            continue;
-        }
-        b.dueFrame->setVisible(m_tmrFindDue.interval() == 1 || b.dueFrame->isHidden());
-    }
-}
-
-void frmMain::tmrTime_Timer()
-{
-    m_timeShowsDate = !m_timeShowsDate;
-    m_statusPanels[3]->setText(m_timeShowsDate ? datePanelText(m_ctx.clock().today())
-                                               : m_ctx.clock().now().toString(QStringLiteral("hh:mm")));
-}
-
-// ======================================================================================
-// Drive watch
-// ======================================================================================
-
-void frmMain::ResetDiscSigns()
-{
-    for (const Category category : allCategories()) {
-        CategoryBlock& b = block(category);
-        b.blink = false;
-        b.newSign->hide();
-        b.newLabel->hide();
-        b.newSign->setPixmap(discPicture(DiscPicture::Unknown));
-        b.newLabel->setText(unknownDiscText());
-        b.shareLink->setText(QStringLiteral("Привязать"));
-        b.shareLink->hide();
-        b.shareSign->hide();
-    }
-}
-
-void frmMain::tmrCheckCD_Timer()
-{
-    // One query at a time: a slow drive skips ticks rather than piling them up.
-    if (m_volumeQuery.isRunning() || QApplication::activeModalWidget() != nullptr) {
-        return;
-    }
-    const QString drive = m_ctx.ini().read(kOption, QStringLiteral("Drive"), 4096).trimmed();
-    if (drive.isEmpty()) {
-        return;
-    }
-    m_queriedDrive = drive;
-    m_volumeQuery.setFuture(QtConcurrent::run([drive] { return readVolumeInfo(drive); }));
-}
-
-void frmMain::volumeQueryFinished()
-{
-    if (m_ctx.ExternalDBOpen || !m_tmrCheckCD.isActive()) {
-        return; // the watch was stopped while the drive was asked
-    }
-    underFaultHandler(m_ctx, QStringLiteral("frmMain, tmrCheckCD_Timer()"), [this] {
-        const VolumeInfo volume = m_volumeQuery.result();
-        const QString kind = kindOfVolume(m_ctx, volume, frmSelectCategory::chooser(m_ctx, this));
-        const std::optional<Category> category = categoryOfKind(kind);
-        if (!category) {
-            m_lastDriveDiscID.clear();
-            ResetDiscSigns();
-            setStatusPicture(3, discPicture(DiscPicture::NoDisc, 16));
-            return;
-        }
-        if (*category != Category::Audio) {
-            setStatusPicture(3, discPicture(DiscPicture::Present, 16));
-        }
-        m_driveDiscID = SerialToID(volume.serial);
-        m_ctx.LastDiscKind = kind;
-        if (m_driveDiscID == m_lastDriveDiscID) {
-            return;
-        }
-        m_lastDriveDiscID = m_driveDiscID;
-        if (m_driveDiscID.isEmpty()) {
-            return;
-        }
-        showDiscInDrive(*category, m_driveDiscID);
-    });
-}
-
-void frmMain::showDiscInDrive(Category category, const QString& id)
-{
-    if (category == Category::Audio) {
-        setStatusPicture(3, discPicture(DiscPicture::Present, 16));
-    }
-    std::optional<BoundDisc> bound;
-    {
-        Db db(m_ctx.MainDBPath);
-        bound = findBoundDisc(db, category, id);
-    }
-    CategoryBlock& b = block(category);
-    b.blink = true;
-    if (bound) {
-        b.shareSign->show();
-        b.shareLink->setText(QStringLiteral("Удалить привязку"));
-        b.shareLink->setStyleSheet(QStringLiteral("color: #d32f2f; text-decoration: underline;"));
-        b.shareLink->setEnabled(true);
-        b.shareLink->show();
-        m_tmrNewCD.start();
-        for (const Category other : allCategories()) {
-            if (other != category) {
-                block(other).newSign->hide();
-                block(other).newLabel->hide();
-            }
-        }
-        b.newSign->setPixmap(discPicture(DiscPicture::Known));
-        b.newSign->show();
-        b.newLabel->show();
-        b.newLabel->setText(boundDiscText(*bound));
-        return;
-    }
-    b.newSign->setPixmap(discPicture(DiscPicture::Unknown));
-    if (b.discs->text() != u"0") {
-        b.shareSign->show();
-        b.shareLink->setText(QStringLiteral("Привязать"));
-        b.shareLink->setStyleSheet(QStringLiteral("color: #3d7ad6; text-decoration: underline;"));
-        b.shareLink->setEnabled(true);
-        b.shareLink->show();
-    }
-    m_tmrNewCD.start();
-}
-
-void frmMain::tmrNewCD_Timer()
-{
-    for (const Category category : allCategories()) {
-        CategoryBlock& b = block(category);
-        if (!b.blink) {
-            continue;
-        }
-        if (m_tmrNewCD.interval() == 1) {
-            b.newSign->show();
-            b.newLabel->show();
-            return;
-        }
-        const bool show = b.newSign->isHidden();
-        b.newSign->setVisible(show);
-        b.newLabel->setVisible(show);
-    }
-}
-
-void frmMain::bindDiscInDrive(Category category, const QString& drive)
-{
-    m_ctx.CatalogueQueryFilter = QStringLiteral("full") + categoryInfo(category).code;
-    {
-        frmSelectCD picker(m_ctx, this);
-        m_ctx.prompter().showModal(picker);
-    }
-    m_ctx.CatalogueQueryFilter.clear();
-    if (m_ctx.PickedDisc.isEmpty()) {
-        return;
-    }
-    const int number = m_ctx.PickedDisc.chopped(2).toInt();
-    const int slot = m_ctx.PickedDisc.right(1).toInt();
-    static const char* const places[] = {"frmMain, lblShareAD_Click()", "frmMain, lblSharePC_Click()",
-                                         "frmMain, lblShareDVD_Click()"};
-    underFaultHandler(m_ctx, QString::fromLatin1(places[static_cast<int>(category)]), [&] {
-        const QString id = GetDiskID(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this));
-        const Db db(m_ctx.MainDBPath);
-        const QString numberText = QString::number(number);
-        if (!bindingAt(db, category, number, slot).isEmpty()) {
-            m_ctx.prompter().message(QStringLiteral("Диск № ") + numberText +
-                                         QStringLiteral(" уже привязан к другому номеру диска!"),
-                                     MessageStyle::Exclamation);
-        }
-        if (const std::optional<int> holder = CheckDiskShare(db, category, id)) {
-            m_ctx.prompter().message(QStringLiteral("Этот диск уже привязан к №") + QString::number(*holder) + u'!',
-                                     MessageStyle::Exclamation);
-            return;
-        }
-        const QString where = numberText + QStringLiteral(" (CD") + QString::number(slot) + u')';
-        if (m_ctx.prompter().message(QStringLiteral("Установить привязку на диск №") + where + QStringLiteral(":\n") +
-                                         discTitle(db, catalogueKind(category), number).value_or(QString()) + u'?',
-                                     MessageStyle::YesNo) == Answer::Yes) {
-            bindDisc(db, category, number, slot, id);
-            m_ctx.prompter().message(QStringLiteral("Привязка успешно установлена на диск №") + where,
-                                     MessageStyle::Information);
-        }
-    });
-    m_ctx.PickedDisc.clear();
-    LoadData();
-}
-
-void frmMain::shareLinkClicked(Category category)
-{
-    const QString drive = m_ctx.ini().read(kOption, QStringLiteral("Drive"), 4096).trimmed();
-    if (drive.isEmpty()) {
-        return;
-    }
-    if (block(category).shareLink->text() == u"Привязать") {
-        bindDiscInDrive(category, drive);
-        return;
-    }
-    if (block(category).shareLink->text() != u"Удалить привязку") {
-        return;
-    }
-    const Answer answer = m_ctx.prompter().message(QStringLiteral("Вы уверены, что хотите удалить привязку с этого диска?"),
-                                                   MessageStyle::YesNo);
-    if (answer != Answer::Yes) {
-        return;
-    }
-    static const char* const places[] = {"frmMain, lblShareAD_Click()", "frmMain, lblSharePC_Click()",
-                                         "frmMain, lblShareDVD_Click()"};
-    underFaultHandler(m_ctx, QString::fromLatin1(places[static_cast<int>(category)]), [&] {
-        const QString id = GetDiskID(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this));
-        Db db(m_ctx.MainDBPath);
-        unbindDisc(db, category, id);
-    });
-    LoadData();
-}
-
-void frmMain::LoadDefaultCD()
-{
-    m_loadingDrives = true;
-    m_driveSelector->clear();
-    const QStringList drives = GetCDDrives(m_ctx.ini());
-    for (const QString& drive : drives) {
-        // Images are shown by their file name; the path goes with the item.
-        m_driveSelector->addItem(QFileInfo(drive).isFile() ? QFileInfo(drive).fileName() : drive, drive);
-        m_driveSelector->setItemData(m_driveSelector->count() - 1, drive, Qt::ToolTipRole);
-    }
-    m_driveSelector->setEnabled(!drives.isEmpty() && !m_ctx.ExternalDBOpen);
-    const QString chosen = chosenDrive(m_ctx.ini(), drives);
-    m_driveSelector->setCurrentIndex(static_cast<int>(drives.indexOf(chosen)));
-    m_loadingDrives = false;
-}
-
-void frmMain::driveChosen(int index)
-{
-    if (m_loadingDrives || index < 0) {
-        return;
-    }
-    ResetDiscSigns();
-    setChosenDrive(m_ctx.ini(), m_driveSelector->itemData(index).toString());
-    CheckCD();
-}
-
-void frmMain::addDiskImage()
-{
-    const QString image = m_ctx.prompter().openFile(
-        QStringLiteral("Образ диска"),
-        QStringLiteral("Образы дисков (*.iso;*.cue;*.nrg;*.toc;*.img)|*.iso;*.cue;*.nrg;*.toc;*.img|Все файлы (*.*)|*.*"),
-        QString());
-    if (image.isEmpty()) {
-        return;
-    }
-    addVirtualDrive(m_ctx.ini(), image);
-    setChosenDrive(m_ctx.ini(), image);
-    LoadDefaultCD();
-    CheckCD();
-}
-
-void frmMain::removeDiskImage()
-{
-    const QString drive = m_driveSelector->currentData().toString();
-    if (!virtualDrives(m_ctx.ini()).contains(drive)) {
-        m_ctx.prompter().message(QStringLiteral("Выбранное устройство не является образом диска."),
-                                 MessageStyle::Exclamation);
-        return;
-    }
-    removeVirtualDrive(m_ctx.ini(), drive);
-    LoadDefaultCD();
-    setChosenDrive(m_ctx.ini(), m_driveSelector->currentData().toString());
-    CheckCD();
-}
-
-void frmMain::changeCategory()
-{
-    m_tmrCheckCD.stop();
-    const bool restart = underFaultHandler(m_ctx, QStringLiteral("frmMain, mnuChangeCategory()"), [this] {
-        return ChangeDiscCategory(m_ctx, m_driveSelector->currentData().toString(),
-                                  frmSelectCategory::chooser(m_ctx, this));
-    });
-    if (restart) {
-        m_tmrCheckCD.start();
-        CheckCD();
-    }
-}
-
-// ======================================================================================
-// Database set
-// ======================================================================================
-
-void frmMain::OpenExternalDB()
-{
-    const QString path = m_ctx.prompter().openFile(
-        QStringLiteral("Открытие базы данных vinora"),
-        QStringLiteral("База данных vinora (*.db)|*.db|Все файлы (*.*)|*.*"), QString());
-    if (path.isEmpty()) {
-        return;
-    }
-    const QString fileName = QFileInfo(path).fileName();
-    if (path.toLower() == m_ctx.MainDBPath.toLower()) {
-        m_ctx.prompter().message(QStringLiteral("База данных '") + fileName + QStringLiteral("' уже открыта."),
-                                 MessageStyle::Information);
-        return;
-    }
-    if (path.toLower() == m_ctx.appFile(QStringLiteral("vinora.db")).toLower()) {
-        if (m_ctx.prompter().message(QStringLiteral("Открыть локальную базу данных?"), MessageStyle::YesNoQuestion) ==
-            Answer::Yes) {
-            OpenLocalDB();
-        }
-        return;
-    }
-    try {
-        WaitCursor hourglass;
-        m_ctx.MainDBPath = path;
-        Db db(path);
-        const int audio = db.scalar(QStringLiteral("SELECT COUNT(*) FROM Аудио")).toInt();
-        const int computer = db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер")).toInt();
-        block(Category::Audio).discs->setText(QString::number(audio));
-        block(Category::Computer).discs->setText(QString::number(computer));
-        block(Category::Audio).updated->setText(updateDateText(readStamp(db, QStringLiteral("ПослОбновлАудио"))));
-        block(Category::Computer).updated->setText(updateDateText(readStamp(db, QStringLiteral("ПослОбновлКомпьютер"))));
-    } catch (const AppError&) {
-        m_ctx.prompter().message(QStringLiteral("ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или "
-                                                "имеет не верный формат."),
-                                 MessageStyle::Stop);
-        OpenLocalDB();
-        return;
-    }
-    m_statusPanels[0]->setText(QStringLiteral("База данных - внешняя (файл: '") + fileName + QStringLiteral("')"));
-    m_ctx.ExternalDBOpen = true;
-    block(Category::Audio).onLoan->setText(QStringLiteral("-"));
-    block(Category::Computer).onLoan->setText(QStringLiteral("-"));
-    setStatusPicture(2, externalModePicture());
-    for (const char* id : {"ID_Catalog_AudioCD", "ID_Catalog_PCCD", "ID_DB_OpenLocal"}) {
-        setToolEnabled(QString::fromLatin1(id), true);
-    }
-    for (const QString& id : localOnlyCommands()) {
-        setToolEnabled(id, false);
-    }
-    for (const char* key : {"g4", "g3", "g2"}) {
-        if (auto* group = m_listBar->findChild<QListWidget*>(QString::fromLatin1(key))) {
-            m_listBar->removeItem(m_listBar->indexOf(group));
-            group->deleteLater();
-            group->setObjectName(QString());
-        }
-    }
-    m_tmrFindDue.stop();
-    m_tmrCheckCD.stop();
-    m_tmrNewCD.stop();
-    m_lastDriveDiscID.clear();
-    for (const Category category : allCategories()) {
-        block(category).dueFrame->hide();
-        block(category).due = false;
-    }
-    ResetDiscSigns();
-}
-
-void frmMain::OpenLocalDB()
-{
-    m_ctx.resolveDatabasePaths();
-    for (const QString& path : {m_ctx.MainDBPath, m_ctx.FilesDBPath, m_ctx.TracksDBPath}) {
-        if (!QFileInfo::exists(path)) {
-            m_ctx.prompter().message(QStringLiteral("ОШИБКА.\n\nФайл базы данных не найден. Запуск программы невозможен."),
-                                     MessageStyle::Stop);
-            m_ctx.endProcess(0);
-        }
-    }
-    m_ctx.ExternalDBOpen = false;
-    LoadData();
-    m_statusPanels[0]->setText(QStringLiteral("База данных - локальная"));
-    m_statusPanels[1]->clear();
-    for (const QString& id : localOnlyCommands()) {
-        setToolEnabled(id, true);
-    }
-    setToolEnabled(QStringLiteral("ID_DB_OpenLocal"), false);
-    m_driveSelector->setEnabled(m_driveSelector->count() > 0);
-    AddListbars();
-    loadShortcuts();
 }
 
 // ======================================================================================
@@ -993,9 +538,11 @@ void frmMain::runCommand(const QString& toolId)
     } else if (toolId == u"ID_DB_OpenLocal") {
         OpenLocalDB();
     } else if (toolId == u"ID_Help_Info") {
-        openHelpFile(shippedFile(QStringLiteral("readme.txt")), QStringLiteral("Файл 'readme.txt' не найден!"));
+        openHelpFile(shippedFile(QStringLiteral("readme.txt")),
+                     QStringLiteral("Файл 'readme.txt' не найден!"));
     } else if (toolId == u"ID_Help_Index") {
-        openHelpFile(shippedFile(QStringLiteral("help/О программе.htm")), QStringLiteral("Файл справки не найден!"));
+        openHelpFile(shippedFile(QStringLiteral("help/О программе.htm")),
+                     QStringLiteral("Файл справки не найден!"));
     } else if (toolId == u"ID_Help_About") {
         frmHelp about(m_ctx, this);
         m_ctx.prompter().showModal(about);
@@ -1003,8 +550,8 @@ void frmMain::runCommand(const QString& toolId)
         changeCategory();
     } else if (toolId == u"ID_AddCD") {
         const bool present = m_ctx.ini().has(QStringLiteral("Toolbars"), QStringLiteral("LastAction"), 5);
-        const QString add = lastAddCommand(m_ctx.ini().read(QStringLiteral("Toolbars"), QStringLiteral("LastAction"), 5),
-                                           present);
+        const QString add = lastAddCommand(
+            m_ctx.ini().read(QStringLiteral("Toolbars"), QStringLiteral("LastAction"), 5), present);
         if (!present) {
             addDisc(Category::Audio, false);
         } else if (!add.isEmpty() && m_actions.value(add)->isEnabled()) {
@@ -1056,8 +603,8 @@ void frmMain::AddListbars()
         return;
     }
     addListBarGroup(QStringLiteral("g2"), QStringLiteral("Должники"),
-                    {QStringLiteral("Список должников"), QStringLiteral("История дисков"), QStringLiteral("Статистика"),
-                     QStringLiteral("Управление должниками")});
+                    {QStringLiteral("Список должников"), QStringLiteral("История дисков"),
+                     QStringLiteral("Статистика"), QStringLiteral("Управление должниками")});
     addListBarGroup(QStringLiteral("g3"), QStringLiteral("База данных"),
                     {QStringLiteral("Мастер обслуживания"), QStringLiteral("Поиск")});
     addListBarGroup(QStringLiteral("g4"), QStringLiteral("Запрос"), {});
@@ -1099,9 +646,9 @@ void frmMain::deleteShortcut(const QString& shortcut)
     if (shortcut.isEmpty()) {
         return;
     }
-    const Answer answer = m_ctx.prompter().message(
-        QStringLiteral("Вы дейсвительно хотите удалить ярлык '") + shortcut + QStringLiteral("'?"),
-        MessageStyle::YesNoQuestion);
+    const Answer answer = m_ctx.prompter().message(QStringLiteral("Вы дейсвительно хотите удалить ярлык '") +
+                                                       shortcut + QStringLiteral("'?"),
+                                                   MessageStyle::YesNoQuestion);
     if (answer != Answer::Yes) {
         return;
     }
@@ -1117,7 +664,8 @@ void frmMain::listBarItemClicked(const QString& groupKey, const QString& text)
     if (groupKey == u"g4") {
         const std::optional<ShortcutQuery> query = shortcutQuery(m_ctx.queryIni(), text);
         if (!query) {
-            m_ctx.prompter().message(QStringLiteral("Запрос с именем '") + text + QStringLiteral("' ее найден!"),
+            m_ctx.prompter().message(QStringLiteral("Запрос с именем '") + text +
+                                         QStringLiteral("' ее найден!"),
                                      MessageStyle::Exclamation);
             return;
         }

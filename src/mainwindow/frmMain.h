@@ -7,7 +7,6 @@
 #include <QHash>
 #include <QMainWindow>
 #include <QTimer>
-
 #include <array>
 
 class QComboBox;
@@ -139,7 +138,6 @@ private:
     bool m_timeShowsDate = true;
     QString m_driveDiscID;
     QString m_lastDriveDiscID;
-    QString m_queriedDrive;
     QFutureWatcher<VolumeInfo> m_volumeQuery;
     bool m_loadingDrives = false;
     QString m_shortcutUnderMouse;

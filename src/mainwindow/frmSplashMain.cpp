@@ -24,7 +24,8 @@ frmSplashMain::frmSplashMain(QWidget* parent) : QWidget(parent, Qt::SplashScreen
 
 QString frmSplashMain::labelText()
 {
-    return programBuildText() + QStringLiteral("\nКаталог аудио, компьютерных и DVD дисков\nСвободная программа для Linux");
+    return programBuildText() +
+           QStringLiteral("\nКаталог аудио, компьютерных и DVD дисков\nСвободная программа для Linux");
 }
 
 void frmSplashMain::showAndPaint()

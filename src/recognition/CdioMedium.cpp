@@ -1,7 +1,6 @@
 #include "recognition/CdioMedium.h"
 
 #include <QFile>
-
 #include <cdio/cdio.h>
 #include <cdio/logging.h>
 #include <cdio/read.h>

@@ -10,7 +10,9 @@ constexpr int kSkipBuffer = 15;
 
 QString categoryOf(const QString& kind)
 {
-    return kind == u"AudioCD" ? QStringLiteral("AD") : kind == u"PcCD" ? QStringLiteral("PC") : QStringLiteral("DVD");
+    return kind == u"AudioCD" ? QStringLiteral("AD")
+           : kind == u"PcCD"  ? QStringLiteral("PC")
+                              : QStringLiteral("DVD");
 }
 
 } // namespace
@@ -83,7 +85,8 @@ QString AskCategory(AppContext& ctx, const QString& id, const CategoryChooser& c
             return kind;
         }
         const Answer answer = ctx.prompter().message(
-            QStringLiteral("Вы не указали категорию диска, он не будет привязан не к одной из категорий. Продолжить?"),
+            QStringLiteral(
+                "Вы не указали категорию диска, он не будет привязан не к одной из категорий. Продолжить?"),
             MessageStyle::YesNo);
         if (answer == Answer::Yes) {
             ctx.skipIni().write(kSection, id, QStringLiteral("n/a"));
@@ -103,7 +106,8 @@ QString kindOfVolume(AppContext& ctx, const VolumeInfo& info, const CategoryChoo
     return info.ok ? kind : QString();
 }
 
-QString GetDiskIDcheck(AppContext& ctx, const QString& drive, const CategoryChooser& chooser, VolumeInfo* volume)
+QString GetDiskIDcheck(AppContext& ctx, const QString& drive, const CategoryChooser& chooser,
+                       VolumeInfo* volume)
 {
     const VolumeInfo info = readVolumeInfo(drive);
     if (volume) {
@@ -122,15 +126,17 @@ QString GetDiskID(AppContext& ctx, const QString& drive, const CategoryChooser& 
 bool ChangeDiscCategory(AppContext& ctx, const QString& drive, const CategoryChooser& chooser)
 {
     const Answer answer = ctx.prompter().message(
-        QStringLiteral("Используйте эту функцию для корректировки принадлежности диска к какой-либо категории при "
-                       "невозможности определить ее верно в автоматическом режиме! Продолжить?"),
+        QStringLiteral(
+            "Используйте эту функцию для корректировки принадлежности диска к какой-либо категории при "
+            "невозможности определить ее верно в автоматическом режиме! Продолжить?"),
         MessageStyle::YesNo);
     if (answer != Answer::Yes) {
         return false;
     }
     const QString id = GetDiskID(ctx, drive, chooser);
     if (id.isEmpty()) {
-        ctx.prompter().message(QStringLiteral("В устройстве ") + drive + QStringLiteral(" компакт-диск не обнаружен!"),
+        ctx.prompter().message(QStringLiteral("В устройстве ") + drive +
+                                   QStringLiteral(" компакт-диск не обнаружен!"),
                                MessageStyle::Exclamation);
         return false;
     }

@@ -3,7 +3,6 @@
 #include "recognition/VolumeIdentity.h"
 
 #include <QString>
-
 #include <functional>
 #include <optional>
 

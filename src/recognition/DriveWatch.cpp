@@ -20,11 +20,12 @@ std::optional<BoundDisc> findBoundDisc(const Db& db, Category category, const QS
         values.append(id);
     }
     const QString album = category == Category::Audio ? QStringLiteral("Альбом") : QStringLiteral("NULL");
-    QSqlQuery row = db.query(QStringLiteral("SELECT Номер, Дисков, Название, ") + album + u',' + bindingFields.join(u',') +
-                                 QStringLiteral(" FROM ") + quoted(info.table) + QStringLiteral(" WHERE ") +
-                                 where.join(QStringLiteral(" OR ")) + QStringLiteral(" ORDER BY ") +
-                                 quoted(info.keyField) + QStringLiteral(" LIMIT 1"),
-                             values);
+    QSqlQuery row =
+        db.query(QStringLiteral("SELECT Номер, Дисков, Название, ") + album + u',' +
+                     bindingFields.join(u',') + QStringLiteral(" FROM ") + quoted(info.table) +
+                     QStringLiteral(" WHERE ") + where.join(QStringLiteral(" OR ")) +
+                     QStringLiteral(" ORDER BY ") + quoted(info.keyField) + QStringLiteral(" LIMIT 1"),
+                 values);
     if (!row.next()) {
         return std::nullopt;
     }
@@ -53,18 +54,19 @@ bool unbindDisc(const Db& db, Category category, const QString& id)
         where.append(quoted(QStringLiteral("ДискID%1_d").arg(k)) + QStringLiteral(" = ?"));
         values.append(id);
     }
-    const QVariant key = db.scalar(QStringLiteral("SELECT ") + quoted(info.keyField) + QStringLiteral(" FROM ") +
-                                       quoted(info.table) + QStringLiteral(" WHERE ") + where.join(QStringLiteral(" OR ")) +
-                                       QStringLiteral(" ORDER BY 1 LIMIT 1"),
-                                   values);
+    const QVariant key =
+        db.scalar(QStringLiteral("SELECT ") + quoted(info.keyField) + QStringLiteral(" FROM ") +
+                      quoted(info.table) + QStringLiteral(" WHERE ") + where.join(QStringLiteral(" OR ")) +
+                      QStringLiteral(" ORDER BY 1 LIMIT 1"),
+                  values);
     if (!key.isValid()) {
         return false;
     }
     for (int k = 1; k <= 6; ++k) {
         const QString field = quoted(QStringLiteral("ДискID%1_d").arg(k));
         db.exec(QStringLiteral("UPDATE ") + quoted(info.table) + QStringLiteral(" SET ") + field +
-                    QStringLiteral(" = NULL WHERE ") + quoted(info.keyField) + QStringLiteral(" = ? AND ") + field +
-                    QStringLiteral(" = ?"),
+                    QStringLiteral(" = NULL WHERE ") + quoted(info.keyField) + QStringLiteral(" = ? AND ") +
+                    field + QStringLiteral(" = ?"),
                 {key, id});
     }
     return true;
@@ -74,8 +76,8 @@ std::optional<int> CheckDiskShare(const Db& db, Category category, const QString
 {
     const CategoryInfo& info = categoryInfo(category);
     const QVariant number = db.scalar(QStringLiteral("SELECT Номер FROM ") + quoted(info.table) +
-                                          QStringLiteral(" WHERE ДискID1_d = ? ORDER BY ") + quoted(info.keyField) +
-                                          QStringLiteral(" LIMIT 1"),
+                                          QStringLiteral(" WHERE ДискID1_d = ? ORDER BY ") +
+                                          quoted(info.keyField) + QStringLiteral(" LIMIT 1"),
                                       {id});
     return number.isValid() ? std::optional<int>(number.toInt()) : std::nullopt;
 }
@@ -83,8 +85,9 @@ std::optional<int> CheckDiskShare(const Db& db, Category category, const QString
 namespace {
 QString firstRowOf(const CategoryInfo& info)
 {
-    return QStringLiteral(" WHERE ") + quoted(info.keyField) + QStringLiteral(" = (SELECT ") + quoted(info.keyField) +
-           QStringLiteral(" FROM ") + quoted(info.table) + QStringLiteral(" WHERE Номер = ? ORDER BY 1 LIMIT 1)");
+    return QStringLiteral(" WHERE ") + quoted(info.keyField) + QStringLiteral(" = (SELECT ") +
+           quoted(info.keyField) + QStringLiteral(" FROM ") + quoted(info.table) +
+           QStringLiteral(" WHERE Номер = ? ORDER BY 1 LIMIT 1)");
 }
 } // namespace
 
@@ -92,8 +95,8 @@ QString bindingAt(const Db& db, Category category, int number, int slot)
 {
     const CategoryInfo& info = categoryInfo(category);
     return db
-        .scalar(QStringLiteral("SELECT ") + quoted(QStringLiteral("ДискID%1_d").arg(slot)) + QStringLiteral(" FROM ") +
-                    quoted(info.table) + firstRowOf(info),
+        .scalar(QStringLiteral("SELECT ") + quoted(QStringLiteral("ДискID%1_d").arg(slot)) +
+                    QStringLiteral(" FROM ") + quoted(info.table) + firstRowOf(info),
                 {number})
         .toString();
 }

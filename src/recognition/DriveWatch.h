@@ -3,7 +3,6 @@
 #include "store/Category.h"
 
 #include <QString>
-
 #include <optional>
 
 namespace vinora {
@@ -15,8 +14,8 @@ struct BoundDisc
 {
     int number = 0;
     int discs = 1;
-    int slot = 1;   // the disc's place in its set: the last slot holding its identifier
-    QString title;  // Название, and " - " Альбом for an audio disc with an album
+    int slot = 1;  // the disc's place in its set: the last slot holding its identifier
+    QString title; // Название, and " - " Альбом for an audio disc with an album
 };
 
 // The first row (in key order) of the category's table with `id` in one of its bindings

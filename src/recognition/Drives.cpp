@@ -4,7 +4,6 @@
 #include "recognition/CdioMedium.h"
 
 #include <QFile>
-
 #include <cdio/cdio.h>
 
 namespace vinora {

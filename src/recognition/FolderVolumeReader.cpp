@@ -13,9 +13,11 @@ std::optional<QList<VolumeEntry>> FolderVolumeReader::list(const QString& folder
         return std::nullopt;
     }
     QList<VolumeEntry> entries;
-    const QFileInfoList infos = dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    const QFileInfoList infos =
+        dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QFileInfo& info : infos) {
-        entries.append({info.fileName(), info.isDir(), info.isDir() ? 0 : info.size(), info.fileName().startsWith(u'.')});
+        entries.append({info.fileName(), info.isDir(), info.isDir() ? 0 : info.size(),
+                        info.fileName().startsWith(u'.')});
     }
     sortEntries(entries);
     return entries;

@@ -100,7 +100,8 @@ IsoVolumeReader::IsoVolumeReader(std::unique_ptr<Medium> medium, Record root, bo
 {
 }
 
-QString IsoVolumeReader::decodeName(const unsigned char* r, int nameLength, int recordLength, bool* skip) const
+QString IsoVolumeReader::decodeName(const unsigned char* r, int nameLength, int recordLength,
+                                    bool* skip) const
 {
     const unsigned char* name = r + 33;
     if (m_joliet) {

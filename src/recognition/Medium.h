@@ -3,7 +3,6 @@
 #include "recognition/Toc.h"
 
 #include <QString>
-
 #include <array>
 #include <memory>
 

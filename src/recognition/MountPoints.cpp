@@ -39,7 +39,8 @@ QStringList loopDevicesOf(const QString& image)
 {
     QStringList devices;
     const QDir block(QStringLiteral("/sys/block"));
-    for (const QString& name : block.entryList({QStringLiteral("loop*")}, QDir::Dirs | QDir::NoDotAndDotDot)) {
+    for (const QString& name :
+         block.entryList({QStringLiteral("loop*")}, QDir::Dirs | QDir::NoDotAndDotDot)) {
         QFile backing(block.filePath(name + QStringLiteral("/loop/backing_file")));
         if (backing.open(QIODevice::ReadOnly) &&
             canonical(QString::fromUtf8(backing.readAll()).trimmed()) == image) {

@@ -6,7 +6,8 @@ namespace vinora {
 
 int Toc::audioTrackCount() const
 {
-    return static_cast<int>(std::count_if(tracks.begin(), tracks.end(), [](const TocTrack& t) { return t.audio; }));
+    return static_cast<int>(
+        std::count_if(tracks.begin(), tracks.end(), [](const TocTrack& t) { return t.audio; }));
 }
 
 qint32 Toc::trackLength(int index) const

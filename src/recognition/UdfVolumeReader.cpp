@@ -4,9 +4,7 @@
 
 #include <QFile>
 #include <QStringList>
-
 #include <cdio/udf.h>
-
 #include <functional>
 
 namespace vinora {

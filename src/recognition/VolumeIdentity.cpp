@@ -1,7 +1,6 @@
 #include "recognition/VolumeIdentity.h"
 
 #include <QtEndian>
-
 #include <cstring>
 #include <optional>
 

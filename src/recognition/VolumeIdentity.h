@@ -3,7 +3,6 @@
 #include "recognition/Medium.h"
 
 #include <QString>
-
 #include <optional>
 
 namespace vinora {
@@ -43,7 +42,7 @@ struct LaneSums
 };
 // Four 8-bit sums wrapping at 256; byte i goes into lane i mod 4.
 LaneSums laneSums(const unsigned char* bytes, int count);
-quint32 cdfsSerial(const Sector& descriptor);   // lanes 0..3 from high to low byte
+quint32 cdfsSerial(const Sector& descriptor);       // lanes 0..3 from high to low byte
 quint32 udfSerial(const Sector& fileSetDescriptor); // lanes 3..0 from high to low byte
 // The serial of an audio disc from its table of contents.
 quint32 audioTocSerial(const Toc& toc);

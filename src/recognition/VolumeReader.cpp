@@ -1,12 +1,12 @@
 #include "recognition/VolumeReader.h"
 
+#include "frame/TextRules.h"
 #include "recognition/FolderVolumeReader.h"
 #include "recognition/IsoVolumeReader.h"
 #include "recognition/Medium.h"
 #include "recognition/MountPoints.h"
 #include "recognition/UdfVolumeReader.h"
 #include "recognition/VolumeIdentity.h"
-#include "frame/TextRules.h"
 
 #include <algorithm>
 
@@ -14,8 +14,9 @@ namespace vinora {
 
 void sortEntries(QList<VolumeEntry>& entries)
 {
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const VolumeEntry& a, const VolumeEntry& b) { return compareText(a.name, b.name) < 0; });
+    std::stable_sort(entries.begin(), entries.end(), [](const VolumeEntry& a, const VolumeEntry& b) {
+        return compareText(a.name, b.name) < 0;
+    });
 }
 
 std::unique_ptr<VolumeReader> openFolderReader(const QString& root)

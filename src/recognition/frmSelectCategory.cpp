@@ -15,7 +15,8 @@ frmSelectCategory::frmSelectCategory(QWidget* parent) : QDialog(parent)
     setWindowTitle(QStringLiteral("Категория диска"));
     auto* layout = new QVBoxLayout(this);
     auto* trouble = new QLabel(
-        QStringLiteral("Обнаружен диск, точное определение категории которого не представляется возможным!"), this);
+        QStringLiteral("Обнаружен диск, точное определение категории которого не представляется возможным!"),
+        this);
     trouble->setObjectName(QStringLiteral("lblTrabl"));
     trouble->setWordWrap(true);
     auto* info = new QLabel(QStringLiteral("Укажите верную категорию:"), this);
@@ -30,17 +31,18 @@ frmSelectCategory::frmSelectCategory(QWidget* parent) : QDialog(parent)
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    for (QWidget* widget : {static_cast<QWidget*>(trouble), static_cast<QWidget*>(info),
-                            static_cast<QWidget*>(m_optAD), static_cast<QWidget*>(m_optPC),
-                            static_cast<QWidget*>(m_optDVD), static_cast<QWidget*>(buttons)}) {
+    for (QWidget* widget :
+         {static_cast<QWidget*>(trouble), static_cast<QWidget*>(info), static_cast<QWidget*>(m_optAD),
+          static_cast<QWidget*>(m_optPC), static_cast<QWidget*>(m_optDVD), static_cast<QWidget*>(buttons)}) {
         layout->addWidget(widget);
     }
 }
 
 QString frmSelectCategory::category() const
 {
-    return m_optDVD->isChecked() ? QStringLiteral("DVD") : m_optPC->isChecked() ? QStringLiteral("PC")
-                                                                                : QStringLiteral("AD");
+    return m_optDVD->isChecked()  ? QStringLiteral("DVD")
+           : m_optPC->isChecked() ? QStringLiteral("PC")
+                                  : QStringLiteral("AD");
 }
 
 void frmSelectCategory::choose(const QString& category)

@@ -8,8 +8,8 @@ const std::array<CategoryInfo, 3>& infos()
     static const std::array<CategoryInfo, 3> list = {{
         {Category::Audio, QStringLiteral("AD"), QStringLiteral("Аудио"), QStringLiteral("КодАудиоДиск"),
          QStringLiteral("ПослОбновлАудио"), QStringLiteral("ad_")},
-        {Category::Computer, QStringLiteral("PC"), QStringLiteral("Компьютер"), QStringLiteral("КодКомпьютерныйДиск"),
-         QStringLiteral("ПослОбновлКомпьютер"), QStringLiteral("pc_")},
+        {Category::Computer, QStringLiteral("PC"), QStringLiteral("Компьютер"),
+         QStringLiteral("КодКомпьютерныйДиск"), QStringLiteral("ПослОбновлКомпьютер"), QStringLiteral("pc_")},
         {Category::Dvd, QStringLiteral("DVD"), QStringLiteral("DVD"), QStringLiteral("КодDVDДиск"),
          QStringLiteral("ПослОбновлDVD"), QStringLiteral("dvd_")},
     }};

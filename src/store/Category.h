@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-
 #include <array>
 
 namespace vinora {
@@ -12,10 +11,10 @@ enum class Category { Audio, Computer, Dvd };
 struct CategoryInfo
 {
     Category category;
-    QString code;       // "AD", "PC", "DVD"
-    QString table;      // "Аудио", "Компьютер", "DVD"
-    QString keyField;   // the record key that loans refer to
-    QString stampField; // its field in _Информация
+    QString code;        // "AD", "PC", "DVD"
+    QString table;       // "Аудио", "Компьютер", "DVD"
+    QString keyField;    // the record key that loans refer to
+    QString stampField;  // its field in _Информация
     QString coverPrefix; // cover files box/<prefix><number>.box
 };
 

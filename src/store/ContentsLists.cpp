@@ -20,23 +20,30 @@ QList<FieldDef> listFields(ContentsKind kind)
         return {textField("Имя", 255), textField("Путь", 255), textField("Размер", 11),
                 textField("Комментарий", 50)};
     }
-    return {{QStringLiteral("Номер"), FieldType::Integer}, textField("Название", 255), textField("Комментарий", 50)};
+    return {{QStringLiteral("Номер"), FieldType::Integer},
+            textField("Название", 255),
+            textField("Комментарий", 50)};
 }
 
 } // namespace
 
 const ContentsDescriptor& contentsDescriptor(ContentsKind kind)
 {
-    static const ContentsDescriptor files{ContentsKind::Files, QStringLiteral("Файлы"),
-                                          {QStringLiteral("Имя"), QStringLiteral("Путь"), QStringLiteral("Размер"),
-                                           QStringLiteral("Комментарий")}};
+    static const ContentsDescriptor files{ContentsKind::Files,
+                                          QStringLiteral("Файлы"),
+                                          {QStringLiteral("Имя"), QStringLiteral("Путь"),
+                                           QStringLiteral("Размер"), QStringLiteral("Комментарий")}};
     static const ContentsDescriptor tracks{
-        ContentsKind::Tracks, QStringLiteral("Треки"),
+        ContentsKind::Tracks,
+        QStringLiteral("Треки"),
         {QStringLiteral("Номер"), QStringLiteral("Название"), QStringLiteral("Комментарий")}};
     return kind == ContentsKind::Files ? files : tracks;
 }
 
-ContentsLists::ContentsLists(const Db& db, ContentsKind kind) : m_db(db), m_descriptor(contentsDescriptor(kind)) {}
+ContentsLists::ContentsLists(const Db& db, ContentsKind kind)
+    : m_db(db), m_descriptor(contentsDescriptor(kind))
+{
+}
 
 void ContentsLists::createStorage(const Db& db, ContentsKind kind)
 {
@@ -55,7 +62,8 @@ void ContentsLists::createStorage(const Db& db, ContentsKind kind)
 
 bool ContentsLists::exists(const QString& id) const
 {
-    return m_db.scalar(QStringLiteral("SELECT count(*) FROM ") + kRegistry + QStringLiteral(" WHERE \"ДискID\" = ?"),
+    return m_db.scalar(QStringLiteral("SELECT count(*) FROM ") + kRegistry +
+                           QStringLiteral(" WHERE \"ДискID\" = ?"),
                        {id})
                .toInt() > 0;
 }
@@ -63,7 +71,8 @@ bool ContentsLists::exists(const QString& id) const
 void ContentsLists::create(const QString& id) const
 {
     if (exists(id)) {
-        throw AppError(err::TableExists, QStringLiteral("Table '") + id + QStringLiteral("' already exists."));
+        throw AppError(err::TableExists,
+                       QStringLiteral("Table '") + id + QStringLiteral("' already exists."));
     }
     m_db.exec(QStringLiteral("INSERT INTO ") + kRegistry + QStringLiteral(" (\"ДискID\") VALUES (?)"), {id});
 }
@@ -80,7 +89,8 @@ void ContentsLists::drop(const QString& id) const
 QStringList ContentsLists::ids() const
 {
     QStringList list;
-    auto query = m_db.query(QStringLiteral("SELECT \"ДискID\" FROM ") + kRegistry + QStringLiteral(" ORDER BY 1"));
+    auto query =
+        m_db.query(QStringLiteral("SELECT \"ДискID\" FROM ") + kRegistry + QStringLiteral(" ORDER BY 1"));
     while (query.next()) {
         list.append(query.value(0).toString());
     }

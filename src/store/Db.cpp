@@ -7,7 +7,6 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QUrl>
-
 #include <unistd.h>
 
 namespace vinora {
@@ -31,8 +30,8 @@ void checkOpenable(const QString& path, Db::Access access)
     // The engine needs to write beside the file, so a folder that refuses new files
     // refuses the database before anything else is looked at.
     if (access != Db::Access::ReadOnly && !writable(folder.filePath())) {
-        throw AppError(err::CannotOpenFile, QStringLiteral("The database engine cannot open the file '") + path +
-                                                QStringLiteral("'. Its folder is read-only."));
+        throw AppError(err::CannotOpenFile, QStringLiteral("The database engine cannot open the file '") +
+                                                path + QStringLiteral("'. Its folder is read-only."));
     }
     if (!file.exists()) {
         if (access != Db::Access::Create) {
@@ -41,11 +40,12 @@ void checkOpenable(const QString& path, Db::Access access)
         return;
     }
     if (file.isDir()) {
-        throw AppError(err::UnrecognizedFormat, QStringLiteral("Unrecognized database format '") + path + u'\'');
+        throw AppError(err::UnrecognizedFormat,
+                       QStringLiteral("Unrecognized database format '") + path + u'\'');
     }
     if (access != Db::Access::ReadOnly && !writable(path)) {
-        throw AppError(err::CannotOpenFile,
-                       QStringLiteral("The database engine cannot open the file '") + path + QStringLiteral("'. It is read-only."));
+        throw AppError(err::CannotOpenFile, QStringLiteral("The database engine cannot open the file '") +
+                                                path + QStringLiteral("'. It is read-only."));
     }
 }
 
@@ -66,8 +66,9 @@ AppError sqlError(const QString& driverText, const QString& sql)
     int number = err::EngineError;
     if (has("FOREIGN KEY constraint failed")) {
         // Deleting a row that others refer to, or pointing a row at one that is not there.
-        number = sql.trimmed().startsWith(QStringLiteral("DELETE"), Qt::CaseInsensitive) ? err::RelatedRecordsExist
-                                                                                        : err::RelatedRecordRequired;
+        number = sql.trimmed().startsWith(QStringLiteral("DELETE"), Qt::CaseInsensitive)
+                     ? err::RelatedRecordsExist
+                     : err::RelatedRecordRequired;
     } else if (has("CHECK constraint failed")) {
         number = has("failed: empty:")   ? err::ZeroLengthString
                  : has("failed: size:")  ? err::FieldTooSmall
@@ -151,7 +152,8 @@ QVariant Db::scalar(const QString& sql, const QVariantList& values) const
 
 bool Db::tableExists(const QString& table) const
 {
-    return scalar(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = ?"), {table})
+    return scalar(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = ?"),
+                  {table})
                .toInt() > 0;
 }
 

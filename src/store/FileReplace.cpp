@@ -2,10 +2,9 @@
 
 #include "frame/AppError.h"
 
-#include <QFile>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -16,7 +15,9 @@ namespace {
 // 0 on success, else the reason.
 int renameOver(const QString& source, const QString& target)
 {
-    return std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData()) == 0 ? 0 : errno;
+    return std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData()) == 0
+               ? 0
+               : errno;
 }
 
 [[noreturn]] void cannotReplace(const QString& target, int reason)

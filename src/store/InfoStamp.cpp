@@ -16,7 +16,8 @@ void stamp(const Db& db, const QString& field, const QDate& today)
         sql = QStringLiteral("UPDATE ") + kInfoTable + QStringLiteral(" SET ") + quoted(field) +
               QStringLiteral(" = ? WHERE rowid = (SELECT min(rowid) FROM ") + kInfoTable + u')';
     } else {
-        sql = QStringLiteral("INSERT INTO ") + kInfoTable + u'(' + quoted(field) + QStringLiteral(") VALUES (?)");
+        sql = QStringLiteral("INSERT INTO ") + kInfoTable + u'(' + quoted(field) +
+              QStringLiteral(") VALUES (?)");
     }
     db.exec(sql, {dateValue(today)});
 }
@@ -35,8 +36,8 @@ void StampBackup(const Db& db, const QDate& today)
 
 QDate readStamp(const Db& db, const QString& field)
 {
-    return dateFrom(db.scalar(QStringLiteral("SELECT ") + quoted(field) + QStringLiteral(" FROM ") + kInfoTable +
-                              QStringLiteral(" ORDER BY rowid LIMIT 1")));
+    return dateFrom(db.scalar(QStringLiteral("SELECT ") + quoted(field) + QStringLiteral(" FROM ") +
+                              kInfoTable + QStringLiteral(" ORDER BY rowid LIMIT 1")));
 }
 
 } // namespace vinora

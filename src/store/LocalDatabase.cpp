@@ -16,8 +16,9 @@ std::unique_ptr<Db> openMainDatabaseForRefresh(AppContext& ctx)
             }
             const Answer answer = ctx.prompter().message(
                 QStringLiteral("Папка '") + ctx.mainDatabaseFolder() +
-                    QStringLiteral("' доступна только для чтения! Локальная работа с базой данных не возможна!\n\n"
-                                   "Восстановить путь к локальной базе данных?"),
+                    QStringLiteral(
+                        "' доступна только для чтения! Локальная работа с базой данных не возможна!\n\n"
+                        "Восстановить путь к локальной базе данных?"),
                 MessageStyle::YesNoExclamation);
             if (answer != Answer::Yes) {
                 ctx.endProcess(0);

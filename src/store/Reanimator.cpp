@@ -9,7 +9,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-
 #include <functional>
 
 namespace vinora {
@@ -36,7 +35,8 @@ void buildAt(const QString& path, const std::function<void(const Db&)>& build)
 
 QString readOnlyFolderText(const AppContext& ctx)
 {
-    return QStringLiteral("Папка '") + ctx.mainDatabaseFolder() + QStringLiteral("' доступна только для чтения!");
+    return QStringLiteral("Папка '") + ctx.mainDatabaseFolder() +
+           QStringLiteral("' доступна только для чтения!");
 }
 
 } // namespace

@@ -29,12 +29,17 @@ FieldDef date(const char* name, bool today = false)
 }
 FieldDef boolean(const char* name, bool defaultTrue = false)
 {
-    return {QString::fromUtf8(name), FieldType::Boolean, 0, false, false,
+    return {QString::fromUtf8(name),
+            FieldType::Boolean,
+            0,
+            false,
+            false,
             defaultTrue ? QStringLiteral("-1") : QStringLiteral("0")};
 }
 
 // Fields named `stem`1 .. `stem`6 (with `suffix` behind the digit).
-void numbered(QList<FieldDef>& fields, FieldDef (*make)(const char*), const char* stem, const char* suffix = "")
+void numbered(QList<FieldDef>& fields, FieldDef (*make)(const char*), const char* stem,
+              const char* suffix = "")
 {
     for (int k = 1; k <= 6; ++k) {
         const QByteArray name = QByteArray(stem) + QByteArray::number(k) + suffix;
@@ -75,9 +80,10 @@ QList<TableDef> buildMainTables()
                    {counter("КодАудиоДиск"), integer("Номер"), text("Название", 60), text("Альбом", 60, true),
                     text("Год", 5), integer("Дисков")}};
     numbered(audio.fields, integer, "Записей");
-    numbered(audio.fields, [](const char* n) { return text(n, 5); }, "Время");
-    audio.fields += {longField("КодСтиля"), date("ДатаЗаписи", true), date("ДатаИзменения", true),
-                     boolean("Должник")};
+    numbered(
+        audio.fields, [](const char* n) { return text(n, 5); }, "Время");
+    audio.fields +=
+        {longField("КодСтиля"), date("ДатаЗаписи", true), date("ДатаИзменения", true), boolean("Должник")};
     numbered(audio.fields, discId, "ДискID");
     numbered(audio.fields, discId, "ДискID", "_d");
     audio.relations = {{QStringLiteral("АудиоСтиль"), QStringLiteral("КодСтиля"), QStringLiteral("Стиль"),
@@ -85,36 +91,57 @@ QList<TableDef> buildMainTables()
 
     TableDef style = dictionary(
         "Стиль", "КодСтиля", "Стиль",
-        words({"", "Ballad", "Blues", "Classical", "Country", "Dance", "Disco", "Dream", "Duet", "Folk", "Hardcore",
-               "Funk", "Hard Rock", "Heavy Metal", "Instrumental", "Jazz", "Jungle", "Metal", "Opera", "Pop", "Punk",
-               "Raggae", "Rap", "Punk Rock", "Rave", "Retro", "Rock", "Rock & Roll", "Soundtrack", "Techno",
+        words({"",          "Ballad",      "Blues",        "Classical",   "Country",    "Dance",
+               "Disco",     "Dream",       "Duet",         "Folk",        "Hardcore",   "Funk",
+               "Hard Rock", "Heavy Metal", "Instrumental", "Jazz",        "Jungle",     "Metal",
+               "Opera",     "Pop",         "Punk",         "Raggae",      "Rap",        "Punk Rock",
+               "Rave",      "Retro",       "Rock",         "Rock & Roll", "Soundtrack", "Techno",
                "Trance"}));
 
     TableDef loans{QStringLiteral("Должники"),
-                   {counter("КодДолжника"), longField("КодИмяДолжника"), longField("КодДиска"), text("Категория", 3),
-                    date("ДатаВыдачи", true), date("ДатаВозврата"), date("ДатаВозвратаРеальная"),
-                    boolean("Долг", true)},
-                   {{QStringLiteral("Должники"), QStringLiteral("КодИмяДолжника"), QStringLiteral("ИменаДолжников"),
-                     QStringLiteral("КодИмени"), false, true}}};
+                   {counter("КодДолжника"), longField("КодИмяДолжника"), longField("КодДиска"),
+                    text("Категория", 3), date("ДатаВыдачи", true), date("ДатаВозврата"),
+                    date("ДатаВозвратаРеальная"), boolean("Долг", true)},
+                   {{QStringLiteral("Должники"), QStringLiteral("КодИмяДолжника"),
+                     QStringLiteral("ИменаДолжников"), QStringLiteral("КодИмени"), false, true}}};
 
     TableDef borrowers{QStringLiteral("ИменаДолжников"),
                        {counter("КодИмени"), text("Имя", 50), text("Телефон", 15)}};
 
     TableDef computer{QStringLiteral("Компьютер"),
                       {counter("КодКомпьютерныйДиск"), integer("Номер"), text("Название", 60),
-                       longField("КодОписания"), text("РасОписание", 255, true), text("Год", 5), integer("Дисков"),
-                       date("ДатаЗаписи", true), date("ДатаИзменения"), boolean("Должник")}};
+                       longField("КодОписания"), text("РасОписание", 255, true), text("Год", 5),
+                       integer("Дисков"), date("ДатаЗаписи", true), date("ДатаИзменения"),
+                       boolean("Должник")}};
     numbered(computer.fields, discId, "ДискID");
     numbered(computer.fields, discId, "ДискID", "_d");
     computer.relations = {{QStringLiteral("КомпьютерСтиль"), QStringLiteral("КодОписания"),
                            QStringLiteral("Описание"), QStringLiteral("КодОписания"), true, false}};
 
-    TableDef description = dictionary(
-        "Описание", "КодОписания", "Описание",
-        words({"", "Сборник программ", "Симулятор автогонок", "Симулятор истребителя", "Сборник игр", "3D-шутер",
-               "3D Action/Adventure", "3D Action", "Квест", "RPG", "Музыка в формате MP3", "Стратегия", "VideoCD",
-               "Энциклопедия", "Мультимедиа", "Словарь", "Графика", "Мультимедиа каталог", "Программирование",
-               "Электронный справочник", "Мультимедиа журнал", "Офисные программы", "WEB-дизайн"}));
+    TableDef description = dictionary("Описание", "КодОписания", "Описание",
+                                      words({"",
+                                             "Сборник программ",
+                                             "Симулятор автогонок",
+                                             "Симулятор истребителя",
+                                             "Сборник игр",
+                                             "3D-шутер",
+                                             "3D Action/Adventure",
+                                             "3D Action",
+                                             "Квест",
+                                             "RPG",
+                                             "Музыка в формате MP3",
+                                             "Стратегия",
+                                             "VideoCD",
+                                             "Энциклопедия",
+                                             "Мультимедиа",
+                                             "Словарь",
+                                             "Графика",
+                                             "Мультимедиа каталог",
+                                             "Программирование",
+                                             "Электронный справочник",
+                                             "Мультимедиа журнал",
+                                             "Офисные программы",
+                                             "WEB-дизайн"}));
 
     TableDef dvd{QStringLiteral("DVD"),
                  {counter("КодDVDДиск"), integer("Номер"), text("Название", 60), text("Описание", 255, true),
@@ -126,20 +153,23 @@ QList<TableDef> buildMainTables()
                       QStringLiteral("КодЖанр"), true, false}};
 
     TableDef genre = dictionary("Жанр", "КодЖанр", "Жанр",
-                                words({"", "Боевик", "Фантастика", "Комедия", "Мультфильм", "Ужасы", "Мистика",
-                                       "Мелодрама", "Исторический", "Триллер"}));
+                                words({"", "Боевик", "Фантастика", "Комедия", "Мультфильм", "Ужасы",
+                                       "Мистика", "Мелодрама", "Исторический", "Триллер"}));
 
-    TableDef soundFormat =
-        dictionary("ФорматЗвука", "КодФорматЗвука", "ФорматЗвука",
-                   words({"Dolby Digital 2.0", "Dolby Digital 5.1", "Dolby Sorround", "Dolby Pro Logic", "DTS", "AS3",
-                          "Stereo", "Mono"}));
+    TableDef soundFormat = dictionary("ФорматЗвука", "КодФорматЗвука", "ФорматЗвука",
+                                      words({"Dolby Digital 2.0", "Dolby Digital 5.1", "Dolby Sorround",
+                                             "Dolby Pro Logic", "DTS", "AS3", "Stereo", "Mono"}));
 
     return {info, audio, style, loans, borrowers, computer, description, dvd, genre, soundFormat};
 }
 
 TableDef filterTable(const char* name, std::initializer_list<const char*> rows)
 {
-    return {QString::fromUtf8(name), {text("Файл", 255), boolean("Use", true)}, {}, QStringLiteral("Файл"), words(rows)};
+    return {QString::fromUtf8(name),
+            {text("Файл", 255), boolean("Use", true)},
+            {},
+            QStringLiteral("Файл"),
+            words(rows)};
 }
 
 // A named CHECK, so that a refusal tells which rule it broke (see sqlError).
@@ -157,15 +187,18 @@ QString columnSql(const FieldDef& field)
     case FieldType::Long:
         sql += field.counter ? QStringLiteral(" INTEGER PRIMARY KEY AUTOINCREMENT")
                              : QStringLiteral(" INTEGER") +
-                                   check("range", field.name, name + QStringLiteral(" BETWEEN -2147483648 AND 2147483647"));
+                                   check("range", field.name,
+                                         name + QStringLiteral(" BETWEEN -2147483648 AND 2147483647"));
         break;
     case FieldType::Integer:
-        sql += QStringLiteral(" INTEGER") + check("range", field.name, name + QStringLiteral(" BETWEEN -32768 AND 32767"));
+        sql += QStringLiteral(" INTEGER") +
+               check("range", field.name, name + QStringLiteral(" BETWEEN -32768 AND 32767"));
         break;
     case FieldType::Text:
-        sql += QStringLiteral(" TEXT COLLATE NOCASE") +
-               check("size", field.name,
-                     QStringLiteral("length(") + name + QStringLiteral(") <= ") + QString::number(field.size));
+        sql +=
+            QStringLiteral(" TEXT COLLATE NOCASE") +
+            check("size", field.name,
+                  QStringLiteral("length(") + name + QStringLiteral(") <= ") + QString::number(field.size));
         if (!field.allowEmpty) {
             sql += check("empty", field.name, name + QStringLiteral(" <> ''"));
         }
@@ -213,9 +246,10 @@ QString createTableSql(const TableDef& table)
         columns.append(columnSql(field));
     }
     for (const RelationDef& relation : table.relations) {
-        QString constraint = QStringLiteral("CONSTRAINT ") + quoted(relation.name) + QStringLiteral(" FOREIGN KEY (") +
-                             quoted(relation.field) + QStringLiteral(") REFERENCES ") + quoted(relation.parentTable) +
-                             u'(' + quoted(relation.parentField) + u')';
+        QString constraint = QStringLiteral("CONSTRAINT ") + quoted(relation.name) +
+                             QStringLiteral(" FOREIGN KEY (") + quoted(relation.field) +
+                             QStringLiteral(") REFERENCES ") + quoted(relation.parentTable) + u'(' +
+                             quoted(relation.parentField) + u')';
         if (relation.updateCascade) {
             constraint += QStringLiteral(" ON UPDATE CASCADE");
         }
@@ -231,8 +265,8 @@ QString createTableSql(const TableDef& table)
 void createTable(const Db& db, const TableDef& table)
 {
     db.exec(createTableSql(table));
-    const QString insert = QStringLiteral("INSERT INTO ") + quoted(table.name) + u'(' + quoted(table.initialField) +
-                           QStringLiteral(") VALUES (?)");
+    const QString insert = QStringLiteral("INSERT INTO ") + quoted(table.name) + u'(' +
+                           quoted(table.initialField) + QStringLiteral(") VALUES (?)");
     for (const QString& row : table.initialRows) {
         // The "nothing chosen" row of a dictionary has the empty name.
         db.exec(insert, {row});

@@ -8,7 +8,6 @@
 #include <QLocale>
 #include <QSqlDriver>
 #include <QString>
-
 #include <sqlite3.h>
 
 namespace vinora {
@@ -44,14 +43,14 @@ void likeFunction(sqlite3_context* context, int argc, sqlite3_value** argv)
     sqlite3_result_int(context, jetLike(textArgument(argv[0]), textArgument(argv[1])) ? 1 : 0);
 }
 
-template <bool Upper>
-void caseFunction(sqlite3_context* context, int, sqlite3_value** argv)
+template <bool Upper> void caseFunction(sqlite3_context* context, int, sqlite3_value** argv)
 {
     if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
         sqlite3_result_null(context);
         return;
     }
-    const QByteArray converted = (Upper ? textArgument(argv[0]).toUpper() : textArgument(argv[0]).toLower()).toUtf8();
+    const QByteArray converted =
+        (Upper ? textArgument(argv[0]).toUpper() : textArgument(argv[0]).toLower()).toUtf8();
     sqlite3_result_text(context, converted.constData(), static_cast<int>(converted.size()), SQLITE_TRANSIENT);
 }
 
@@ -72,12 +71,14 @@ void installSqlFunctions(const QSqlDatabase& db)
     constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
     int rc = sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, new QCollator(textCollator()),
                                          collateNoCase, destroyCollator);
-    rc |= sqlite3_create_function_v2(handle, "like", 2, flags, nullptr, likeFunction, nullptr, nullptr, nullptr);
-    rc |= sqlite3_create_function_v2(handle, "like", 3, flags, nullptr, likeFunction, nullptr, nullptr, nullptr);
+    rc |= sqlite3_create_function_v2(handle, "like", 2, flags, nullptr, likeFunction, nullptr, nullptr,
+                                     nullptr);
+    rc |= sqlite3_create_function_v2(handle, "like", 3, flags, nullptr, likeFunction, nullptr, nullptr,
+                                     nullptr);
     rc |= sqlite3_create_function_v2(handle, "upper", 1, flags, nullptr, caseFunction<true>, nullptr, nullptr,
                                      nullptr);
-    rc |= sqlite3_create_function_v2(handle, "lower", 1, flags, nullptr, caseFunction<false>, nullptr, nullptr,
-                                     nullptr);
+    rc |= sqlite3_create_function_v2(handle, "lower", 1, flags, nullptr, caseFunction<false>, nullptr,
+                                     nullptr, nullptr);
     if (rc != SQLITE_OK) {
         throw AppError(err::EngineError, QStringLiteral("Cannot install the text functions: ") +
                                              QString::fromUtf8(sqlite3_errmsg(handle)));

@@ -3,12 +3,12 @@
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QLocale>
-#include <QTranslator>
 #include <QPalette>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QStyle>
 #include <QStyleFactory>
+#include <QTranslator>
 
 namespace vinora {
 namespace {
@@ -70,8 +70,8 @@ ColorScheme desktopColorScheme()
 void installRussianTranslations(QApplication& app)
 {
     auto* translator = new QTranslator(&app);
-    if (translator->load(QLocale(QLocale::Russian, QLocale::Russia), QStringLiteral("qtbase"), QStringLiteral("_"),
-                         QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    if (translator->load(QLocale(QLocale::Russian, QLocale::Russia), QStringLiteral("qtbase"),
+                         QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
         QApplication::installTranslator(translator);
     }
 }

@@ -3,10 +3,10 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDialog>
-#include <QUrl>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QUrl>
 
 namespace vinora {
 namespace {

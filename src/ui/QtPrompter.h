@@ -16,7 +16,8 @@ public:
     void setParentWindow(QWidget* parent) { m_parent = parent; }
 
     Answer message(const QString& text, MessageStyle style) override;
-    std::optional<QString> input(const QString& prompt, const QString& title, const QString& initial) override;
+    std::optional<QString> input(const QString& prompt, const QString& title,
+                                 const QString& initial) override;
     QString openFile(const QString& title, const QString& filter, const QString& startPath) override;
     QString saveFile(const QString& title, const QString& filter, const QString& startPath) override;
     QString chooseFolder(const QString& title, const QString& startFolder) override;

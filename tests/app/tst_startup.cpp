@@ -12,7 +12,6 @@
 #include <QFileInfo>
 #include <QLockFile>
 
-
 using namespace vinora;
 
 namespace {
@@ -48,8 +47,8 @@ private slots:
         Start start;
         QVERIFY(start.run());
         QVERIFY(start.splashShown);
-        QCOMPARE(filesIn(start.app.folder.path()), (QStringList{"vinora.db", "vinora.lock", "vinora_files.db",
-                                                                "vinora_tracks.db"}));
+        QCOMPARE(filesIn(start.app.folder.path()),
+                 (QStringList{"vinora.db", "vinora.lock", "vinora_files.db", "vinora_tracks.db"}));
         QCOMPARE(start.app.prompter.shown.size(), 0);
         QVERIFY(!QFileInfo::exists(start.app.file(QStringLiteral("vinora.ini"))));
     }
@@ -98,10 +97,12 @@ private slots:
         start.app.ctx.ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), gone);
         start.app.prompter.answer(yes ? Answer::Yes : Answer::No);
         QCOMPARE(start.run(), yes);
-        QCOMPARE(start.app.prompter.texts(),
-                 QStringList{"Папка '" + gone + "' не существует!\n\nВосстановить путь к локальной базе данных?"});
+        QCOMPARE(
+            start.app.prompter.texts(),
+            QStringList{"Папка '" + gone + "' не существует!\n\nВосстановить путь к локальной базе данных?"});
         QCOMPARE(start.app.prompter.shown[0].style, MessageStyle::YesNoExclamation);
-        const QString setting = start.app.ctx.ini().read(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), 255);
+        const QString setting =
+            start.app.ctx.ini().read(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), 255);
         QCOMPARE(setting, yes ? start.app.folder.path() : gone);
         QCOMPARE(QFileInfo::exists(start.app.file(QStringLiteral("vinora.db"))), yes);
     }

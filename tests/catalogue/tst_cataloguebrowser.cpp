@@ -48,8 +48,7 @@ struct Catalogue
         window->show();
         return *window;
     }
-    template <typename T = QWidget>
-    T* control(const QString& name) const
+    template <typename T = QWidget> T* control(const QString& name) const
     {
         return window->findChild<T*>(name);
     }
@@ -228,7 +227,8 @@ private slots:
         QCOMPARE(w.rowCount(), 3);
         c.app.prompter.answer(Answer::Yes);
         QTest::keyClick(c.control("DBGrid"), Qt::Key_Delete);
-        QCOMPARE(c.app.prompter.texts().last(), "Вы действительно хотите удалить диск № 3?\n" + kind.deleteSecondLine);
+        QCOMPARE(c.app.prompter.texts().last(),
+                 "Вы действительно хотите удалить диск № 3?\n" + kind.deleteSecondLine);
         QCOMPARE(c.rows(), (QStringList{"1 Один", "2 Два"}));
         QCOMPARE(w.currentRow(), 1);
         QVERIFY(!QFile::exists(c.app.file("box/" + kind.info().coverPrefix + "3.box")));
@@ -245,12 +245,18 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown"); // the text after CleanText
         QTest::addColumn<QStringList>("found");
-        QTest::newRow("apostrophe") << "it's" << "it's" << QStringList{"2 it's mine"};
-        QTest::newRow("percent is plain") << "50%" << "50%" << QStringList{"3 50% off"};
-        QTest::newRow("underscore is plain") << "_" << "_" << QStringList{"4 under_score"};
-        QTest::newRow("double quote") << "\"q" << "'q" << QStringList{"1 say 'quoted'"};
-        QTest::newRow("brackets") << "[live]" << "(live)" << QStringList{"5 best (live)"};
-        QTest::newRow("Cyrillic any case") << "ЁЛК" << "ЁЛК" << QStringList{"6 Ёлки-палки"};
+        QTest::newRow("apostrophe") << "it's"
+                                    << "it's" << QStringList{"2 it's mine"};
+        QTest::newRow("percent is plain") << "50%"
+                                          << "50%" << QStringList{"3 50% off"};
+        QTest::newRow("underscore is plain") << "_"
+                                             << "_" << QStringList{"4 under_score"};
+        QTest::newRow("double quote") << "\"q"
+                                      << "'q" << QStringList{"1 say 'quoted'"};
+        QTest::newRow("brackets") << "[live]"
+                                  << "(live)" << QStringList{"5 best (live)"};
+        QTest::newRow("Cyrillic any case") << "ЁЛК"
+                                           << "ЁЛК" << QStringList{"6 Ёлки-палки"};
     }
 
     void namesAreFoundAsTyped()

@@ -14,11 +14,14 @@ private slots:
     void editing_data()
     {
         QTest::addColumn<int>("dictionary");
-        QTest::addColumn<QString>("usedName");  // a name that a disc uses
+        QTest::addColumn<QString>("usedName");   // a name that a disc uses
         QTest::addColumn<QString>("usingTable"); // and the catalogue of that disc
-        QTest::newRow("styles") << int(Dictionary::Style) << "Rock" << "Аудио";
-        QTest::newRow("descriptions") << int(Dictionary::Description) << "Квест" << "Компьютер";
-        QTest::newRow("genres") << int(Dictionary::Genre) << "Комедия" << "DVD";
+        QTest::newRow("styles") << int(Dictionary::Style) << "Rock"
+                                << "Аудио";
+        QTest::newRow("descriptions") << int(Dictionary::Description) << "Квест"
+                                      << "Компьютер";
+        QTest::newRow("genres") << int(Dictionary::Genre) << "Комедия"
+                                << "DVD";
     }
 
     void editing()
@@ -32,8 +35,9 @@ private slots:
         {
             Db db(app.ctx.MainDBPath);
             const QString key = kind.key;
-            db.exec("INSERT INTO \"" + usingTable + "\" (Номер, Название, \"" + key + "\") SELECT 1, 'x', \"" + key +
-                        "\" FROM \"" + kind.table + "\" WHERE \"" + kind.table + "\" = ?",
+            db.exec("INSERT INTO \"" + usingTable + "\" (Номер, Название, \"" + key +
+                        "\") SELECT 1, 'x', \"" + key + "\" FROM \"" + kind.table + "\" WHERE \"" +
+                        kind.table + "\" = ?",
                     {usedName});
         }
         frmEditDictionary editor(app.ctx, static_cast<Dictionary>(dictionary));

@@ -42,8 +42,8 @@ struct Editing
     void addRow(Category category, int number, const QString& name)
     {
         const CatalogueKind& kind = catalogueKind(category);
-        exec("INSERT INTO " + quoted(kind.info().table) + " (Номер, Название, Дисков, " + quoted(kind.dictionaryKey) +
-                 ") VALUES (?, ?, 1, 1)",
+        exec("INSERT INTO " + quoted(kind.info().table) + " (Номер, Название, Дисков, " +
+                 quoted(kind.dictionaryKey) + ") VALUES (?, ?, 1, 1)",
              {number, name});
     }
 };
@@ -56,15 +56,16 @@ void addCategories()
     QTest::newRow("DVD") << int(Category::Dvd);
 }
 
-template <typename T = QLineEdit>
-T* field(QWidget& dialog, const char* name)
+template <typename T = QLineEdit> T* field(QWidget& dialog, const char* name)
 {
     return dialog.findChild<T*>(QString::fromLatin1(name));
 }
 
 const char* dictionaryField(Category category)
 {
-    return category == Category::Audio ? "txtStyle" : category == Category::Computer ? "txtDescription" : "txtGenre";
+    return category == Category::Audio      ? "txtStyle"
+           : category == Category::Computer ? "txtDescription"
+                                            : "txtGenre";
 }
 
 } // namespace
@@ -83,19 +84,32 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("up");
         QTest::addColumn<QString>("result");
-        QTest::newRow("year down at 0000") << "year" << "0000" << false << "0000";
-        QTest::newRow("year up at 9999") << "year" << "9999" << true << "9999";
-        QTest::newRow("year up") << "year" << "1999" << true << "2000";
-        QTest::newRow("tracks down at 00") << "tracks" << "00" << false << "00";
-        QTest::newRow("tracks up at 99") << "tracks" << "99" << true << "99";
-        QTest::newRow("tracks up") << "tracks" << "09" << true << "10";
-        QTest::newRow("discs up at 6") << "discs" << "6" << true << "6";
-        QTest::newRow("discs down at 1") << "discs" << "1" << false << "1";
-        QTest::newRow("time down at 00:00") << "time" << "00:00" << false << "00:00";
-        QTest::newRow("time seconds run to 99") << "time" << "00:59" << true << "00:60";
-        QTest::newRow("time past 99 seconds") << "time" << "00:99" << true << "01:00";
-        QTest::newRow("time below 0 seconds") << "time" << "01:00" << false << "00:99";
-        QTest::newRow("time up at 99:99") << "time" << "99:99" << true << "99:99";
+        QTest::newRow("year down at 0000") << "year"
+                                           << "0000" << false << "0000";
+        QTest::newRow("year up at 9999") << "year"
+                                         << "9999" << true << "9999";
+        QTest::newRow("year up") << "year"
+                                 << "1999" << true << "2000";
+        QTest::newRow("tracks down at 00") << "tracks"
+                                           << "00" << false << "00";
+        QTest::newRow("tracks up at 99") << "tracks"
+                                         << "99" << true << "99";
+        QTest::newRow("tracks up") << "tracks"
+                                   << "09" << true << "10";
+        QTest::newRow("discs up at 6") << "discs"
+                                       << "6" << true << "6";
+        QTest::newRow("discs down at 1") << "discs"
+                                         << "1" << false << "1";
+        QTest::newRow("time down at 00:00") << "time"
+                                            << "00:00" << false << "00:00";
+        QTest::newRow("time seconds run to 99") << "time"
+                                                << "00:59" << true << "00:60";
+        QTest::newRow("time past 99 seconds") << "time"
+                                              << "00:99" << true << "01:00";
+        QTest::newRow("time below 0 seconds") << "time"
+                                              << "01:00" << false << "00:99";
+        QTest::newRow("time up at 99:99") << "time"
+                                          << "99:99" << true << "99:99";
     }
 
     void spinners()
@@ -104,7 +118,10 @@ private slots:
         QFETCH(QString, text);
         QFETCH(bool, up);
         QFETCH(QString, result);
-        const auto spin = kind == "year" ? spinYear : kind == "tracks" ? spinTracks : kind == "discs" ? spinDiscs : spinTime;
+        const auto spin = kind == "year"     ? spinYear
+                          : kind == "tracks" ? spinTracks
+                          : kind == "discs"  ? spinDiscs
+                                             : spinTime;
         QCOMPARE(spin(text, up), result);
     }
 
@@ -120,7 +137,7 @@ private slots:
     {
         Toc toc;
         toc.tracks = {{1, 0, true}, {2, 4000, true}};
-        toc.leadoutLsn = 127 * 75 - 150; // 125 seconds of playing
+        toc.leadoutLsn = 127 * 75 - 150;         // 125 seconds of playing
         QCOMPARE(playingTimeText(toc), "02:03"); // seconds modulo 61, as always shown
         toc.leadoutLsn = 101 * 60 * 75;
         QCOMPARE(playingTimeText(toc), QString());
@@ -150,19 +167,23 @@ private slots:
         QVERIFY(e.app.ctx.DialogDone);
         QCOMPARE(e.app.ctx.LastSavedNumber, qint16(5));
         const QString table = quoted(kind.info().table);
-        QCOMPARE(e.value("SELECT Название FROM " + table + " WHERE Номер = 5").toString(), "Имя 'в кавычках' (1)");
+        QCOMPARE(e.value("SELECT Название FROM " + table + " WHERE Номер = 5").toString(),
+                 "Имя 'в кавычках' (1)");
         QCOMPARE(e.value("SELECT d." + quoted(kind.dictionaryTable) + " FROM " + table + " t JOIN " +
                          quoted(kind.dictionaryTable) + " d USING (" + quoted(kind.dictionaryKey) + ")")
                      .toString(),
                  QString(50, u'ж'));
         QCOMPARE(e.value("SELECT ДискID1_d FROM " + table).toString(), "ABC123");
-        QCOMPARE(e.value("SELECT ДатаЗаписи FROM " + table).toString(), QDate::currentDate().toString(Qt::ISODate));
+        QCOMPARE(e.value("SELECT ДатаЗаписи FROM " + table).toString(),
+                 QDate::currentDate().toString(Qt::ISODate));
         Db db(e.app.ctx.MainDBPath);
         QCOMPARE(readStamp(db, kind.info().stampField), e.app.clock.today());
         QCOMPARE(e.app.ctx.AutoDetectTag.isEmpty(), which != Category::Audio);
         if (which == Category::Audio) {
-            QCOMPARE(e.value("SELECT Записей1 || '/' || Записей2 || '/' || Время2 || '/' || Записей3 FROM Аудио").toString(),
-                     "12/7/41:05/0");
+            QCOMPARE(
+                e.value("SELECT Записей1 || '/' || Записей2 || '/' || Время2 || '/' || Записей3 FROM Аудио")
+                    .toString(),
+                "12/7/41:05/0");
         }
     }
 
@@ -174,7 +195,8 @@ private slots:
         Editing e;
         frmAddInCatalogue editor(e.app.ctx, which, frmAddInCatalogue::Mode::Add, 1);
         editor.cmdAdd();
-        QVERIFY(e.app.prompter.texts().last().endsWith("\nДанное поле является обязательным для заполнения."));
+        QVERIFY(
+            e.app.prompter.texts().last().endsWith("\nДанное поле является обязательным для заполнения."));
         field(editor, "txtName")->setText("X");
         field(editor, dictionaryField(which))->setText(QString(51, u'ж'));
         editor.cmdAdd();
@@ -207,8 +229,10 @@ private slots:
         const QString table = quoted(kind.info().table);
         Editing e;
         e.addRow(which, 8, "Сборник");
-        e.exec("UPDATE " + table + " SET Дисков = 3, ДискID1 = 'L1', ДискID3 = ?", {withList ? QVariant("L3") : QVariant()});
-        const QString listsPath = *kind.contents == ContentsKind::Tracks ? e.app.ctx.TracksDBPath : e.app.ctx.FilesDBPath;
+        e.exec("UPDATE " + table + " SET Дисков = 3, ДискID1 = 'L1', ДискID3 = ?",
+               {withList ? QVariant("L3") : QVariant()});
+        const QString listsPath =
+            *kind.contents == ContentsKind::Tracks ? e.app.ctx.TracksDBPath : e.app.ctx.FilesDBPath;
         {
             Db lists(listsPath);
             ContentsLists(lists, *kind.contents).create("L3");
@@ -235,7 +259,8 @@ private slots:
         if (withList && saved) {
             QVERIFY(e.value("SELECT ДискID3 FROM " + table).isNull());
             QCOMPARE(e.value("SELECT ДискID1 FROM " + table).toString(), "L1");
-            QVERIFY(e.app.prompter.texts().last().startsWith("Вы изменили общее число дисков c 3 на 2! Если для удаляемых"));
+            QVERIFY(e.app.prompter.texts().last().startsWith(
+                "Вы изменили общее число дисков c 3 на 2! Если для удаляемых"));
         }
     }
 
@@ -248,7 +273,8 @@ private slots:
         field(editor, "txtCDs")->setText("4");
         e.app.prompter.answer(Answer::Yes);
         QVERIFY_THROWS_EXCEPTION(ProcessEnded, editor.cmdAdd());
-        QVERIFY(cp1251::decode(test::readFile(e.app.file("bugreport.log"))).contains("frmAddInCataloguePC, cmdAdd()"));
+        QVERIFY(cp1251::decode(test::readFile(e.app.file("bugreport.log")))
+                    .contains("frmAddInCataloguePC, cmdAdd()"));
         QCOMPARE(e.value("SELECT Дисков FROM Компьютер").toInt(), 6);
     }
 
@@ -263,8 +289,10 @@ private slots:
         field(editor, "txtName")->setText("New");
         editor.cmdAdd();
         QCOMPARE(e.app.ctx.ShiftStart, qint16(0));
-        QCOMPARE(e.value("SELECT group_concat(Номер || Название, ' ') FROM (SELECT * FROM DVD ORDER BY Номер)").toString(),
-                 "1A 2New 3B 4C");
+        QCOMPARE(
+            e.value("SELECT group_concat(Номер || Название, ' ') FROM (SELECT * FROM DVD ORDER BY Номер)")
+                .toString(),
+            "1A 2New 3B 4C");
     }
 
     void tracksAndTimeFromTheDisc()
@@ -352,7 +380,8 @@ private slots:
         });
         e.app.prompter.answer(Answer::Yes);
         QVERIFY(!runAddDisc(e.app.ctx, Category::Computer, nullptr));
-        QCOMPARE(e.app.prompter.texts().last(), "Вы пытаетесь добавить диск, который уже есть в каталоге! Продолжить?");
+        QCOMPARE(e.app.prompter.texts().last(),
+                 "Вы пытаетесь добавить диск, который уже есть в каталоге! Продолжить?");
     }
 };
 

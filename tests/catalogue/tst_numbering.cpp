@@ -23,8 +23,8 @@ struct Numbers
     {
         const CatalogueKind& kind = catalogueKind(category);
         Db db(app.ctx.MainDBPath);
-        db.exec("INSERT INTO " + quoted(kind.info().table) + " (Номер, Название, " + quoted(kind.dictionaryKey) +
-                    ") VALUES (?, ?, 1)",
+        db.exec("INSERT INTO " + quoted(kind.info().table) + " (Номер, Название, " +
+                    quoted(kind.dictionaryKey) + ") VALUES (?, ?, 1)",
                 {number, name});
         if (!album.isEmpty()) {
             db.exec("UPDATE Аудио SET Альбом = ? WHERE Номер = ?", {album, number});
@@ -33,8 +33,8 @@ struct Numbers
     QList<int> numbers(Category category)
     {
         Db db(app.ctx.MainDBPath);
-        QSqlQuery q = db.query("SELECT Номер FROM " + quoted(catalogueKind(category).info().table) + " ORDER BY " +
-                               quoted(catalogueKind(category).info().keyField));
+        QSqlQuery q = db.query("SELECT Номер FROM " + quoted(catalogueKind(category).info().table) +
+                               " ORDER BY " + quoted(catalogueKind(category).info().keyField));
         QList<int> list;
         while (q.next()) {
             list.append(q.value(0).toInt());
@@ -136,7 +136,8 @@ private slots:
         newBox->setText("7");
         n.app.prompter.answer(Answer::No);
         dialog.cmdOK();
-        QCOMPARE(n.app.prompter.shown.last().text, "Поменять местами диск № 7:\n'" + title + "' и № 7:\n'" + title + "'?");
+        QCOMPARE(n.app.prompter.shown.last().text,
+                 "Поменять местами диск № 7:\n'" + title + "' и № 7:\n'" + title + "'?");
     }
 
     void refusals()
@@ -150,7 +151,8 @@ private slots:
         QCOMPARE(oldBox->text(), "12");
         oldBox->clear();
         dialog.cmdOK();
-        QCOMPARE(n.app.prompter.texts().last(), "Указан не верный номер диска для изменения. Повторите ввод.");
+        QCOMPARE(n.app.prompter.texts().last(),
+                 "Указан не верный номер диска для изменения. Повторите ввод.");
         oldBox->setText("1");
         newBox->setText("0");
         dialog.cmdOK();

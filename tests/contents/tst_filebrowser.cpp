@@ -38,7 +38,8 @@ struct Lists
         Db files(app.ctx.FilesDBPath);
         ContentsLists(files, ContentsKind::Files).create(id);
         for (const QStringList& row : rows) {
-            files.exec("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, ?, ?)", {id, row[0], row[1], row[2]});
+            files.exec("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, ?, ?)",
+                       {id, row[0], row[1], row[2]});
         }
         Db db(app.ctx.MainDBPath);
         db.exec("UPDATE Компьютер SET ДискID1 = ?", {id});
@@ -61,11 +62,12 @@ private slots:
         QTest::addColumn<QStringList>("paths");
         QTest::addColumn<QStringList>("nodes");
         QTest::newRow("root only") << QStringList{"\\"} << QStringList{"..."};
-        QTest::newRow("root beside the first level") << QStringList{"\\", "\\A\\", "\\A\\B\\", "\\C\\"}
-                                                     << QStringList{"...", "A", "A/B", "C"};
+        QTest::newRow("root beside the first level")
+            << QStringList{"\\", "\\A\\", "\\A\\B\\", "\\C\\"} << QStringList{"...", "A", "A/B", "C"};
         QTest::newRow("same place, same length: taken for the one before")
             << QStringList{"\\A\\X\\", "\\B\\X\\", "\\B\\X\\Y\\"} << QStringList{"A", "A/X", "B", "B/Y"};
-        QTest::newRow("different length") << QStringList{"\\A\\X\\", "\\B\\XX\\"} << QStringList{"A", "A/X", "B", "B/XX"};
+        QTest::newRow("different length")
+            << QStringList{"\\A\\X\\", "\\B\\XX\\"} << QStringList{"A", "A/X", "B", "B/XX"};
     }
 
     void tree()
@@ -133,14 +135,18 @@ private slots:
         QCOMPARE(comment->text(), "Мой 'лучший' (диск)");
         QCOMPARE(l.app.prompter.texts().last(), "Комментарий к папке '...' успешно изменен.");
         Db files(l.app.ctx.FilesDBPath);
-        QCOMPARE(files.scalar("SELECT Комментарий FROM Файлы WHERE Путь = '\\'").toString(), "Мой 'лучший' (диск)");
+        QCOMPARE(files.scalar("SELECT Комментарий FROM Файлы WHERE Путь = '\\'").toString(),
+                 "Мой 'лучший' (диск)");
     }
 
     void filesCommentsAndDeletion()
     {
         Lists l;
-        l.makeList("77", {{"\\", "\\", "0"}, {"a.txt", "\\", "0,1"}, {"\\DOCS\\", "\\DOCS\\", "0"},
-                          {"guide.doc", "\\DOCS\\", "1 000,0"}, {"it's \"q\".txt", "\\DOCS\\", "2,0"}});
+        l.makeList("77", {{"\\", "\\", "0"},
+                          {"a.txt", "\\", "0,1"},
+                          {"\\DOCS\\", "\\DOCS\\", "0"},
+                          {"guide.doc", "\\DOCS\\", "1 000,0"},
+                          {"it's \"q\".txt", "\\DOCS\\", "2,0"}});
         frmFileList list(l.app.ctx, 4, "Программы", 2);
         QCOMPARE(list.treeTexts(), (QStringList{"...", "DOCS"}));
         QCOMPARE(list.fileNames(), QStringList{"a.txt"});
@@ -155,11 +161,13 @@ private slots:
 
         // Opening a file needs the disc in the drive.
         list.lvFiles_DblClick();
-        QCOMPARE(l.app.prompter.texts().last(), "Вставьте диск № 4 в устройство для чтения компакт-дисков и повторите операцию.");
+        QCOMPARE(l.app.prompter.texts().last(),
+                 "Вставьте диск № 4 в устройство для чтения компакт-дисков и повторите операцию.");
 
         l.app.prompter.answer(Answer::Yes);
         list.deleteListAsk();
-        QCOMPARE(l.app.prompter.texts().last(), "Вы действительно хотите удалить информация о структуре 1-го диска № 4?");
+        QCOMPARE(l.app.prompter.texts().last(),
+                 "Вы действительно хотите удалить информация о структуре 1-го диска № 4?");
         QCOMPARE(list.volumeText(), "~0 Мб");
         Db db(l.app.ctx.MainDBPath);
         QVERIFY(db.scalar("SELECT ДискID1 FROM Компьютер").isNull());
@@ -202,7 +210,9 @@ private slots:
         l.app.prompter.answer(Answer::Yes);
         l.app.prompter.handleModal([&](QDialog& dialog) {
             auto& options = static_cast<frmFileListOption&>(dialog);
-            [&] { QVERIFY(options.findChild<QCheckBox*>("chLCase")->isChecked()); }(); // kept from the last time
+            [&] {
+                QVERIFY(options.findChild<QCheckBox*>("chLCase")->isChecked());
+            }(); // kept from the last time
             l.app.prompter.handleModal(runWalk);
             options.cmdStartScan();
             return options.result();

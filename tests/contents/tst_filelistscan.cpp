@@ -13,7 +13,6 @@
 
 #include <QDir>
 #include <QProcess>
-
 #include <cmath>
 
 using namespace vinora;
@@ -68,7 +67,8 @@ QString expectedSize(qint64 bytes)
 QStringList storedRows(const AppContext& ctx, const QString& id)
 {
     Db db(ctx.FilesDBPath);
-    QSqlQuery q = db.query("SELECT Имя, Путь, Размер, coalesce(Комментарий, '') FROM Файлы WHERE ДискID = ?", {id});
+    QSqlQuery q =
+        db.query("SELECT Имя, Путь, Размер, coalesce(Комментарий, '') FROM Файлы WHERE ДискID = ?", {id});
     QStringList rows;
     while (q.next()) {
         rows.append(q.value(0).toString() + '|' + q.value(1).toString() + '|' + q.value(2).toString() + '|' +
@@ -99,27 +99,30 @@ private slots:
         test::writeFile(m_tree + "/DOCS/Руководство.DOC", QByteArray(1024000, 'd'));
         test::writeFile(m_tree + "/DOCS/small.txt", QByteArray(100, 's'));
         test::writeFile(m_tree + "/DOCS/OLD/note.nfo", QByteArray(256, 'n'));
-        test::writeFile(m_tree + "/Музыка/Кино/трек 01.mp3", QByteArray(5000, 'm') + kTag.leftJustified(128, '\0'));
+        test::writeFile(m_tree + "/Музыка/Кино/трек 01.mp3",
+                        QByteArray(5000, 'm') + kTag.leftJustified(128, '\0'));
         test::writeFile(m_tree + "/Музыка/Кино/short.mp3", "short");
         QDir().mkpath(m_tree + "/EMPTY");
         m_image = m_dir.filePath("disc.iso");
-        test::runTool("genisoimage", {"-quiet", "-J", "-input-charset", "utf-8", "-hidden", "скрытый.txt", "-o",
-                                      m_image, m_tree});
+        test::runTool("genisoimage", {"-quiet", "-J", "-input-charset", "utf-8", "-hidden", "скрытый.txt",
+                                      "-o", m_image, m_tree});
     }
 
     void tags_data()
     {
         QTest::addColumn<QByteArray>("file");
         QTest::addColumn<QString>("comment");
-        QTest::newRow("tag") << QByteArray(300, 'x') + kTag.leftJustified(128, '\0') << "Кино (Live) - Группа крови";
+        QTest::newRow("tag") << QByteArray(300, 'x') + kTag.leftJustified(128, '\0')
+                             << "Кино (Live) - Группа крови";
         QTest::newRow("no tag") << QByteArray(300, 'x') << " - ";
         QTest::newRow("128 bytes with TAG are not read") << kTag.leftJustified(128, '\0') << " - ";
-        QTest::newRow("full 30 characters") << QByteArray(300, 'x') + "TAG" + QByteArray(30, 'T') + QByteArray(30, 'A') +
-                                                   QByteArray(65, '\0')
-                                            << QString(30, 'A') + " - " + QString(17, 'T'); // cut to 50
-        QTest::newRow("garbage after zero") << QByteArray(300, 'x') + "TAG" + QByteArray("Song\0zzzz", 9).leftJustified(30, 'q') +
-                                                   QByteArray("Band  ").leftJustified(30, '\0') + QByteArray(65, '\0')
-                                            << "Band - Song";
+        QTest::newRow("full 30 characters")
+            << QByteArray(300, 'x') + "TAG" + QByteArray(30, 'T') + QByteArray(30, 'A') + QByteArray(65, '\0')
+            << QString(30, 'A') + " - " + QString(17, 'T'); // cut to 50
+        QTest::newRow("garbage after zero")
+            << QByteArray(300, 'x') + "TAG" + QByteArray("Song\0zzzz", 9).leftJustified(30, 'q') +
+                   QByteArray("Band  ").leftJustified(30, '\0') + QByteArray(65, '\0')
+            << "Band - Song";
     }
 
     void tags()
@@ -188,12 +191,14 @@ private slots:
             if ((root ? !filesInCore : !scanDir) || scanDirOnly || (!hidden && file.name == "скрытый.txt")) {
                 continue;
             }
-            if (filter == 1 && std::any_of(entries.begin(), entries.end(),
-                                           [&](const QString& e) { return file.name.contains(e, Qt::CaseInsensitive); })) {
+            if (filter == 1 && std::any_of(entries.begin(), entries.end(), [&](const QString& e) {
+                    return file.name.contains(e, Qt::CaseInsensitive);
+                })) {
                 continue;
             }
-            if (filter == 2 && std::none_of(entries.begin(), entries.end(),
-                                            [&](const QString& e) { return file.name.contains(e, Qt::CaseInsensitive); })) {
+            if (filter == 2 && std::none_of(entries.begin(), entries.end(), [&](const QString& e) {
+                    return file.name.contains(e, Qt::CaseInsensitive);
+                })) {
                 continue;
             }
             QString comment;
@@ -208,7 +213,8 @@ private slots:
 
         const auto scanOf = [&](const std::unique_ptr<VolumeReader>& volume) {
             Db files(app.ctx.FilesDBPath);
-            const QString id = "T" + QString::number(qHash(QString::fromUtf8(QTest::currentDataTag())) % 100000);
+            const QString id =
+                "T" + QString::number(qHash(QString::fromUtf8(QTest::currentDataTag())) % 100000);
             ContentsLists lists(files, ContentsKind::Files);
             if (lists.exists(id)) {
                 lists.drop(id);
@@ -245,14 +251,18 @@ private slots:
         Reanimator(app.ctx, 0);
         {
             Db db(app.ctx.MainDBPath);
-            db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков) VALUES (7, 'Сборник', 1, 2)");
+            db.exec(
+                "INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков) VALUES (7, 'Сборник', 1, 2)");
         }
         const QString id = QString::number(readVolumeInfo(m_image).serial, 16).toUpper();
-        ScanRequest request{m_image, "PcCD", id, ScanOptions{false, false, false, false, false, false, std::nullopt}, 7, 2, true};
+        ScanRequest request{
+            m_image, "PcCD", id,  ScanOptions{false, false, false, false, false, false, std::nullopt},
+            7,       2,      true};
         QCOMPARE(startScan(app.ctx, request, {}).refusal, "Выберите область сканирования диска!");
         request.options.scanDir = true;
         request.kind = "AudioCD";
-        QCOMPARE(startScan(app.ctx, request, {}).refusal, "В устройстве для чтения компакт дисков вставлен Аудио диск.");
+        QCOMPARE(startScan(app.ctx, request, {}).refusal,
+                 "В устройстве для чтения компакт дисков вставлен Аудио диск.");
         request.kind = "DVD";
         const ScanOutcome silent = startScan(app.ctx, request, {});
         QVERIFY(!silent.done && silent.refusal.isEmpty());
@@ -298,8 +308,10 @@ private slots:
         FileListScanner scanner(*folder, options, {});
         scanner.onRows = [&](const QList<FileRow>& more) { rows += more; };
         QVERIFY(scanner.run());
-        QVERIFY(std::any_of(rows.begin(), rows.end(), [](const FileRow& row) { return row.name == "it's \"quoted\".txt"; }));
-        QVERIFY(std::all_of(rows.begin(), rows.end(), [](const FileRow& row) { return row.path.size() <= 255; }));
+        QVERIFY(std::any_of(rows.begin(), rows.end(),
+                            [](const FileRow& row) { return row.name == "it's \"quoted\".txt"; }));
+        QVERIFY(
+            std::all_of(rows.begin(), rows.end(), [](const FileRow& row) { return row.path.size() <= 255; }));
         test::TestApp app;
         Reanimator(app.ctx, 0);
         {
@@ -345,11 +357,13 @@ private slots:
             process.waitForFinished(60000);
             return std::make_pair(process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()));
         };
-        const auto [code, out] = cli({"scan", m_image, "--number", "3", "--files-in-root", "--folders", "--mp3", "--bind"});
+        const auto [code, out] =
+            cli({"scan", m_image, "--number", "3", "--files-in-root", "--folders", "--mp3", "--bind"});
         QCOMPARE(code, 0);
         const QString id = QString::number(readVolumeInfo(m_image).serial, 16).toUpper();
         QVERIFY(out.startsWith("id: " + id + "\nrows: "));
-        QVERIFY(storedRows(app.ctx, id).contains("трек 01.mp3|\\Музыка\\Кино\\|5,0|Кино (Live) - Группа крови"));
+        QVERIFY(
+            storedRows(app.ctx, id).contains("трек 01.mp3|\\Музыка\\Кино\\|5,0|Кино (Live) - Группа крови"));
         QCOMPARE(cli({"scan", m_image, "--number", "3", "--folders"}).first, 1); // the clash, answered No
         QCOMPARE(cli({"scan", m_image, "--number", "3", "--folders", "--new-id"}).first, 0);
         QCOMPARE(cli({"scan", m_image, "--number", "99", "--folders"}).first, 1);

@@ -27,10 +27,12 @@ private slots:
     {
         test::TestApp app;
         const AppError first(3000, QStringLiteral("Первая"));
-        QVERIFY_THROWS_EXCEPTION(ProcessEnded, ReportFault(app.ctx, QStringLiteral("frmDue, cmdDelete()"), first));
+        QVERIFY_THROWS_EXCEPTION(ProcessEnded,
+                                 ReportFault(app.ctx, QStringLiteral("frmDue, cmdDelete()"), first));
         app.clock.set(app.clock.now().addSecs(61));
         try {
-            ReportFault(app.ctx, QStringLiteral("vinoraModule, Main()"), AppError(7, QStringLiteral("Out of memory")));
+            ReportFault(app.ctx, QStringLiteral("vinoraModule, Main()"),
+                        AppError(7, QStringLiteral("Out of memory")));
         } catch (const ProcessEnded& ended) {
             QCOMPARE(ended.exitCode, 1);
         }
@@ -47,10 +49,10 @@ private slots:
         QCOMPARE(app.prompter.shown[0].style, MessageStyle::Stop);
         const QString message = app.prompter.shown[0].text;
         QVERIFY(message.startsWith(QStringLiteral("ОШИБКА.\n\nПервая (Код: 3000)\n\nОтправьте на адрес ")));
-        QVERIFY(message.endsWith(
-            QStringLiteral(" файл bugreport.log (расположен в каталоге установленной программы). Файл содержит "
-                           "информацию, которая поможет исправить эту ошибку. В сообщении укажите "
-                           "последовательность Ваших действий до возникновения ошибки.")));
+        QVERIFY(message.endsWith(QStringLiteral(
+            " файл bugreport.log (расположен в каталоге установленной программы). Файл содержит "
+            "информацию, которая поможет исправить эту ошибку. В сообщении укажите "
+            "последовательность Ваших действий до возникновения ошибки.")));
     }
 
     void handlerPassesUnexpectedErrorsOn()
@@ -58,11 +60,13 @@ private slots:
         test::TestApp app;
         const int value = underFaultHandler(app.ctx, QStringLiteral("x, y()"), [] { return 5; });
         QCOMPARE(value, 5);
-        QVERIFY_THROWS_EXCEPTION(ProcessEnded, underFaultHandler(app.ctx, QStringLiteral("frmMain, CheckDue()"), [] {
+        QVERIFY_THROWS_EXCEPTION(ProcessEnded,
+                                 underFaultHandler(app.ctx, QStringLiteral("frmMain, CheckDue()"), [] {
                                      throw AppError(3343, QStringLiteral("Unrecognized database format"));
                                  }));
-        QVERIFY(cp1251::decode(test::readFile(app.file(QStringLiteral("bugreport.log"))))
-                    .contains(QStringLiteral("Unrecognized database format (Код: 3343) frmMain, CheckDue()")));
+        QVERIFY(
+            cp1251::decode(test::readFile(app.file(QStringLiteral("bugreport.log"))))
+                .contains(QStringLiteral("Unrecognized database format (Код: 3343) frmMain, CheckDue()")));
     }
 };
 

@@ -29,23 +29,41 @@ private slots:
         QTest::addColumn<int>("buffer");
         QTest::addColumn<QString>("expected");
 
-        const QString option = QStringLiteral("[Option]\r\nConfirmExit=1\r\nPathLocalDB=/data/Мои диски\r\n"
-                                              "Empty=\r\n  Spaced =  value with = sign  \r\nQuoted=\"a b\"\r\n");
-        QTest::newRow("exact") << option << "Option" << "ConfirmExit" << 5 << "1";
-        QTest::newRow("section and key ignore case") << option << "OPTION" << "confirmexit" << 5 << "1";
-        QTest::newRow("Cyrillic value") << option << "Option" << "PathLocalDB" << 255 << "/data/Мои диски";
-        QTest::newRow("buffer cuts the value") << option << "Option" << "PathLocalDB" << 5 << "/dat";
-        QTest::newRow("buffer of 2 keeps one character") << "[Option]\nCheckCD=10\n" << "Option" << "CheckCD" << 2 << "1";
-        QTest::newRow("empty value reads as nothing") << option << "Option" << "Empty" << 5 << "";
-        QTest::newRow("missing key reads as nothing") << option << "Option" << "Drive" << 5 << "";
-        QTest::newRow("missing section") << option << "Window" << "State" << 15 << "";
-        QTest::newRow("blanks trimmed, later = kept") << option << "Option" << "Spaced" << 255 << "value with = sign";
-        QTest::newRow("quotes stripped") << option << "Option" << "Quoted" << 255 << "a b";
-        QTest::newRow("first of two sections") << "[A]\nk=1\n[a]\nk=2\n" << "a" << "k" << 5 << "1";
-        QTest::newRow("key of another section not seen") << "[A]\nk=1\n[B]\n" << "B" << "k" << 5 << "";
-        QTest::newRow("Cyrillic section ignores case") << "[Мой Запрос]\nCategory=AD\n" << "мой запрос" << "category"
-                                                       << 55 << "AD";
-        QTest::newRow("garbage around") << "\x01\x02 trash\n=x\n[Option\nConfirmExit=0\n" << "Option"
+        const QString option =
+            QStringLiteral("[Option]\r\nConfirmExit=1\r\nPathLocalDB=/data/Мои диски\r\n"
+                           "Empty=\r\n  Spaced =  value with = sign  \r\nQuoted=\"a b\"\r\n");
+        QTest::newRow("exact") << option << "Option"
+                               << "ConfirmExit" << 5 << "1";
+        QTest::newRow("section and key ignore case") << option << "OPTION"
+                                                     << "confirmexit" << 5 << "1";
+        QTest::newRow("Cyrillic value") << option << "Option"
+                                        << "PathLocalDB" << 255 << "/data/Мои диски";
+        QTest::newRow("buffer cuts the value") << option << "Option"
+                                               << "PathLocalDB" << 5 << "/dat";
+        QTest::newRow("buffer of 2 keeps one character") << "[Option]\nCheckCD=10\n"
+                                                         << "Option"
+                                                         << "CheckCD" << 2 << "1";
+        QTest::newRow("empty value reads as nothing") << option << "Option"
+                                                      << "Empty" << 5 << "";
+        QTest::newRow("missing key reads as nothing") << option << "Option"
+                                                      << "Drive" << 5 << "";
+        QTest::newRow("missing section") << option << "Window"
+                                         << "State" << 15 << "";
+        QTest::newRow("blanks trimmed, later = kept") << option << "Option"
+                                                      << "Spaced" << 255 << "value with = sign";
+        QTest::newRow("quotes stripped") << option << "Option"
+                                         << "Quoted" << 255 << "a b";
+        QTest::newRow("first of two sections") << "[A]\nk=1\n[a]\nk=2\n"
+                                               << "a"
+                                               << "k" << 5 << "1";
+        QTest::newRow("key of another section not seen") << "[A]\nk=1\n[B]\n"
+                                                         << "B"
+                                                         << "k" << 5 << "";
+        QTest::newRow("Cyrillic section ignores case") << "[Мой Запрос]\nCategory=AD\n"
+                                                       << "мой запрос"
+                                                       << "category" << 55 << "AD";
+        QTest::newRow("garbage around") << "\x01\x02 trash\n=x\n[Option\nConfirmExit=0\n"
+                                        << "Option"
                                         << "ConfirmExit" << 5 << "0";
     }
 
@@ -78,7 +96,8 @@ private slots:
         ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), QStringLiteral("/home/Пётр"));
         const QByteArray bytes = test::readFile(path());
         QVERIFY(bytes.contains("PathLocalDB=/home/\xCF\xB8\xF2\xF0"));
-        QCOMPARE(ini().read(QStringLiteral("option"), QStringLiteral("pathlocaldb"), 255), QStringLiteral("/home/Пётр"));
+        QCOMPARE(ini().read(QStringLiteral("option"), QStringLiteral("pathlocaldb"), 255),
+                 QStringLiteral("/home/Пётр"));
     }
 
     void writeReplacesInsertsAndRemoves()
@@ -87,8 +106,10 @@ private slots:
         ini().write(QStringLiteral("Option"), QStringLiteral("ConfirmExit"), QStringLiteral("0"));
         ini().write(QStringLiteral("Option"), QStringLiteral("Drive"), QStringLiteral("/dev/sr0"));
         ini().write(QStringLiteral("Sorted"), QStringLiteral("ADCDsorted"), QStringLiteral("2"));
-        QCOMPARE(cp1251::decode(test::readFile(path())),
-                 QStringLiteral("[Option]\nConfirmExit=0\nDrive=/dev/sr0\n\n[Window]\nState=0\n[Sorted]\nADCDsorted=2\n"));
+        QCOMPARE(
+            cp1251::decode(test::readFile(path())),
+            QStringLiteral(
+                "[Option]\nConfirmExit=0\nDrive=/dev/sr0\n\n[Window]\nState=0\n[Sorted]\nADCDsorted=2\n"));
 
         ini().removeKey(QStringLiteral("option"), QStringLiteral("drive"));
         ini().removeSection(QStringLiteral("WINDOW"));

@@ -1,7 +1,6 @@
 #include "frame/TextRules.h"
 #include "support/TestMain.h"
 
-
 using namespace vinora;
 
 class tst_textrules : public QObject
@@ -13,10 +12,14 @@ private slots:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("stored");
-        QTest::newRow("quote") << "Say \"Hi\"" << "Say 'Hi'";
-        QTest::newRow("brackets") << "[Live] Best]" << "(Live) Best)";
-        QTest::newRow("untouched") << "Rock & Roll 50% _x_ *" << "Rock & Roll 50% _x_ *";
-        QTest::newRow("Cyrillic") << "Ария \"Герой\"" << "Ария 'Герой'";
+        QTest::newRow("quote") << "Say \"Hi\""
+                               << "Say 'Hi'";
+        QTest::newRow("brackets") << "[Live] Best]"
+                                  << "(Live) Best)";
+        QTest::newRow("untouched") << "Rock & Roll 50% _x_ *"
+                                   << "Rock & Roll 50% _x_ *";
+        QTest::newRow("Cyrillic") << "Ария \"Герой\""
+                                  << "Ария 'Герой'";
     }
 
     void cleanText()

@@ -76,7 +76,8 @@ private slots:
             StampCatalogueUpdate(db, Category::Audio, QDate(2026, 3, 1));
         }
         d.exec("INSERT INTO ИменаДолжников (Имя) VALUES ('Пётр')");
-        d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, 'AD', '2027-01-01')");
+        d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, 'AD', "
+               "'2027-01-01')");
         d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, Долг) VALUES (1, 2, 'AD', 0)");
         d.open();
         QCOMPARE(d.text("lblCDsAudio"), "2");
@@ -95,12 +96,18 @@ private slots:
         QTest::addColumn<QString>("checkSetting"); // CheckDueOnStartup, "-" for missing
         QTest::addColumn<QString>("overdue");      // lblFindDueAudio
         QTest::addColumn<bool>("sign");
-        QTest::newRow("due today") << QStringList{"2026-11-22"} << "-" << "1" << true;
-        QTest::newRow("due yesterday and today") << QStringList{"2026-11-21", "2026-11-22"} << "-" << "2" << true;
-        QTest::newRow("due tomorrow") << QStringList{"2026-11-23"} << "-" << "0" << false;
-        QTest::newRow("open-ended") << QStringList{""} << "-" << "0" << false;
-        QTest::newRow("check turned off") << QStringList{"2026-11-01"} << "0" << "0" << false;
-        QTest::newRow("check on") << QStringList{"2026-11-01"} << "1" << "1" << true;
+        QTest::newRow("due today") << QStringList{"2026-11-22"} << "-"
+                                   << "1" << true;
+        QTest::newRow("due yesterday and today") << QStringList{"2026-11-21", "2026-11-22"} << "-"
+                                                 << "2" << true;
+        QTest::newRow("due tomorrow") << QStringList{"2026-11-23"} << "-"
+                                      << "0" << false;
+        QTest::newRow("open-ended") << QStringList{""} << "-"
+                                    << "0" << false;
+        QTest::newRow("check turned off") << QStringList{"2026-11-01"} << "0"
+                                          << "0" << false;
+        QTest::newRow("check on") << QStringList{"2026-11-01"} << "1"
+                                  << "1" << true;
     }
 
     void overdueSigns()
@@ -112,7 +119,8 @@ private slots:
         Dashboard d;
         d.exec("INSERT INTO ИменаДолжников (Имя) VALUES ('Анна')");
         for (const QString& due : dueDates) {
-            d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, 'AD', ?)",
+            d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, "
+                   "'AD', ?)",
                    {due.isEmpty() ? QVariant() : QVariant(due)});
         }
         if (checkSetting != "-") {
@@ -134,7 +142,8 @@ private slots:
         Dashboard d;
         d.set("tmrDue", "1");
         d.exec("INSERT INTO ИменаДолжников (Имя) VALUES ('Анна')");
-        d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, 'DVD', '2026-01-01')");
+        d.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВозврата) VALUES (1, 1, "
+               "'DVD', '2026-01-01')");
         frmMain& w = d.open();
         QCOMPARE(w.timer("tmrFindDue").interval(), 1);
         w.tmrFindDue_Timer();
@@ -239,11 +248,15 @@ private slots:
     void unbindingTouchesTheFirstRowOnly()
     {
         Dashboard d;
-        d.exec("INSERT INTO DVD (Номер, Название, КодЖанр, ДискID1_d, ДискID3_d) VALUES (1, 'A', 1, 'ID', 'ID')");
+        d.exec("INSERT INTO DVD (Номер, Название, КодЖанр, ДискID1_d, ДискID3_d) VALUES (1, 'A', 1, 'ID', "
+               "'ID')");
         d.exec("INSERT INTO DVD (Номер, Название, КодЖанр, ДискID2_d) VALUES (2, 'B', 1, 'ID')");
         Db db(d.app.ctx.MainDBPath);
         QVERIFY(unbindDisc(db, Category::Dvd, "ID"));
-        QCOMPARE(db.scalar("SELECT COUNT(*) FROM DVD WHERE ДискID1_d IS NULL AND ДискID3_d IS NULL AND Номер = 1").toInt(), 1);
+        QCOMPARE(
+            db.scalar("SELECT COUNT(*) FROM DVD WHERE ДискID1_d IS NULL AND ДискID3_d IS NULL AND Номер = 1")
+                .toInt(),
+            1);
         QCOMPARE(db.scalar("SELECT ДискID2_d FROM DVD WHERE Номер = 2").toString(), "ID");
         QVERIFY(unbindDisc(db, Category::Dvd, "ID"));
         QVERIFY(!unbindDisc(db, Category::Dvd, "ID"));
@@ -255,7 +268,9 @@ private slots:
         const QString iso = m_discs.iso("single.iso", {"-J", "-V", "SOFT"});
         const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
         // A binding left in slot 2 after the set was reduced to one disc.
-        d.exec("INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков, ДискID2_d) VALUES (7, 'Офис', 1, 1, ?)", {id});
+        d.exec("INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков, ДискID2_d) VALUES (7, 'Офис', "
+               "1, 1, ?)",
+               {id});
         d.set("Drive", iso);
         d.open();
         d.tick();
@@ -307,7 +322,8 @@ private slots:
         Reanimator(other.ctx, 0);
         {
             Db db(other.ctx.MainDBPath);
-            db.exec("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'A', 1), (2, 'B', 1), (3, 'C', 1)");
+            db.exec(
+                "INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'A', 1), (2, 'B', 1), (3, 'C', 1)");
         }
         const QString friendDb = friendFolder.filePath("friend.db");
         QFile::rename(other.ctx.MainDBPath, friendDb);
@@ -353,8 +369,9 @@ private slots:
         frmMain& w = d.open();
         d.app.prompter.answerPath(text);
         w.runCommand("ID_DB_Open");
-        QCOMPARE(d.app.prompter.texts().last(),
-                 "ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или имеет не верный формат.");
+        QCOMPARE(
+            d.app.prompter.texts().last(),
+            "ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или имеет не верный формат.");
         QVERIFY(!d.app.ctx.ExternalDBOpen);
         QCOMPARE(w.statusPanelText(1), "База данных - локальная");
         QCOMPARE(d.app.ctx.MainDBPath, d.app.file("vinora.db"));
@@ -365,12 +382,18 @@ private slots:
     {
         QTest::addColumn<QString>("stored"); // "-" for missing
         QTest::addColumn<QString>("command");
-        QTest::newRow("missing") << "-" << "ID_Catalog_AddAudioCD";
-        QTest::newRow("1") << "1" << "ID_Catalog_AddAudioCD";
-        QTest::newRow("2") << "2" << "ID_Catalog_AddPCCD";
-        QTest::newRow("3") << "3" << "ID_Catalog_AddDVD";
-        QTest::newRow("9") << "9" << "";
-        QTest::newRow("garbage") << "x" << "";
+        QTest::newRow("missing") << "-"
+                                 << "ID_Catalog_AddAudioCD";
+        QTest::newRow("1") << "1"
+                           << "ID_Catalog_AddAudioCD";
+        QTest::newRow("2") << "2"
+                           << "ID_Catalog_AddPCCD";
+        QTest::newRow("3") << "3"
+                           << "ID_Catalog_AddDVD";
+        QTest::newRow("9") << "9"
+                           << "";
+        QTest::newRow("garbage") << "x"
+                                 << "";
     }
 
     void lastAction()
@@ -383,10 +406,11 @@ private slots:
     void deletingAShortcutRenumbers()
     {
         Dashboard d;
-        test::writeFile(d.app.file("query.ini"),
-                        cp1251::encode(QStringLiteral("[Query]\nCount=3\n[1]\nName=Рок\n[2]\nName=Джаз\n[3]\nName=Игры\n"
-                                                      "[Рок]\nNum=1\nCategory=AD\n[Джаз]\nNum=2\nCategory=AD\n"
-                                                      "[Игры]\nNum=3\nCategory=PC\n")));
+        test::writeFile(
+            d.app.file("query.ini"),
+            cp1251::encode(QStringLiteral("[Query]\nCount=3\n[1]\nName=Рок\n[2]\nName=Джаз\n[3]\nName=Игры\n"
+                                          "[Рок]\nNum=1\nCategory=AD\n[Джаз]\nNum=2\nCategory=AD\n"
+                                          "[Игры]\nNum=3\nCategory=PC\n")));
         frmMain& w = d.open();
         QCOMPARE(w.listBarItems("g4"), (QStringList{"Рок", "Джаз", "Игры"}));
         d.app.prompter.answer(Answer::No);
@@ -416,8 +440,9 @@ private slots:
         QByteArray garbage("[Query]\nCount=999999\n[1]\nName=\x01\x02\x03\n");
         garbage += QByteArray(2000, '\xFE');
         test::writeFile(d.app.file("query.ini"), garbage);
-        test::writeFile(d.app.file("vinora.ini"), QByteArray("[Option]\nDrive=\x05\x06/nowhere\ntmrCD=abc\nCheckCD=\xFF\n") +
-                                                     QByteArray(500, '\0'));
+        test::writeFile(d.app.file("vinora.ini"),
+                        QByteArray("[Option]\nDrive=\x05\x06/nowhere\ntmrCD=abc\nCheckCD=\xFF\n") +
+                            QByteArray(500, '\0'));
         frmMain& w = d.open();
         QVERIFY(w.listBarItems("g4").size() <= 1);
         d.tick();

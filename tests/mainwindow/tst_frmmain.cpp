@@ -12,7 +12,6 @@
 #include <QStatusBar>
 #include <QToolBar>
 
-
 using namespace vinora;
 
 namespace {
@@ -21,8 +20,14 @@ struct Window
 {
     Window() { Reanimator(app.ctx, 0); }
     test::TestApp app;
-    QString ini(const QString& section, const QString& key) const { return app.ctx.ini().read(section, key, 255); }
-    void set(const QString& key, const QString& value) { app.ctx.ini().write(QStringLiteral("Option"), key, value); }
+    QString ini(const QString& section, const QString& key) const
+    {
+        return app.ctx.ini().read(section, key, 255);
+    }
+    void set(const QString& key, const QString& value)
+    {
+        app.ctx.ini().write(QStringLiteral("Option"), key, value);
+    }
 };
 
 } // namespace
@@ -159,8 +164,8 @@ private slots:
                                "ID_Catalog_ChangeCategory"}) {
             QVERIFY2(window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
-        for (const char* id : {"ID_Due_Admin", "ID_Due_List", "ID_DB_Option", "ID_DB_Wizard", "ID_QuickADNewDue",
-                               "ID_QuickPCFind", "ID_ToolbarEditAdd"}) {
+        for (const char* id : {"ID_Due_Admin", "ID_Due_List", "ID_DB_Option", "ID_DB_Wizard",
+                               "ID_QuickADNewDue", "ID_QuickPCFind", "ID_ToolbarEditAdd"}) {
             QVERIFY2(!window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
     }
@@ -196,7 +201,8 @@ private slots:
         for (int i = 0; i < paths.size(); ++i) {
             QCOMPARE(test::inodeOf(paths[i]) != before[i], compacted);
         }
-        QCOMPARE(QDir(w.app.folder.path()).entryList({QStringLiteral("~*"), QStringLiteral(".*")}, QDir::Files | QDir::Hidden),
+        QCOMPARE(QDir(w.app.folder.path())
+                     .entryList({QStringLiteral("~*"), QStringLiteral(".*")}, QDir::Files | QDir::Hidden),
                  QStringList());
         Db db(w.app.ctx.MainDBPath);
         QCOMPARE(db.scalar(QStringLiteral("SELECT count(*) FROM Стиль")).toInt(), 31);

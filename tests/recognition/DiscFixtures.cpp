@@ -65,7 +65,8 @@ QString DiscFixtures::sourceTree()
 QString DiscFixtures::iso(const QString& name, const QStringList& options)
 {
     const QString image = path(name);
-    runTool("genisoimage", QStringList{"-quiet", "-input-charset", "utf-8", "-o", image} + options + QStringList{sourceTree()});
+    runTool("genisoimage", QStringList{"-quiet", "-input-charset", "utf-8", "-o", image} + options +
+                               QStringList{sourceTree()});
     return image;
 }
 
@@ -86,7 +87,8 @@ QString DiscFixtures::udf(const QString& name, const QString& label, const QStri
     file.open(QIODevice::WriteOnly);
     file.resize(8 * 1024 * 1024);
     file.close();
-    runTool("mkudffs", {"--label=" + label, "--blocksize=2048", "--media-type=hd", "--udfrev=" + revision, image});
+    runTool("mkudffs",
+            {"--label=" + label, "--blocksize=2048", "--media-type=hd", "--udfrev=" + revision, image});
     return image;
 }
 
@@ -107,8 +109,8 @@ QString DiscFixtures::audioCue(const QString& name, const QList<int>& trackSecto
     }
     file.resize(position * kRawSector); // silence, kept sparse
     if (!dataImage.isEmpty()) {
-        cue += QString::asprintf("  TRACK %02d MODE1/2352\n", int(trackSectors.size()) + 1) + "    INDEX 01 " +
-               index(position) + "\n";
+        cue += QString::asprintf("  TRACK %02d MODE1/2352\n", int(trackSectors.size()) + 1) +
+               "    INDEX 01 " + index(position) + "\n";
         file.seek(position * kRawSector);
         QFile data(dataImage);
         data.open(QIODevice::ReadOnly);

@@ -20,7 +20,8 @@ public:
     // Two sessions appended by xorriso: labels FIRST then SECOND.
     QString twoSessionIso(const QString& name);
     // An empty UDF file system made by mkudffs (revision "0x0201" unless given).
-    QString udf(const QString& name, const QString& label, const QString& revision = QStringLiteral("0x0201"));
+    QString udf(const QString& name, const QString& label,
+                const QString& revision = QStringLiteral("0x0201"));
     // A CUE sheet and its BIN of silent audio tracks of the given lengths in sectors,
     // optionally followed by a data track holding the 2048-byte sectors of `dataImage`.
     QString audioCue(const QString& name, const QList<int>& trackSectors, const QString& dataImage = {});

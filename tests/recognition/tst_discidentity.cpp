@@ -56,14 +56,22 @@ private slots:
         QTest::addColumn<QString>("stored"); // skipcd.ini entry, "" for none
         QTest::addColumn<QString>("kind");
         QTest::addColumn<bool>("hasId");
-        QTest::newRow("audio") << m_audio << "" << "AudioCD" << true;
-        QTest::newRow("data") << m_data << "" << "PcCD" << true;
-        QTest::newRow("UDF") << m_udf << "" << "DVD" << true;
-        QTest::newRow("nothing") << m_dir.filePath("none.iso") << "" << "" << false;
-        QTest::newRow("audio stored as n/a") << m_audio << "n/a" << "" << false;
-        QTest::newRow("audio stored as PC") << m_audio << "PC" << "PcCD" << true;
-        QTest::newRow("data stored as DVD") << m_data << "DVD" << "DVD" << true;
-        QTest::newRow("UDF stored as AD") << m_udf << "AD" << "AudioCD" << true;
+        QTest::newRow("audio") << m_audio << ""
+                               << "AudioCD" << true;
+        QTest::newRow("data") << m_data << ""
+                              << "PcCD" << true;
+        QTest::newRow("UDF") << m_udf << ""
+                             << "DVD" << true;
+        QTest::newRow("nothing") << m_dir.filePath("none.iso") << ""
+                                 << "" << false;
+        QTest::newRow("audio stored as n/a") << m_audio << "n/a"
+                                             << "" << false;
+        QTest::newRow("audio stored as PC") << m_audio << "PC"
+                                            << "PcCD" << true;
+        QTest::newRow("data stored as DVD") << m_data << "DVD"
+                                            << "DVD" << true;
+        QTest::newRow("UDF stored as AD") << m_udf << "AD"
+                                          << "AudioCD" << true;
     }
 
     void kinds()
@@ -107,13 +115,27 @@ private slots:
         QTest::addColumn<QString>("label");
         QTest::addColumn<QString>("fs");
         QTest::addColumn<QString>("kind");
-        QTest::newRow("audio") << 221u << "Audio CD" << "CDFS" << "AudioCD";
-        QTest::newRow("long names") << 221u << "Audio CDX" << "CDFS" << "AudioCD";
-        QTest::newRow("data, long names") << 221u << "Backup" << "CDFS" << "PcCD";
-        QTest::newRow("data, Joliet") << 110u << "Audio CD" << "CDFS" << "PcCD";
-        QTest::newRow("UDF") << 255u << "Movie" << "UDF" << "DVD";
-        QTest::newRow("255 but not UDF") << 255u << "Mac" << "HFS" << "";
-        QTest::newRow("other length") << 31u << "Old" << "ISO" << "";
+        QTest::newRow("audio") << 221u << "Audio CD"
+                               << "CDFS"
+                               << "AudioCD";
+        QTest::newRow("long names") << 221u << "Audio CDX"
+                                    << "CDFS"
+                                    << "AudioCD";
+        QTest::newRow("data, long names") << 221u << "Backup"
+                                          << "CDFS"
+                                          << "PcCD";
+        QTest::newRow("data, Joliet") << 110u << "Audio CD"
+                                      << "CDFS"
+                                      << "PcCD";
+        QTest::newRow("UDF") << 255u << "Movie"
+                             << "UDF"
+                             << "DVD";
+        QTest::newRow("255 but not UDF") << 255u << "Mac"
+                                         << "HFS"
+                                         << "";
+        QTest::newRow("other length") << 31u << "Old"
+                                      << "ISO"
+                                      << "";
     }
 
     void propertiesDecide()
@@ -137,7 +159,8 @@ private slots:
         QCOMPARE(AskCategory(app.ctx, SerialToID(hfs.serial), chooser.function()), QStringLiteral("PcCD"));
         QCOMPARE(chooser.asked, 3);
         QCOMPARE(app.prompter.texts(), (QStringList{kCancelled, kCancelled}));
-        QCOMPARE(app.ctx.skipIni().read(QStringLiteral("CD"), QStringLiteral("BEEF"), 15), QStringLiteral("PC"));
+        QCOMPARE(app.ctx.skipIni().read(QStringLiteral("CD"), QStringLiteral("BEEF"), 15),
+                 QStringLiteral("PC"));
         QCOMPARE(decideKind(app.ctx, hfs), std::optional<QString>(QStringLiteral("PcCD")));
         QVERIFY(!app.ctx.DialogDone);
     }
@@ -149,7 +172,8 @@ private slots:
         chooser.answers = {std::nullopt};
         app.prompter.answer(Answer::Yes);
         QCOMPARE(AskCategory(app.ctx, QStringLiteral("ABC"), chooser.function()), QString());
-        QVERIFY(cp1251::decode(test::readFile(app.file("skipcd.ini"))).contains(QStringLiteral("[CD]\nABC=n/a")));
+        QVERIFY(
+            cp1251::decode(test::readFile(app.file("skipcd.ini"))).contains(QStringLiteral("[CD]\nABC=n/a")));
     }
 
     void dialogChoosesThroughThePrompter()

@@ -1,6 +1,6 @@
+#include "frame/IniFile.h"
 #include "recognition/Drives.h"
 #include "recognition/MountPoints.h"
-#include "frame/IniFile.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
@@ -24,7 +24,8 @@ private slots:
         QVERIFY(addVirtualDrive(ini(), "/data/two.cue"));
         QVERIFY(addVirtualDrive(ini(), "/data/three.nrg"));
         QVERIFY(!addVirtualDrive(ini(), "/data/two.cue"));
-        QCOMPARE(virtualDrives(ini()), (QStringList{"/data/Диски/one.iso", "/data/two.cue", "/data/three.nrg"}));
+        QCOMPARE(virtualDrives(ini()),
+                 (QStringList{"/data/Диски/one.iso", "/data/two.cue", "/data/three.nrg"}));
         QVERIFY(removeVirtualDrive(ini(), "/data/Диски/one.iso"));
         QVERIFY(!removeVirtualDrive(ini(), "/data/Диски/one.iso"));
         QCOMPARE(virtualDrives(ini()), (QStringList{"/data/two.cue", "/data/three.nrg"}));
@@ -37,9 +38,12 @@ private slots:
     {
         QTest::addColumn<QString>("stored");
         QTest::addColumn<QString>("chosen");
-        QTest::newRow("missing: the first") << "" << "/dev/sr0";
-        QTest::newRow("stored and present") << "/img/b.iso" << "/img/b.iso";
-        QTest::newRow("stored but gone: the first") << "/img/gone.iso" << "/dev/sr0";
+        QTest::newRow("missing: the first") << ""
+                                            << "/dev/sr0";
+        QTest::newRow("stored and present") << "/img/b.iso"
+                                            << "/img/b.iso";
+        QTest::newRow("stored but gone: the first") << "/img/gone.iso"
+                                                    << "/dev/sr0";
     }
 
     void chosenDrive()

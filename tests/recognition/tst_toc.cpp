@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-
 #include <discid/discid.h>
 
 using namespace vinora;
@@ -49,8 +48,8 @@ struct CdInfoTrack
 
 QList<CdInfoTrack> cdInfoTracks(const QString& cue, qint32* leadout)
 {
-    const QByteArray out = test::runTool("cd-info", {"--no-header", "--no-device-info", "--no-cddb", "--no-analyze",
-                                                     "--cue-file", cue});
+    const QByteArray out = test::runTool(
+        "cd-info", {"--no-header", "--no-device-info", "--no-cddb", "--no-analyze", "--cue-file", cue});
     QList<CdInfoTrack> tracks;
     for (const QByteArray& raw : out.split('\n')) {
         const QList<QByteArray> fields = raw.simplified().split(' ');
@@ -126,7 +125,8 @@ private slots:
             for (const QByteArray& offset : fields[4].split(' ')) {
                 offsets.append(offset.toInt());
             }
-            QTest::newRow(fields[0].constData()) << QString::fromLatin1(fields[0]) << offsets << fields[3].toInt();
+            QTest::newRow(fields[0].constData())
+                << QString::fromLatin1(fields[0]) << offsets << fields[3].toInt();
             ++rows;
         }
         QVERIFY(rows >= 8);
@@ -165,7 +165,8 @@ private slots:
         QFETCH(QList<int>, tracks);
         QFETCH(bool, dataTrack);
         const QString data = dataTrack ? m_discs.iso("data.iso", {"-V", "DATA"}) : QString();
-        const QString cue = m_discs.audioCue(QStringLiteral("toc%1%2").arg(tracks.size()).arg(dataTrack), tracks, data);
+        const QString cue =
+            m_discs.audioCue(QStringLiteral("toc%1%2").arg(tracks.size()).arg(dataTrack), tracks, data);
         const std::unique_ptr<Medium> medium = openMedium(cue);
         QVERIFY(medium);
         const Toc& toc = medium->toc();

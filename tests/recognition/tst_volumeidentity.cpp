@@ -91,7 +91,8 @@ private slots:
         QTest::addColumn<QList<qint32>>("starts");
         QTest::addColumn<qint32>("leadout");
         QTest::addColumn<quint32>("serial");
-        QTest::newRow("three tracks: sum of starts") << QList<qint32>{0, 15000, 30000} << 45000 << 0x00094200u;
+        QTest::newRow("three tracks: sum of starts")
+            << QList<qint32>{0, 15000, 30000} << 45000 << 0x00094200u;
         QTest::newRow("one track: the lead-out") << QList<qint32>{0} << 200000 << 0x002C1C32u;
         QTest::newRow("two tracks: the lead-out") << QList<qint32>{0, 100000} << 200000 << 0x002C1C32u;
     }
@@ -126,8 +127,8 @@ private slots:
         QTest::addColumn<qint64>("descriptor");
         QTest::addColumn<quint32>("maxLength");
         QTest::addColumn<QString>("label");
-        QTest::newRow("ISO 9660 only") << m_discs.iso("plain.iso", {"-V", "MY_DISC_01"}) << qint64(16) << 221u
-                                       << "MY_DISC_01";
+        QTest::newRow("ISO 9660 only")
+            << m_discs.iso("plain.iso", {"-V", "MY_DISC_01"}) << qint64(16) << 221u << "MY_DISC_01";
         QTest::newRow("Joliet") << m_discs.iso("joliet.iso", {"-J", "-V", "Мой диск"}) << qint64(17) << 110u
                                 << "Мой диск";
         QTest::newRow("Rock Ridge and Joliet") << m_discs.iso("rrj.iso", {"-R", "-J", "-V", "Backup 2026"})
@@ -188,7 +189,8 @@ private slots:
         QTest::addColumn<QString>("image");
         QTest::addColumn<QString>("label");
         QTest::newRow("UDF") << m_discs.udf("plain.udf", "Фильмы 2026") << "Фильмы 2026";
-        QTest::newRow("UDF bridge") << m_discs.iso("bridge.iso", {"-udf", "-J", "-V", "BRIDGE_DVD"}) << "BRIDGE_DVD";
+        QTest::newRow("UDF bridge") << m_discs.iso("bridge.iso", {"-udf", "-J", "-V", "BRIDGE_DVD"})
+                                    << "BRIDGE_DVD";
     }
 
     void udfImages()
@@ -322,8 +324,9 @@ private slots:
         };
         const VolumeInfo volume = readVolumeInfo(iso);
         const QString id = QString::number(volume.serial, 16).toUpper();
-        QCOMPARE(cli({"identify", iso}, 0), "kind: PcCD\nid: " + id + "\nlabel: Диск 7\nfs: CDFS\nmaxlen: 110\nserial: " +
-                                                QString("%1").arg(volume.serial, 8, 16, QChar(u'0')).toUpper() + "\n");
+        QCOMPARE(cli({"identify", iso}, 0),
+                 "kind: PcCD\nid: " + id + "\nlabel: Диск 7\nfs: CDFS\nmaxlen: 110\nserial: " +
+                     QString("%1").arg(volume.serial, 8, 16, QChar(u'0')).toUpper() + "\n");
         test::writeFile(home.filePath("skipcd.ini"), "[CD]\n" + id.toLatin1() + "=n/a\n");
         QVERIFY(cli({"identify", iso}, 0).startsWith("kind: \nid: "));
 
@@ -338,7 +341,8 @@ private slots:
 
     void damagedImagesNeverCrash()
     {
-        const QList<QString> images = {m_discs.iso("fuzz.iso", {"-J", "-R", "-V", "FUZZ"}), m_discs.udf("fuzz.udf", "FUZZ"),
+        const QList<QString> images = {m_discs.iso("fuzz.iso", {"-J", "-R", "-V", "FUZZ"}),
+                                       m_discs.udf("fuzz.udf", "FUZZ"),
                                        m_discs.iso("fuzzbridge.iso", {"-udf", "-V", "FUZZ"})};
         QRandomGenerator random(20261122);
         int identified = 0;
@@ -350,7 +354,8 @@ private slots:
                 for (int i = 0; i < hits; ++i) {
                     // Mostly in the descriptors, where the reader looks first.
                     const qint64 limit = std::min<qint64>(damaged.size(), 600 * 2048);
-                    const qint64 at = round % 3 == 0 ? random.bounded(limit) : 16 * 2048 + random.bounded(20 * 2048);
+                    const qint64 at =
+                        round % 3 == 0 ? random.bounded(limit) : 16 * 2048 + random.bounded(20 * 2048);
                     damaged[at] = char(random.bounded(256));
                 }
                 if (round % 10 == 9) {

@@ -23,7 +23,8 @@ QStringList walk(VolumeReader& reader, const QString& folder = {})
     }
     for (const VolumeEntry& entry : *entries) {
         const QString path = folder.isEmpty() ? entry.name : folder + "/" + entry.name;
-        QString line = entry.isFolder ? QString(path + "/") : QString(path + " " + QString::number(entry.size));
+        QString line =
+            entry.isFolder ? QString(path + "/") : QString(path + " " + QString::number(entry.size));
         if (entry.hidden) {
             line += " hidden";
         }
@@ -39,11 +40,13 @@ QStringList walk(VolumeReader& reader, const QString& folder = {})
 QStringList walkTree(const QString& root)
 {
     QStringList lines;
-    QDirIterator it(root, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    QDirIterator it(root, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
     while (it.hasNext()) {
         it.next();
         const QString path = QDir(root).relativeFilePath(it.filePath());
-        lines.append(it.fileInfo().isDir() ? QString(path + "/") : QString(path + " " + QString::number(it.fileInfo().size())));
+        lines.append(it.fileInfo().isDir() ? QString(path + "/")
+                                           : QString(path + " " + QString::number(it.fileInfo().size())));
     }
     return lines;
 }
@@ -72,12 +75,14 @@ private slots:
     void initTestCase()
     {
         m_tree = m_discs.sourceTree();
-        m_tag = "TAG" + QByteArray("Песня").leftJustified(30, '\0') + QByteArray("Artist").leftJustified(30, '\0');
+        m_tag = "TAG" + QByteArray("Песня").leftJustified(30, '\0') +
+                QByteArray("Artist").leftJustified(30, '\0');
         m_tag = m_tag.leftJustified(128, '\0');
         test::writeFile(m_tree + "/Музыка/Альбом/трек 01.mp3", QByteArray(5000, 'm') + m_tag);
         test::writeFile(m_tree + "/секрет.txt", "hidden on the disc\n");
         for (int i = 0; i < 40; ++i) {
-            test::writeFile(m_tree + QString("/Много/file%1.dat").arg(i, 3, 10, QChar('0')), QByteArray(i * 97, 'x'));
+            test::writeFile(m_tree + QString("/Много/file%1.dat").arg(i, 3, 10, QChar('0')),
+                            QByteArray(i * 97, 'x'));
         }
     }
 
@@ -86,7 +91,8 @@ private slots:
         QTest::addColumn<QString>("image");
         QTest::newRow("Joliet") << m_discs.iso("j.iso", {"-J", "-hidden", "секрет.txt"});
         QTest::newRow("Rock Ridge") << m_discs.iso("r.iso", {"-R", "-hidden", "секрет.txt"});
-        QTest::newRow("Rock Ridge and Joliet") << m_discs.iso("rj.iso", {"-R", "-J", "-hidden", "секрет.txt"});
+        QTest::newRow("Rock Ridge and Joliet")
+            << m_discs.iso("rj.iso", {"-R", "-J", "-hidden", "секрет.txt"});
         QTest::newRow("UDF bridge") << m_discs.iso("u.iso", {"-udf", "-J"});
         QTest::newRow("mounted folder") << QString();
     }
@@ -94,10 +100,15 @@ private slots:
     void readsWhatWasWritten()
     {
         QFETCH(QString, image);
-        const std::unique_ptr<VolumeReader> reader = image.isEmpty() ? openFolderReader(m_tree) : openVolumeReader(image);
+        const std::unique_ptr<VolumeReader> reader =
+            image.isEmpty() ? openFolderReader(m_tree) : openVolumeReader(image);
         QVERIFY(reader);
         const QStringList listing = walk(*reader);
-        QCOMPARE(withoutFlags(listing), [&] { QStringList t = walkTree(m_tree); t.sort(); return t; }());
+        QCOMPARE(withoutFlags(listing), [&] {
+            QStringList t = walkTree(m_tree);
+            t.sort();
+            return t;
+        }());
         if (qstrcmp(QTest::currentDataTag(), "UDF bridge") != 0 && !image.isEmpty()) {
             QVERIFY(listing.contains("секрет.txt 19 hidden"));
         }
@@ -126,7 +137,8 @@ private slots:
         const QStringList listing = walk(*reader);
         QVERIFY(listing.contains("README.TXT 10"));
         QVERIFY(listing.contains("DOCS/GUIDE.DOC 1024000"));
-        QVERIFY(std::none_of(listing.begin(), listing.end(), [](const QString& l) { return l.contains(';'); }));
+        QVERIFY(
+            std::none_of(listing.begin(), listing.end(), [](const QString& l) { return l.contains(';'); }));
     }
 
     void noDataVolume_data()
@@ -160,7 +172,8 @@ private slots:
             for (int round = 0; round < 60; ++round) {
                 QByteArray damaged = original;
                 for (int i = 0; i < 1 + random.bounded(30); ++i) {
-                    damaged[random.bounded(std::min<qint64>(damaged.size(), 700 * 2048))] = char(random.bounded(256));
+                    damaged[random.bounded(std::min<qint64>(damaged.size(), 700 * 2048))] =
+                        char(random.bounded(256));
                 }
                 test::writeFile(damagedPath, damaged);
                 if (const auto reader = openVolumeReader(damagedPath)) {

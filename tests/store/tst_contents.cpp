@@ -49,13 +49,17 @@ private slots:
         QVERIFY(lists.exists(QStringLiteral("a1b2c3")));
         QCOMPARE(errorOf([&] { lists.create(QStringLiteral("a1b2c3")); }), 3010);
 
-        const QString insert = contentsKind == ContentsKind::Files
-                                   ? QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\', '0')")
-                                   : QStringLiteral("INSERT INTO Треки (ДискID, Номер, Название) VALUES (?, 1, ?)");
+        const QString insert =
+            contentsKind == ContentsKind::Files
+                ? QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\', '0')")
+                : QStringLiteral("INSERT INTO Треки (ДискID, Номер, Название) VALUES (?, 1, ?)");
         db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("Первый")});
         db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("Второй")});
         db.exec(insert, {QStringLiteral("12345678"), QStringLiteral("Другой")});
-        QCOMPARE(errorOf([&] { db.exec(insert, {QStringLiteral("FFFF"), QStringLiteral("без списка")}); }), 3201);
+        QCOMPARE(errorOf([&] {
+                     db.exec(insert, {QStringLiteral("FFFF"), QStringLiteral("без списка")});
+                 }),
+                 3201);
         QCOMPARE(errorOf([&] { db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("")}); }), 3315);
         QCOMPARE(lists.rowCount(QStringLiteral("A1B2C3")), 2);
 
@@ -80,9 +84,12 @@ private slots:
             lists.create(QStringLiteral("KEEP"));
             lists.create(QStringLiteral("BIG"));
             Transaction transaction(files);
-            Statement insert(files, QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\A\\', '1,0')"));
+            Statement insert(
+                files, QStringLiteral(
+                           "INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\A\\', '1,0')"));
             for (int i = 0; i < 3000; ++i) {
-                insert.run({i % 100 == 0 ? QStringLiteral("KEEP") : QStringLiteral("BIG"), QStringLiteral("file%1.txt").arg(i)});
+                insert.run({i % 100 == 0 ? QStringLiteral("KEEP") : QStringLiteral("BIG"),
+                            QStringLiteral("file%1.txt").arg(i)});
             }
             transaction.commit();
             lists.drop(QStringLiteral("BIG"));
@@ -94,9 +101,10 @@ private slots:
         Db files(app.ctx.FilesDBPath);
         QCOMPARE(ContentsLists(files, ContentsKind::Files).rowCount(QStringLiteral("KEEP")), 30);
         QCOMPARE(files.scalar(QStringLiteral("SELECT count(*) FROM Фильтр1")).toInt(), 8);
-        QCOMPARE(QDir(app.folder.path()).entryList({QStringLiteral("*~*"), QStringLiteral(".*part")},
-                                                    QDir::Files | QDir::Hidden),
-                 QStringList());
+        QCOMPARE(
+            QDir(app.folder.path())
+                .entryList({QStringLiteral("*~*"), QStringLiteral(".*part")}, QDir::Files | QDir::Hidden),
+            QStringList());
         QCOMPARE(QDir(elsewhere.path()).entryList(QDir::Files | QDir::Hidden).size(), 3);
     }
 };

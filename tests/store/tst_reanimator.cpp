@@ -10,7 +10,6 @@
 #include <QFileInfo>
 #include <QProcess>
 
-
 using namespace vinora;
 
 namespace {
@@ -58,23 +57,25 @@ private slots:
         test::TestApp app;
         Reanimator(app.ctx, 0);
         Db db(app.ctx.MainDBPath);
-        for (const auto& [table, key, field] : {std::tuple{"Стиль", "КодСтиля", "Стиль"},
-                                                std::tuple{"Описание", "КодОписания", "Описание"},
-                                                std::tuple{"Жанр", "КодЖанр", "Жанр"}}) {
-            const QVariant first = db.scalar(QStringLiteral("SELECT %1 FROM %2 WHERE %3 = 1")
-                                                 .arg(QString::fromUtf8(field), QString::fromUtf8(table),
-                                                      QString::fromUtf8(key)));
+        for (const auto& [table, key, field] :
+             {std::tuple{"Стиль", "КодСтиля", "Стиль"}, std::tuple{"Описание", "КодОписания", "Описание"},
+              std::tuple{"Жанр", "КодЖанр", "Жанр"}}) {
+            const QVariant first = db.scalar(
+                QStringLiteral("SELECT %1 FROM %2 WHERE %3 = 1")
+                    .arg(QString::fromUtf8(field), QString::fromUtf8(table), QString::fromUtf8(key)));
             QVERIFY2(!first.isNull() && first.toString().isEmpty(), table);
         }
         QCOMPARE(db.scalar(QStringLiteral("SELECT Стиль FROM Стиль WHERE КодСтиля = 31")).toString(),
                  QStringLiteral("Trance"));
         QCOMPARE(db.scalar(QStringLiteral("SELECT Описание FROM Описание WHERE КодОписания = 23")).toString(),
                  QStringLiteral("WEB-дизайн"));
-        QCOMPARE(db.scalar(QStringLiteral("SELECT ФорматЗвука FROM ФорматЗвука WHERE КодФорматЗвука = 1")).toString(),
+        QCOMPARE(db.scalar(QStringLiteral("SELECT ФорматЗвука FROM ФорматЗвука WHERE КодФорматЗвука = 1"))
+                     .toString(),
                  QStringLiteral("Dolby Digital 2.0"));
 
         Db files(app.ctx.FilesDBPath);
-        QCOMPARE(files.scalar(QStringLiteral("SELECT group_concat(Файл || ':' || Use, ' ') FROM Фильтр1")).toString(),
+        QCOMPARE(files.scalar(QStringLiteral("SELECT group_concat(Файл || ':' || Use, ' ') FROM Фильтр1"))
+                     .toString(),
                  QStringLiteral(".txt:-1 .doc:-1 .diz:-1 .nfo:-1 .htm:-1 .inf:-1 .ini:-1 .log:-1"));
         QCOMPARE(files.scalar(QStringLiteral("SELECT group_concat(Файл, ' ') FROM Фильтр2")).toString(),
                  QStringLiteral(".exe .zip .rar"));
@@ -137,8 +138,8 @@ private slots:
             QSKIP("this machine cannot make a folder read-only");
         }
         QCOMPARE(Reanimator(app.ctx, 0), true);
-        QCOMPARE(app.prompter.texts(),
-                 QStringList{QStringLiteral("Папка '") + elsewhere.path() + QStringLiteral("' доступна только для чтения!")});
+        QCOMPARE(app.prompter.texts(), QStringList{QStringLiteral("Папка '") + elsewhere.path() +
+                                                   QStringLiteral("' доступна только для чтения!")});
         QCOMPARE(app.prompter.shown[0].style, MessageStyle::Exclamation);
         QVERIFY(QDir(elsewhere.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     }
@@ -167,9 +168,10 @@ private slots:
             QVERIFY_THROWS_EXCEPTION(ProcessEnded, Reanimator(app.ctx, 0));
             QVERIFY(!QFileInfo::exists(app.file(QStringLiteral("vinora.db"))));
         }
-        QCOMPARE(app.prompter.texts(),
-                 QStringList{QStringLiteral("Папка '") + gone +
-                             QStringLiteral("' не существует!\n\nВосстановить путь к локальной базе данных?")});
+        QCOMPARE(
+            app.prompter.texts(),
+            QStringList{QStringLiteral("Папка '") + gone +
+                        QStringLiteral("' не существует!\n\nВосстановить путь к локальной базе данных?")});
     }
 
     void stockToolReadsTheFiles()
@@ -177,8 +179,9 @@ private slots:
         test::TestApp app;
         Reanimator(app.ctx, 0);
         QProcess sqlite;
-        sqlite.start(QStringLiteral("sqlite3"),
-                     {app.ctx.MainDBPath, QStringLiteral("SELECT count(*) FROM Стиль WHERE Стиль LIKE 'r%';")});
+        sqlite.start(
+            QStringLiteral("sqlite3"),
+            {app.ctx.MainDBPath, QStringLiteral("SELECT count(*) FROM Стиль WHERE Стиль LIKE 'r%';")});
         QVERIFY(sqlite.waitForFinished(10000));
         QCOMPARE(sqlite.exitCode(), 0);
         QCOMPARE(sqlite.readAllStandardOutput().trimmed(), QByteArray("6"));

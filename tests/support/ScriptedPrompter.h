@@ -10,7 +10,6 @@
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QUrl>
-
 #include <functional>
 
 namespace vinora::test {
@@ -44,7 +43,8 @@ public:
     bool unanswered() const { return m_answers.isEmpty() && m_inputs.isEmpty() && m_paths.isEmpty(); }
 
     Answer message(const QString& text, MessageStyle style) override;
-    std::optional<QString> input(const QString& prompt, const QString& title, const QString& initial) override;
+    std::optional<QString> input(const QString& prompt, const QString& title,
+                                 const QString& initial) override;
     QString openFile(const QString& title, const QString& filter, const QString& startPath) override;
     QString saveFile(const QString& title, const QString& filter, const QString& startPath) override;
     QString chooseFolder(const QString& title, const QString& startFolder) override;

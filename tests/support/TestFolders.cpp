@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,7 +14,8 @@ bool runChattr(const QString& flag, const QString& path)
 {
     QProcess chattr;
     chattr.start(QStringLiteral("chattr"), {flag, path});
-    return chattr.waitForFinished(10000) && chattr.exitStatus() == QProcess::NormalExit && chattr.exitCode() == 0;
+    return chattr.waitForFinished(10000) && chattr.exitStatus() == QProcess::NormalExit &&
+           chattr.exitCode() == 0;
 }
 
 } // namespace
@@ -55,7 +55,9 @@ QByteArray readFile(const QString& path)
 
 quint64 inodeOf(const QString& path)
 {
-    struct stat info {};
+    struct stat info
+    {
+    };
     return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
 }
 

@@ -29,7 +29,8 @@ private slots:
         QTest::addColumn<QString>("qtFilter");
         QTest::newRow("database") << "База данных vinora (*.db)|*.db|Все файлы (*.*)|*.*"
                                   << "База данных vinora (*.db);;Все файлы (*)";
-        QTest::newRow("several patterns") << "Рисунки|*.jpg;*.gif" << "Рисунки (*.jpg *.gif)";
+        QTest::newRow("several patterns") << "Рисунки|*.jpg;*.gif"
+                                          << "Рисунки (*.jpg *.gif)";
     }
 
     void fileFilters()
