@@ -30,6 +30,7 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDataStream>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -403,15 +404,45 @@ void frmMain::setStatusPicture(int panel, const QPixmap& picture)
 // Start and end
 // ======================================================================================
 
+namespace {
+// The layout file holds the tool bars' state and whether the vinora panel is shown.
+constexpr quint32 kLayoutMagic = 0x76696e31; // "vin1"
+} // namespace
+
+void frmMain::saveLayout()
+{
+    QSaveFile file(toolbarLayoutPath());
+    if (!file.open(QIODevice::WriteOnly)) {
+        return;
+    }
+    QDataStream out(&file);
+    out << kLayoutMagic << saveState() << m_actions.value(QStringLiteral("ID_Panel"))->isChecked();
+    file.commit();
+}
+
+void frmMain::restoreLayout()
+{
+    QFile file(toolbarLayoutPath());
+    if (!file.open(QIODevice::ReadOnly)) {
+        return; // the designed layout
+    }
+    QDataStream in(&file);
+    quint32 magic = 0;
+    QByteArray state;
+    bool panel = true;
+    in >> magic >> state >> panel;
+    if (magic != kLayoutMagic || in.status() != QDataStream::Ok || !restoreState(state)) {
+        return; // not ours or damaged: the designed layout
+    }
+    m_actions.value(QStringLiteral("ID_Panel"))->setChecked(panel);
+    syncToolbarTicks();
+}
+
 void frmMain::Form_Load()
 {
     underFaultHandler(m_ctx, QStringLiteral("frmMain, Form_Load()"), [this] {
         LoadWinPos();
-        QFile layout(toolbarLayoutPath());
-        if (layout.exists() && layout.open(QIODevice::ReadOnly)) {
-            restoreState(layout.readAll());
-            syncToolbarTicks();
-        }
+        restoreLayout();
         m_statusPanels[3]->setText(datePanelText(m_ctx.clock().today()));
         m_timeShowsDate = true;
         m_tmrTime.start();
@@ -476,11 +507,7 @@ bool frmMain::Form_Unload()
             OpenLocalDB();
         }
         m_tmrCheckCD.stop();
-        QSaveFile layout(toolbarLayoutPath());
-        if (layout.open(QIODevice::WriteOnly)) {
-            layout.write(saveState());
-            layout.commit();
-        }
+        saveLayout();
         const int state = isMinimized() ? 1 : isMaximized() ? 2 : 0;
         const QRect place = geometry();
         SaveWinPos(m_ctx.ini(), state, x() * kTwipsPerPixel, y() * kTwipsPerPixel,

@@ -109,6 +109,8 @@ private:
     QWidget* buildCategoryBlock(Category category);
     QListWidget* addListBarGroup(const QString& key, const QString& caption, const QStringList& items);
     void syncToolbarTicks();
+    void saveLayout();
+    void restoreLayout();
     void setToolEnabled(const QString& toolId, bool enabled);
     void setListBarVisible(bool visible);
     void showQuickMenu(Category category, const QPoint& at);

@@ -145,6 +145,7 @@ private slots:
             window.action(QStringLiteral("ID_View_Toolbars_Due"))->trigger();
             QVERIFY(!window.toolbar(QStringLiteral("tbDue"))->isVisible());
             QVERIFY(!window.action(QStringLiteral("ID_View_Toolbars_Due"))->isChecked());
+            window.runCommand(QStringLiteral("ID_Panel")); // the vinora panel off
             QVERIFY(window.Form_Unload());
         }
         QVERIFY(QFileInfo::exists(w.app.file(QStringLiteral("vinora.atb"))));
@@ -154,6 +155,16 @@ private slots:
         QVERIFY(!window.toolbar(QStringLiteral("tbDue"))->isVisible());
         QVERIFY(window.toolbar(QStringLiteral("tbCatalog"))->isVisible());
         QVERIFY(!window.action(QStringLiteral("ID_View_Toolbars_Due"))->isChecked());
+        QVERIFY(!window.action(QStringLiteral("ID_Panel"))->isChecked());
+        QVERIFY(!window.findChild<QWidget*>(QStringLiteral("SSListBar"))->isVisible());
+
+        // A layout file that is not ours leaves the designed layout.
+        test::writeFile(window.toolbarLayoutPath(), "garbage");
+        frmMain fresh(w.app.ctx);
+        fresh.Form_Load();
+        fresh.show();
+        QVERIFY(fresh.toolbar(QStringLiteral("tbDue"))->isVisible());
+        QVERIFY(fresh.action(QStringLiteral("ID_Panel"))->isChecked());
     }
 
     void commandsWithoutTheirScreensAreDisabled()
