@@ -24,9 +24,11 @@ public:
 
     int rowsStored() const { return m_rows; }
 
+    // Closing the window stops the walk at the next folder; what is stored stays.
+    void reject() override;
+
 protected:
     void showEvent(QShowEvent* event) override;
-    void reject() override;
 
 private:
     void finished();

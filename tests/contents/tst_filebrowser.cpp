@@ -223,6 +223,27 @@ private slots:
         QVERIFY(list.fileNames().contains("readme.txt"));
     }
 
+    void closingStopsTheWalk()
+    {
+        Lists l;
+        {
+            Db files(l.app.ctx.FilesDBPath);
+            ContentsLists(files, ContentsKind::Files).create("STOP");
+        }
+        ScanRequest request;
+        request.drive = m_discs.iso("stop.iso", {"-J"});
+        frmFileListCreate walk(l.app.ctx, request, "STOP");
+        walk.reject(); // closed: the walk ends at its first look
+        walk.show();
+        QTRY_VERIFY(!walk.isVisible());
+        QCOMPARE(walk.rowsStored(), 0);
+
+        frmFileListCreate full(l.app.ctx, request, "STOP");
+        full.show();
+        QTRY_VERIFY(!full.isVisible());
+        QVERIFY(full.rowsStored() > 5);
+    }
+
     void filterEditor()
     {
         Lists l;
