@@ -2,11 +2,13 @@
 
 // Measuring helpers shared by the benchmarks: the median of several runs, and a report
 // line that counts a missed goal.
-#include "frame/Prompter.h"
+#include "frame/AppContext.h"
+#include "store/Reanimator.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -16,20 +18,19 @@ namespace vinora::bench {
 
 inline int g_failures = 0;
 
-// Benchmarks run without anyone to answer.
-class SilentPrompter final : public Prompter
+// A fresh application folder, with its three databases unless the benchmark makes them.
+struct BenchApp
 {
-public:
-    Answer message(const QString&, MessageStyle) override { return Answer::Ok; }
-    std::optional<QString> input(const QString&, const QString&, const QString&) override
+    explicit BenchApp(bool withDatabases = true)
     {
-        return std::nullopt;
+        if (withDatabases) {
+            Reanimator(ctx, 0);
+        }
     }
-    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
-    QString chooseFolder(const QString&, const QString&) override { return {}; }
-    int showModal(QDialog&) override { return 0; }
-    bool openUrl(const QUrl&) override { return false; }
+    QTemporaryDir dir;
+    UnattendedPrompter prompts;
+    SystemClock clock;
+    AppContext ctx{dir.path(), prompts, clock};
 };
 
 inline double medianMs(int runs, const std::function<void()>& work)

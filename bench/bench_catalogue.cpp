@@ -19,11 +19,8 @@ int main(int argc, char* argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
-    QTemporaryDir dir;
-    SilentPrompter prompts;
-    SystemClock clock;
-    AppContext ctx(dir.path(), prompts, clock);
-    Reanimator(ctx, 0);
+    BenchApp bench;
+    AppContext& ctx = bench.ctx;
     {
         Db db(ctx.MainDBPath);
         Transaction transaction(db);

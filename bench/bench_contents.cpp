@@ -44,11 +44,9 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
-    QTemporaryDir dir;
-    SilentPrompter prompts;
-    SystemClock clock;
-    AppContext ctx(dir.path(), prompts, clock);
-    Reanimator(ctx, 0);
+    BenchApp bench;
+    AppContext& ctx = bench.ctx;
+    QTemporaryDir& dir = bench.dir;
     const QString tree = dir.filePath(QStringLiteral("tree"));
     for (int folder = 0; folder < 1000; ++folder) {
         const QString path = tree + QStringLiteral("/d%1/папка").arg(folder / 10);

@@ -34,10 +34,8 @@ QString title(int i)
 int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
-    QTemporaryDir dir;
-    SilentPrompter prompts;
-    SystemClock clock;
-    AppContext ctx(dir.path(), prompts, clock);
+    BenchApp bench(false);
+    AppContext& ctx = bench.ctx;
     constexpr int kDiscs = 20000;
     constexpr int kFiles = 100000;
 

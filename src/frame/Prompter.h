@@ -66,4 +66,27 @@ public:
     virtual bool openUrl(const QUrl& url) = 0;
 };
 
+// The prompts of a run without anyone to answer (the command line, benchmarks): messages
+// are passed by, questions declined, nothing is typed, chosen or opened.
+class UnattendedPrompter : public Prompter
+{
+public:
+    Answer message(const QString&, MessageStyle style) override
+    {
+        const bool okCancel = style == MessageStyle::OkCancelQuestion ||
+                              style == MessageStyle::OkCancelStop ||
+                              style == MessageStyle::OkCancelInformation;
+        return !asksQuestion(style) ? Answer::Ok : okCancel ? Answer::Cancel : Answer::No;
+    }
+    std::optional<QString> input(const QString&, const QString&, const QString&) override
+    {
+        return std::nullopt;
+    }
+    QString openFile(const QString&, const QString&, const QString&) override { return {}; }
+    QString saveFile(const QString&, const QString&, const QString&) override { return {}; }
+    QString chooseFolder(const QString&, const QString&) override { return {}; }
+    int showModal(QDialog&) override { return 0; }
+    bool openUrl(const QUrl&) override { return false; }
+};
+
 } // namespace vinora
