@@ -45,13 +45,8 @@ QCompleter* inlineCompleter(const QStringList& words, QObject* parent)
 
 QStringList column(const Db& db, const QString& sql)
 {
-    QStringList words;
-    QSqlQuery query = db.query(sql);
-    while (query.next()) {
-        if (!query.value(0).toString().isEmpty()) {
-            words.append(query.value(0).toString());
-        }
-    }
+    QStringList words = db.texts(sql);
+    words.removeAll(QString());
     words.removeDuplicates();
     return words;
 }

@@ -286,12 +286,9 @@ void frmCatalogue::FullDictionary()
 {
     m_cmbDictionary->clear();
     const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-    QSqlQuery names =
-        db.query(QStringLiteral("SELECT \"") + m_kind.dictionaryTable + QStringLiteral("\" FROM \"") +
-                 m_kind.dictionaryTable + QStringLiteral("\" ORDER BY \"") + m_kind.dictionaryKey + u'"');
-    while (names.next()) {
-        m_cmbDictionary->addItem(names.value(0).toString());
-    }
+    m_cmbDictionary->addItems(db.texts(QStringLiteral("SELECT \"") + m_kind.dictionaryTable +
+                                       QStringLiteral("\" FROM \"") + m_kind.dictionaryTable +
+                                       QStringLiteral("\" ORDER BY \"") + m_kind.dictionaryKey + u'"'));
 }
 
 void frmCatalogue::cmbSorted_Click()

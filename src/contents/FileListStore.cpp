@@ -64,17 +64,22 @@ bool CreateFileTable(AppContext& ctx, QString& id, bool ask, const ClashQuestion
     }
 }
 
-void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, bool share)
+namespace {
+
+// Writes ДискID<slot> (and ДискID<slot>_d with `share`) of computer disc `number`; a null
+// `id` unties the slot.
+void setDiscIdSlot(AppContext& ctx, int number, int slot, const QString& id, bool share)
 {
     if (slot < 1 || slot > 6) {
         return;
     }
+    const QVariant value = id.isEmpty() ? QVariant() : QVariant(id);
     const Db db(ctx.MainDBPath);
     QString set = quoted(QStringLiteral("ДискID%1").arg(slot)) + QStringLiteral(" = ?");
-    QVariantList values{id};
+    QVariantList values{value};
     if (share) {
         set += QStringLiteral(", ") + quoted(QStringLiteral("ДискID%1_d").arg(slot)) + QStringLiteral(" = ?");
-        values.append(id);
+        values.append(value);
     }
     values.append(number);
     db.exec(QStringLiteral("UPDATE Компьютер SET ") + set +
@@ -83,6 +88,25 @@ void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, 
                     "ORDER BY 1 LIMIT 1)"),
             values);
     ctx.DiscIDSlots[static_cast<std::size_t>(slot - 1)] = id;
+}
+
+} // namespace
+
+void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, bool share)
+{
+    setDiscIdSlot(ctx, number, slot, id, share);
+}
+
+void DeleteFileList(AppContext& ctx, int number, int slot, const QString& id)
+{
+    {
+        const Db files(ctx.FilesDBPath);
+        const ContentsLists lists(files, ContentsKind::Files);
+        if (lists.exists(id)) {
+            lists.drop(id);
+        }
+    }
+    setDiscIdSlot(ctx, number, slot, QString(), false);
 }
 
 FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id))

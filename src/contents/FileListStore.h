@@ -33,6 +33,10 @@ bool CreateFileTable(AppContext& ctx, QString& id, bool ask, const ClashQuestion
 // ДискID<slot>_d too with `share`; slot `slot` of ctx.DiscIDSlots follows.
 void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, bool share);
 
+// Drops list `id` and unties it from disc `slot` of computer disc `number`: ДискID<slot> and
+// slot `slot` of ctx.DiscIDSlots become empty. The binding ДискID<slot>_d stays.
+void DeleteFileList(AppContext& ctx, int number, int slot, const QString& id);
+
 // Stores the rows a scan hands over into list `id`. Whole folders are committed, at least
 // every quarter of a second, so that a broken-off or failing scan keeps what was stored
 // before, without paying a disc flush for every small folder.

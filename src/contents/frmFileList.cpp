@@ -1,5 +1,7 @@
 #include "contents/frmFileList.h"
 
+#include "contents/FileListStore.h"
+#include "contents/StoredFileList.h"
 #include "contents/frmFileListOption.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
@@ -7,8 +9,6 @@
 #include "recognition/DiscIdentity.h"
 #include "recognition/MountPoints.h"
 #include "recognition/frmSelectCategory.h"
-#include "store/ContentsLists.h"
-#include "store/Db.h"
 #include "ui/WaitCursor.h"
 
 #include <QComboBox>
@@ -167,36 +167,16 @@ void frmFileList::cmbCountCD_Click()
         return;
     }
     selectFolder(0);
-    QStringList sizes;
-    {
-        const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-        QSqlQuery rows =
-            db.query(QStringLiteral("SELECT Размер FROM Файлы WHERE ДискID = ?"), {m_ctx.CurrentDiscID});
-        while (rows.next()) {
-            sizes.append(rows.value(0).toString());
-        }
-    }
-    m_lblCDSpace->setText(listVolumeText(sizes));
+    m_lblCDSpace->setText(listVolumeText(storedList().sizes()));
 }
 
 bool frmFileList::buildTree()
 {
     m_trView->clear();
-    std::optional<QList<FileTreeNode>> nodes;
-    bool listExists = false;
-    {
-        const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-        listExists = ContentsLists(db, ContentsKind::Files).exists(m_ctx.CurrentDiscID);
-        QStringList paths;
-        QSqlQuery rows =
-            db.query(QStringLiteral("SELECT DISTINCT Путь FROM Файлы WHERE ДискID = ? ORDER BY Путь"),
-                     {m_ctx.CurrentDiscID});
-        while (rows.next()) {
-            paths.append(rows.value(0).toString());
-        }
-        nodes = BuildTree(paths);
-    }
-    if (!listExists || !nodes) {
+    const StoredFileList list = storedList();
+    const std::optional<QList<FileTreeNode>> nodes =
+        list.exists() ? BuildTree(list.folders()) : std::optional<QList<FileTreeNode>>();
+    if (!nodes) {
         setCommentControls(false, false);
         m_trView->hide();
         m_lvFiles->hide();
@@ -225,6 +205,11 @@ bool frmFileList::buildTree()
     m_lvFiles->show();
     setCommentControls(true, false);
     return true;
+}
+
+StoredFileList frmFileList::storedList() const
+{
+    return StoredFileList(m_ctx.FilesDBPath, m_ctx.CurrentDiscID);
 }
 
 QString frmFileList::currentFolderKey() const
@@ -259,16 +244,8 @@ void frmFileList::selectFolder(int node)
 void frmFileList::FillFileList(const QString& path)
 {
     m_lvFiles->clear();
-    const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-    m_txtCommentDir->setText(
-        db.scalar(QStringLiteral("SELECT Комментарий FROM Файлы WHERE ДискID = ? AND Путь = ? AND "
-                                 "Имя = Путь"),
-                  {m_ctx.CurrentDiscID, path})
-            .toString());
-    QSqlQuery rows =
-        db.query(QStringLiteral("SELECT Имя, Размер FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя <> Путь "
-                                "ORDER BY Имя"),
-                 {m_ctx.CurrentDiscID, path});
+    const StoredFileList list = storedList();
+    m_txtCommentDir->setText(list.folderComment(path));
     static const QStyle::StandardPixmap icons[] = {QStyle::SP_FileIcon,     QStyle::SP_FileIcon,
                                                    QStyle::SP_ComputerIcon, QStyle::SP_DriveFDIcon,
                                                    QStyle::SP_FileIcon,     QStyle::SP_FileDialogDetailedView,
@@ -276,9 +253,9 @@ void frmFileList::FillFileList(const QString& path)
                                                    QStyle::SP_DriveFDIcon,  QStyle::SP_FileDialogContentsView,
                                                    QStyle::SP_FileIcon,     QStyle::SP_FileIcon,
                                                    QStyle::SP_DirLinkIcon};
-    while (rows.next()) {
-        auto* item = new QTreeWidgetItem(m_lvFiles, {rows.value(0).toString(), rows.value(1).toString()});
-        item->setIcon(0, style()->standardIcon(icons[fileImage(item->text(0))]));
+    for (const StoredFileList::File& file : list.files(path)) {
+        auto* item = new QTreeWidgetItem(m_lvFiles, {file.name, file.size});
+        item->setIcon(0, style()->standardIcon(icons[fileImage(file.name)]));
     }
     const bool any = m_lvFiles->topLevelItemCount() > 0;
     m_lvFiles->setVisible(any);
@@ -291,39 +268,14 @@ void frmFileList::FillFileList(const QString& path)
 
 void frmFileList::selectFile(const QString& name)
 {
-    const Db db(m_ctx.FilesDBPath, Db::Access::ReadOnly);
-    m_txtCommentFile->setText(
-        db.scalar(QStringLiteral("SELECT Комментарий FROM Файлы WHERE ДискID = ? AND Путь = ? AND "
-                                 "Имя = ?"),
-                  {m_ctx.CurrentDiscID, currentFolderKey(), name})
-            .toString());
+    m_txtCommentFile->setText(storedList().fileComment(currentFolderKey(), name));
 }
-
-namespace {
-
-// Stores a comment of a folder (name = its path) or a file; false when the row is gone.
-bool storeComment(AppContext& ctx, const QString& path, const QString& name, const QString& comment)
-{
-    const Db db(ctx.FilesDBPath);
-    const QVariant found =
-        db.scalar(QStringLiteral("SELECT rowid FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя = ? "
-                                 "LIMIT 1"),
-                  {ctx.CurrentDiscID, path, name});
-    if (!found.isValid()) {
-        return false;
-    }
-    db.exec(QStringLiteral("UPDATE Файлы SET Комментарий = ? WHERE rowid = ?"),
-            {comment.isEmpty() ? QVariant() : QVariant(comment.left(50)), found});
-    return true;
-}
-
-} // namespace
 
 void frmFileList::cmdMakeChangeDir()
 {
     m_txtCommentDir->setText(CleanText(m_txtCommentDir->text()));
     const QString path = currentFolderKey();
-    if (!storeComment(m_ctx, path, path, m_txtCommentDir->text())) {
+    if (!storedList().setComment(path, path, m_txtCommentDir->text())) {
         m_ctx.prompter().message(QStringLiteral("Необходимо пересоздать структуру диска!"),
                                  MessageStyle::Exclamation);
         m_txtCommentDir->clear();
@@ -338,7 +290,7 @@ void frmFileList::cmdMakeChangeFile()
 {
     m_txtCommentFile->setText(CleanText(m_txtCommentFile->text()));
     const QString name = m_lvFiles->currentItem() ? m_lvFiles->currentItem()->text(0) : QString();
-    if (name.isEmpty() || !storeComment(m_ctx, currentFolderKey(), name, m_txtCommentFile->text())) {
+    if (name.isEmpty() || !storedList().setComment(currentFolderKey(), name, m_txtCommentFile->text())) {
         m_ctx.prompter().message(QStringLiteral("Необходимо пересоздать структуру диска!"),
                                  MessageStyle::Exclamation);
         m_txtCommentDir->clear();
@@ -366,21 +318,8 @@ void frmFileList::cmdCreate()
 void frmFileList::DeleteList()
 {
     const int slot = m_cmbCountCD->currentIndex() + 1;
-    underFaultHandler(m_ctx, QStringLiteral("frmFileList, DeleteList()"), [&] {
-        {
-            const Db files(m_ctx.FilesDBPath);
-            const ContentsLists lists(files, ContentsKind::Files);
-            if (lists.exists(m_ctx.CurrentDiscID)) {
-                lists.drop(m_ctx.CurrentDiscID);
-            }
-        }
-        const Db db(m_ctx.MainDBPath);
-        db.exec(QStringLiteral("UPDATE Компьютер SET ДискID%1 = NULL WHERE КодКомпьютерныйДиск = (SELECT "
-                               "КодКомпьютерныйДиск FROM Компьютер WHERE Номер = ? ORDER BY 1 LIMIT 1)")
-                    .arg(slot),
-                {m_number});
-        m_ctx.DiscIDSlots[static_cast<std::size_t>(slot - 1)].clear();
-    });
+    underFaultHandler(m_ctx, QStringLiteral("frmFileList, DeleteList()"),
+                      [&] { DeleteFileList(m_ctx, m_number, slot, m_ctx.CurrentDiscID); });
 }
 
 void frmFileList::deleteListAsk()

@@ -13,6 +13,7 @@ class QTreeWidget;
 namespace vinora {
 
 class AppContext;
+class StoredFileList;
 
 // "Файлы": the file list of one disc of a computer disc record, as a folder tree and a
 // list of files with their comments; it creates, deletes and re-creates the list and opens
@@ -43,6 +44,7 @@ private:
     void DeleteList();
     void setCommentControls(bool dir, bool file);
     QString currentFolderKey() const;
+    StoredFileList storedList() const;
 
     AppContext& m_ctx;
     int m_number;

@@ -88,13 +88,7 @@ void ContentsLists::drop(const QString& id) const
 
 QStringList ContentsLists::ids() const
 {
-    QStringList list;
-    auto query =
-        m_db.query(QStringLiteral("SELECT \"ДискID\" FROM ") + kRegistry + QStringLiteral(" ORDER BY 1"));
-    while (query.next()) {
-        list.append(query.value(0).toString());
-    }
-    return list;
+    return m_db.texts(QStringLiteral("SELECT \"ДискID\" FROM ") + kRegistry + QStringLiteral(" ORDER BY 1"));
 }
 
 int ContentsLists::rowCount(const QString& id) const

@@ -150,6 +150,16 @@ QVariant Db::scalar(const QString& sql, const QVariantList& values) const
     return result.next() ? result.value(0) : QVariant();
 }
 
+QStringList Db::texts(const QString& sql, const QVariantList& values) const
+{
+    QStringList texts;
+    QSqlQuery result = query(sql, values);
+    while (result.next()) {
+        texts.append(result.value(0).toString());
+    }
+    return texts;
+}
+
 bool Db::tableExists(const QString& table) const
 {
     return scalar(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = ?"),

@@ -6,6 +6,7 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 namespace vinora {
@@ -38,6 +39,8 @@ public:
     void exec(const QString& sql, const QVariantList& values = {}) const;
     // The first column of the first row, or an invalid QVariant when there is no row.
     QVariant scalar(const QString& sql, const QVariantList& values = {}) const;
+    // The first column of every row, as text.
+    QStringList texts(const QString& sql, const QVariantList& values = {}) const;
     bool tableExists(const QString& table) const;
 
 private:

@@ -1,5 +1,6 @@
 #include "../recognition/DiscFixtures.h"
 #include "contents/FileTree.h"
+#include "contents/StoredFileList.h"
 #include "contents/frmEditFilter.h"
 #include "contents/frmFileList.h"
 #include "contents/frmFileListCreate.h"
@@ -137,6 +138,52 @@ private slots:
         Db files(l.app.ctx.FilesDBPath);
         QCOMPARE(files.scalar("SELECT Комментарий FROM Файлы WHERE Путь = '\\'").toString(),
                  "Мой 'лучший' (диск)");
+    }
+
+    void storedComments_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("comment");
+        QTest::addColumn<bool>("stored");
+        QTest::addColumn<QVariant>("value");
+        QTest::newRow("folder") << "\\DOCS\\"
+                                << "\\DOCS\\"
+                                << "папка" << true << QVariant("папка");
+        QTest::newRow("cut to 50") << "\\"
+                                   << "a.txt" << QString(60, u'ж') << true << QVariant(QString(50, u'ж'));
+        QTest::newRow("empty is none") << "\\"
+                                       << "a.txt"
+                                       << "" << true << QVariant();
+        QTest::newRow("file of another folder") << "\\DOCS\\"
+                                                << "a.txt"
+                                                << "x" << false << QVariant();
+        QTest::newRow("only in another list") << "\\"
+                                              << "b.txt"
+                                              << "x" << false << QVariant();
+    }
+    void storedComments()
+    {
+        QFETCH(QString, folder);
+        QFETCH(QString, name);
+        QFETCH(QString, comment);
+        QFETCH(bool, stored);
+        QFETCH(QVariant, value);
+        Lists l;
+        l.makeList("OTHER", {{"a.txt", "\\", "1"}, {"b.txt", "\\", "1"}});
+        l.makeList("77", {{"\\", "\\", "0"}, {"a.txt", "\\", "0,1"}, {"\\DOCS\\", "\\DOCS\\", "0"}});
+        const StoredFileList list(l.app.ctx.FilesDBPath, "77");
+        QCOMPARE(list.setComment(folder, name, comment), stored);
+        if (stored) {
+            QCOMPARE(list.fileComment(folder, name), value.toString());
+            Db files(l.app.ctx.FilesDBPath);
+            const QVariant inDb = files.scalar(
+                "SELECT Комментарий FROM Файлы WHERE ДискID = '77' AND Путь = ? AND Имя = ?", {folder, name});
+            QCOMPARE(inDb.isNull(), value.isNull());
+            QCOMPARE(inDb.toString(), value.toString());
+        }
+        Db files(l.app.ctx.FilesDBPath);
+        QCOMPARE(files.scalar("SELECT COUNT(Комментарий) FROM Файлы WHERE ДискID = 'OTHER'").toInt(), 0);
     }
 
     void filesCommentsAndDeletion()
