@@ -1,5 +1,6 @@
 #include "catalogue/frmAddInCatalogue.h"
 
+#include "catalogue/SoundFormats.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
@@ -165,11 +166,9 @@ frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mo
                                            QStringLiteral(" FROM ") + quoted(m_kind.dictionaryTable)),
                             this));
         if (m_lvSoundFormat) {
-            QSqlQuery formats =
-                db.query(QStringLiteral("SELECT КодФорматЗвука, ФорматЗвука FROM ФорматЗвука ORDER BY 1"));
-            while (formats.next()) {
-                auto* item = new QListWidgetItem(formats.value(1).toString(), m_lvSoundFormat);
-                item->setData(Qt::UserRole, formats.value(0));
+            for (const SoundFormat& format : soundFormatDictionary(db)) {
+                auto* item = new QListWidgetItem(format.name, m_lvSoundFormat);
+                item->setData(Qt::UserRole, format.code);
                 item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
                 item->setCheckState(Qt::Unchecked);
             }
@@ -244,11 +243,11 @@ void frmAddInCatalogue::showDisc(const DiscRecord& disc)
     if (m_kind.category == Category::Dvd) {
         m_txtTime->setText(disc.dvdTime);
         m_cmbZone->setCurrentText(disc.zone.isEmpty() ? QStringLiteral("5") : disc.zone);
+        const QStringList codes = soundFormatCodes(disc.soundFormats);
         for (int i = 0; i < m_lvSoundFormat->count(); ++i) {
             QListWidgetItem* item = m_lvSoundFormat->item(i);
-            const QString code = item->data(Qt::UserRole).toString();
-            item->setCheckState(code.size() == 1 && disc.soundFormats.contains(code[0]) ? Qt::Checked
-                                                                                        : Qt::Unchecked);
+            item->setCheckState(codes.contains(item->data(Qt::UserRole).toString()) ? Qt::Checked
+                                                                                    : Qt::Unchecked);
         }
     }
     m_loading = false;
@@ -353,13 +352,13 @@ void frmAddInCatalogue::cmdAdd()
     if (m_kind.category == Category::Dvd) {
         m_disc.dvdTime = m_txtTime->text();
         m_disc.zone = m_cmbZone->currentText();
-        m_disc.soundFormats.clear();
+        QStringList checked;
         for (int i = 0; i < m_lvSoundFormat->count(); ++i) {
             if (m_lvSoundFormat->item(i)->checkState() == Qt::Checked) {
-                m_disc.soundFormats += m_lvSoundFormat->item(i)->data(Qt::UserRole).toString() + u',';
+                checked.append(m_lvSoundFormat->item(i)->data(Qt::UserRole).toString());
             }
         }
-        m_disc.soundFormats = m_disc.soundFormats.left(30);
+        m_disc.soundFormats = soundFormatField(checked);
     }
     const bool saved = underFaultHandler(m_ctx, objectName() + QStringLiteral(", cmdAdd()"), [&] {
         return saveDisc(

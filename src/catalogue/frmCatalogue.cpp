@@ -3,6 +3,7 @@
 #include "catalogue/CatalogueGrid.h"
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/CatalogueRows.h"
+#include "catalogue/SoundFormats.h"
 #include "catalogue/frmAddCD.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "contents/frmFileList.h"
@@ -539,21 +540,11 @@ void frmCatalogue::dcDatabase_Reposition()
         cmbCountCD_Click();
     }
     if (m_cmbSoundFormat) {
-        // Stored as codes of ФорматЗвука, one digit each, separated by commas.
         m_cmbSoundFormat->clear();
-        const QString codes = m_rows->value(m_row, QStringLiteral("ФорматЗвука")).toString();
+        const QString stored = m_rows->value(m_row, QStringLiteral("ФорматЗвука")).toString();
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-        for (const QChar code : codes) {
-            if (code != u',') {
-                const QVariant name =
-                    db.scalar(QStringLiteral("SELECT ФорматЗвука FROM ФорматЗвука WHERE КодФорматЗвука = ?"),
-                              {QString(code)});
-                if (name.isValid()) {
-                    m_cmbSoundFormat->addItem(name.toString());
-                }
-            }
-        }
-        m_cmbSoundFormat->setPlaceholderText(QStringLiteral("Звук (%1):").arg(codes.size() / 2));
+        m_cmbSoundFormat->addItems(soundFormatNames(db, stored));
+        m_cmbSoundFormat->setPlaceholderText(QStringLiteral("Звук (%1):").arg(stored.size() / 2));
     }
     for (QWidget* widget : m_myGroup) {
         widget->setEnabled(true);

@@ -19,6 +19,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 
 using namespace vinora;
 
@@ -276,6 +277,47 @@ private slots:
         QVERIFY(cp1251::decode(test::readFile(e.app.file("bugreport.log")))
                     .contains("frmAddInCataloguePC, cmdAdd()"));
         QCOMPARE(e.value("SELECT Дисков FROM Компьютер").toInt(), 6);
+    }
+
+    void dvdSoundFormats_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QStringList>("checkedBefore");
+        QTest::addColumn<QString>("toggle");
+        QTest::addColumn<QString>("saved");
+        QTest::newRow("none, one added") << "" << QStringList{} << "DTS"
+                                         << "5,";
+        QTest::newRow("one dropped") << "2,5," << QStringList{"Dolby Digital 5.1", "DTS"} << "DTS"
+                                     << "2,";
+        QTest::newRow("added in dictionary order") << "5," << QStringList{"DTS"} << "Dolby Digital 2.0"
+                                                   << "1,5,";
+        QTest::newRow("unknown code forgotten") << "9,7," << QStringList{"Stereo"} << "Mono"
+                                                << "7,8,";
+    }
+    void dvdSoundFormats()
+    {
+        QFETCH(QString, stored);
+        QFETCH(QStringList, checkedBefore);
+        QFETCH(QString, toggle);
+        QFETCH(QString, saved);
+        Editing e;
+        e.addRow(Category::Dvd, 3, "Фильм");
+        e.exec("UPDATE DVD SET ФорматЗвука = ?", {stored});
+        frmAddInCatalogue editor(e.app.ctx, Category::Dvd, frmAddInCatalogue::Mode::Change, 3);
+        auto* formats = field<QListWidget>(editor, "lvSoundFormat");
+        QStringList checked;
+        for (int i = 0; i < formats->count(); ++i) {
+            QListWidgetItem* item = formats->item(i);
+            if (item->checkState() == Qt::Checked) {
+                checked.append(item->text());
+            }
+            if (item->text() == toggle) {
+                item->setCheckState(item->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+            }
+        }
+        QCOMPARE(checked, checkedBefore);
+        editor.cmdAdd();
+        QCOMPARE(e.value("SELECT ФорматЗвука FROM DVD").toString(), saved);
     }
 
     void pendingShiftRunsOnSave()
