@@ -6,6 +6,7 @@
 #include "mainwindow/frmMain.h"
 #include "store/InfoStamp.h"
 #include "store/LocalDatabase.h"
+#include "store/Schema.h"
 #include "ui/ClickableLabel.h"
 #include "ui/WaitCursor.h"
 
@@ -49,14 +50,12 @@ void frmMain::OpenExternalDB()
         WaitCursor hourglass;
         m_ctx.MainDBPath = path;
         Db db(path);
-        const int audio = db.scalar(QStringLiteral("SELECT COUNT(*) FROM Аудио")).toInt();
-        const int computer = db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер")).toInt();
-        block(Category::Audio).discs->setText(QString::number(audio));
-        block(Category::Computer).discs->setText(QString::number(computer));
-        block(Category::Audio)
-            .updated->setText(updateDateText(readStamp(db, QStringLiteral("ПослОбновлАудио"))));
-        block(Category::Computer)
-            .updated->setText(updateDateText(readStamp(db, QStringLiteral("ПослОбновлКомпьютер"))));
+        for (const Category category : {Category::Audio, Category::Computer}) {
+            const CategoryInfo& info = categoryInfo(category);
+            block(category).discs->setText(QString::number(
+                db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(info.table)).toInt()));
+            block(category).updated->setText(updateDateText(readStamp(db, info.stampField)));
+        }
     } catch (const AppError&) {
         m_ctx.prompter().message(
             QStringLiteral("ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или "

@@ -19,7 +19,17 @@
 
 namespace vinora {
 namespace {
+
 const QString kOption = QStringLiteral("Option");
+
+// Where a fault of the binding link of a category's block is reported from.
+QString shareLinkPlace(Category category)
+{
+    static const char* const places[] = {"frmMain, lblShareAD_Click()", "frmMain, lblSharePC_Click()",
+                                         "frmMain, lblShareDVD_Click()"};
+    return QString::fromLatin1(places[static_cast<int>(category)]);
+}
+
 } // namespace
 
 // ======================================================================================
@@ -158,9 +168,7 @@ void frmMain::bindDiscInDrive(Category category, const QString& drive)
     }
     const int number = m_ctx.PickedDisc.chopped(2).toInt();
     const int slot = m_ctx.PickedDisc.right(1).toInt();
-    static const char* const places[] = {"frmMain, lblShareAD_Click()", "frmMain, lblSharePC_Click()",
-                                         "frmMain, lblShareDVD_Click()"};
-    underFaultHandler(m_ctx, QString::fromLatin1(places[static_cast<int>(category)]), [&] {
+    underFaultHandler(m_ctx, shareLinkPlace(category), [&] {
         const QString id = GetDiskID(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this));
         const Db db(m_ctx.MainDBPath);
         const QString numberText = QString::number(number);
@@ -207,9 +215,7 @@ void frmMain::shareLinkClicked(Category category)
     if (answer != Answer::Yes) {
         return;
     }
-    static const char* const places[] = {"frmMain, lblShareAD_Click()", "frmMain, lblSharePC_Click()",
-                                         "frmMain, lblShareDVD_Click()"};
-    underFaultHandler(m_ctx, QString::fromLatin1(places[static_cast<int>(category)]), [&] {
+    underFaultHandler(m_ctx, shareLinkPlace(category), [&] {
         const QString id = GetDiskID(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this));
         Db db(m_ctx.MainDBPath);
         unbindDisc(db, category, id);
