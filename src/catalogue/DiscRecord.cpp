@@ -1,5 +1,6 @@
 #include "catalogue/DiscRecord.h"
 
+#include "catalogue/DictionaryTable.h"
 #include "catalogue/Numbering.h"
 #include "frame/AppContext.h"
 #include "frame/TextRules.h"
@@ -22,16 +23,11 @@ QString twoDigits(int value)
 // The key of a dictionary name, added when it is new.
 qint64 dictionaryKeyOf(const Db& db, const CatalogueKind& kind, const QString& name)
 {
-    const QString table = quoted(kind.dictionaryTable);
-    const QVariant key =
-        db.scalar(QStringLiteral("SELECT ") + quoted(kind.dictionaryKey) + QStringLiteral(" FROM ") + table +
-                      QStringLiteral(" WHERE ") + table + QStringLiteral(" = ? ORDER BY 1 LIMIT 1"),
-                  {name});
-    if (key.isValid()) {
-        return key.toLongLong();
+    const DictionaryTable dictionary(db, kind.dictionaryTable, kind.dictionaryKey);
+    if (const std::optional<qint64> key = dictionary.keyOf(name)) {
+        return *key;
     }
-    db.exec(QStringLiteral("INSERT INTO ") + table + u'(' + table + QStringLiteral(") VALUES (?)"), {name});
-    return db.scalar(QStringLiteral("SELECT last_insert_rowid()")).toLongLong();
+    return dictionary.add(name);
 }
 
 QString listField(const CatalogueKind& kind, int k)

@@ -1,5 +1,6 @@
 #include "catalogue/frmAddInCatalogue.h"
 
+#include "catalogue/DictionaryTable.h"
 #include "catalogue/SoundFormats.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
@@ -44,9 +45,9 @@ QCompleter* inlineCompleter(const QStringList& words, QObject* parent)
     return completer;
 }
 
-QStringList column(const Db& db, const QString& sql)
+// The distinct non-empty words of a column, for completion.
+QStringList completionWords(QStringList words)
 {
-    QStringList words = db.texts(sql);
     words.removeAll(QString());
     words.removeDuplicates();
     return words;
@@ -154,17 +155,16 @@ frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mo
     underFaultHandler(m_ctx, objectName() + QStringLiteral(", FormLoad()"), [&] {
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
         const QString table = quoted(m_kind.info().table);
-        QStringList names = column(db, QStringLiteral("SELECT Название FROM ") + table);
+        QStringList names = completionWords(db.texts(QStringLiteral("SELECT Название FROM ") + table));
         if (m_kind.hasAlbum) {
-            names += column(db, QStringLiteral("SELECT Альбом FROM ") + table);
+            names += completionWords(db.texts(QStringLiteral("SELECT Альбом FROM ") + table));
             names.removeDuplicates();
             m_txtAlbum->setCompleter(inlineCompleter(names, this));
         }
         m_txtName->setCompleter(inlineCompleter(names, this));
-        m_txtDictionary->setCompleter(
-            inlineCompleter(column(db, QStringLiteral("SELECT ") + quoted(m_kind.dictionaryTable) +
-                                           QStringLiteral(" FROM ") + quoted(m_kind.dictionaryTable)),
-                            this));
+        m_txtDictionary->setCompleter(inlineCompleter(
+            completionWords(DictionaryTable(db, m_kind.dictionaryTable, m_kind.dictionaryKey).names()),
+            this));
         if (m_lvSoundFormat) {
             for (const SoundFormat& format : soundFormatDictionary(db)) {
                 auto* item = new QListWidgetItem(format.name, m_lvSoundFormat);

@@ -3,6 +3,7 @@
 #include "catalogue/CatalogueGrid.h"
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/CatalogueRows.h"
+#include "catalogue/DictionaryTable.h"
 #include "catalogue/SoundFormats.h"
 #include "catalogue/frmAddCD.h"
 #include "catalogue/frmAddInCatalogue.h"
@@ -287,9 +288,7 @@ void frmCatalogue::FullDictionary()
 {
     m_cmbDictionary->clear();
     const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-    m_cmbDictionary->addItems(db.texts(QStringLiteral("SELECT \"") + m_kind.dictionaryTable +
-                                       QStringLiteral("\" FROM \"") + m_kind.dictionaryTable +
-                                       QStringLiteral("\" ORDER BY \"") + m_kind.dictionaryKey + u'"'));
+    m_cmbDictionary->addItems(DictionaryTable(db, m_kind.dictionaryTable, m_kind.dictionaryKey).names());
 }
 
 void frmCatalogue::cmbSorted_Click()

@@ -56,12 +56,9 @@ void frmEditDictionary::load(const QString& selected)
     m_grid->clear();
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", Form_Load()"), [this] {
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-        QSqlQuery rows = db.query(QStringLiteral("SELECT ") + quoted(m_kind.key) + QStringLiteral(", ") +
-                                  quoted(m_kind.table) + QStringLiteral(" FROM ") + quoted(m_kind.table) +
-                                  QStringLiteral(" ORDER BY ") + quoted(m_kind.table));
-        while (rows.next()) {
-            auto* item = new QListWidgetItem(rows.value(1).toString(), m_grid);
-            item->setData(Qt::UserRole, rows.value(0));
+        for (const DictionaryTable::Entry& entry : table(db).entries()) {
+            auto* item = new QListWidgetItem(entry.name, m_grid);
+            item->setData(Qt::UserRole, entry.key);
         }
     });
     m_count->setText(QStringLiteral("Записей: ") + QString::number(m_grid->count()));
@@ -72,6 +69,11 @@ void frmEditDictionary::load(const QString& selected)
     } else {
         m_grid->setCurrentRow(std::clamp(previous, 0, m_grid->count() - 1));
     }
+}
+
+DictionaryTable frmEditDictionary::table(const Db& db) const
+{
+    return DictionaryTable(db, m_kind.table, m_kind.key);
 }
 
 QStringList frmEditDictionary::names() const
@@ -101,10 +103,7 @@ QString frmEditDictionary::currentName() const
 bool frmEditDictionary::exists(const QString& name) const
 {
     const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(m_kind.table) +
-                         QStringLiteral(" WHERE ") + quoted(m_kind.table) + QStringLiteral(" = ?"),
-                     {name})
-               .toInt() > 0;
+    return table(db).contains(name);
 }
 
 std::optional<QString> frmEditDictionary::askNewName(const QString& title, const QString& prompt,
@@ -142,9 +141,7 @@ void frmEditDictionary::cmdAdd()
     }
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdAdd()"), [&] {
         const Db db(m_ctx.MainDBPath);
-        db.exec(QStringLiteral("INSERT INTO ") + quoted(m_kind.table) + u'(' + quoted(m_kind.table) +
-                    QStringLiteral(") VALUES (?)"),
-                {*name});
+        table(db).add(*name);
     });
     load(*name);
 }
@@ -165,9 +162,7 @@ void frmEditDictionary::cmdDelete()
     }
     try {
         const Db db(m_ctx.MainDBPath);
-        db.exec(QStringLiteral("DELETE FROM ") + quoted(m_kind.table) + QStringLiteral(" WHERE ") +
-                    quoted(m_kind.key) + QStringLiteral(" = ?"),
-                {m_grid->currentItem()->data(Qt::UserRole)});
+        table(db).remove(m_grid->currentItem()->data(Qt::UserRole));
     } catch (const AppError& error) {
         if (error.number() != err::RelatedRecordsExist) {
             ReportFault(m_ctx, m_kind.formName + QStringLiteral(", cmdDelete()"), error);
@@ -195,10 +190,7 @@ void frmEditDictionary::cmdChange()
     }
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdChange()"), [&] {
         const Db db(m_ctx.MainDBPath);
-        db.exec(QStringLiteral("UPDATE ") + quoted(m_kind.table) + QStringLiteral(" SET ") +
-                    quoted(m_kind.table) + QStringLiteral(" = ? WHERE ") + quoted(m_kind.key) +
-                    QStringLiteral(" = ?"),
-                {*name, key});
+        table(db).rename(key, *name);
     });
     load(*name);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/DictionaryKind.h"
+#include "catalogue/DictionaryTable.h"
 
 #include <QDialog>
 
@@ -11,6 +12,7 @@ class QPushButton;
 namespace vinora {
 
 class AppContext;
+class Db;
 
 // The editor of a dictionary: frmEditStyle, frmEditDescription and frmEditGenre are this
 // window made with their dictionary's texts. The first row (the empty name of a disc
@@ -37,6 +39,7 @@ private:
     // the user gives up (an empty answer, a refused name, No to typing another one).
     std::optional<QString> askNewName(const QString& title, const QString& prompt, const QString& initial);
     bool exists(const QString& name) const;
+    DictionaryTable table(const Db& db) const;
 
     AppContext& m_ctx;
     const DictionaryKind& m_kind;
