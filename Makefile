@@ -5,7 +5,7 @@ CMAKE_FLAGS ?= -DCMAKE_BUILD_TYPE=RelWithDebInfo
 # The catalogue `make run` opens; any folder will do (VINORA_HOME=/path make run).
 VINORA_HOME ?= $(HOME)/.local/share/vinora
 
-.PHONY: all deps configure build run test bench install clean
+.PHONY: all deps configure build run test sanitize fuzz bench install clean
 
 all: build
 
@@ -26,8 +26,22 @@ run: build
 		VINORA_HOME="$(VINORA_HOME)" xvfb-run -a -s "-screen 0 1280x1024x24" $(BUILD_DIR)/src/app/vinora; \
 	fi
 
+# The suite, with a bounded run of every fuzz target under ASan and UBSan.
 test: build
+	@cmake --build $(BUILD_DIR) -j $(JOBS) --target fuzzers
 	@cd $(BUILD_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+# The whole suite built and run under AddressSanitizer and UBSan.
+sanitize: deps
+	@cmake -S . -B build-sanitize -DCMAKE_BUILD_TYPE=Debug -DVINORA_SANITIZE=ON > /dev/null
+	@cmake --build build-sanitize -j $(JOBS)
+	@cmake --build build-sanitize -j $(JOBS) --target fuzzers
+	@cd build-sanitize && QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=0 \
+		UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+# Long fuzzing with clang's libFuzzer (FUZZ_SECONDS per target, FUZZ_TARGETS to choose).
+fuzz: deps
+	@bash scripts/fuzz.sh
 
 bench: build
 	@cmake --build $(BUILD_DIR) -j $(JOBS) --target benchmarks

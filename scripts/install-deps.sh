@@ -11,6 +11,7 @@ packages=(
   libcdio-dev libiso9660-dev libudf-dev e2fsprogs
   genisoimage xorriso udftools libcdio-utils libdiscid-dev
   xvfb xauth fonts-dejavu-core adwaita-icon-theme
+  clang-14 libclang-rt-14-dev
 )
 
 missing=()
