@@ -45,15 +45,17 @@ FileListScanner::FileListScanner(VolumeReader& volume, ScanOptions options, QStr
 
 bool FileListScanner::run()
 {
-    return walk(QString());
+    return walk(QString(), 0);
 }
 
-bool FileListScanner::walk(const QString& folder)
+bool FileListScanner::walk(const QString& folder, int depth)
 {
     if (cancelled && cancelled()) {
         return false;
     }
-    const std::optional<QList<VolumeEntry>> entries = m_volume.list(folder);
+    // A folder deeper than a disc can nest is a damaged disc's, as is one that cannot be read.
+    const std::optional<QList<VolumeEntry>> entries =
+        depth <= kDeepestFolder ? m_volume.list(folder) : std::nullopt;
     if (!entries) {
         if (onReadError) {
             onReadError();
@@ -69,7 +71,7 @@ bool FileListScanner::walk(const QString& folder)
         (entry.isFolder ? folders : files).append(entry);
     }
     for (qsizetype i = folders.size() - 1; i >= 0; --i) {
-        if (!walk(folder.isEmpty() ? folders[i].name : folder + u'/' + folders[i].name)) {
+        if (!walk(folder.isEmpty() ? folders[i].name : folder + u'/' + folders[i].name, depth + 1)) {
             return false;
         }
     }

@@ -53,7 +53,7 @@ public:
     bool run();
 
 private:
-    bool walk(const QString& folder);
+    bool walk(const QString& folder, int depth);
 
     VolumeReader& m_volume;
     ScanOptions m_options;

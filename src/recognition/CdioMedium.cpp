@@ -21,11 +21,25 @@ void silenceCdioLog()
     (void)once;
 }
 
-std::unique_ptr<Medium> CdioMedium::open(const QString& path, bool imageFile)
+std::unique_ptr<Medium> CdioMedium::open(const QString& path, Source source)
 {
     silenceCdioLog();
     const QByteArray name = QFile::encodeName(path);
-    CdIo_t* cdio = cdio_open(name.constData(), imageFile ? DRIVER_UNKNOWN : DRIVER_DEVICE);
+    driver_id_t driver = DRIVER_DEVICE;
+    switch (source) {
+    case Source::Device:
+        break;
+    case Source::CueSheet:
+        driver = DRIVER_BINCUE;
+        break;
+    case Source::Nero:
+        driver = DRIVER_NRG;
+        break;
+    case Source::CdrdaoToc:
+        driver = DRIVER_CDRDAO;
+        break;
+    }
+    CdIo_t* cdio = cdio_open(name.constData(), driver);
     if (cdio == nullptr) {
         return nullptr;
     }

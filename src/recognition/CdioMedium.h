@@ -10,7 +10,14 @@ namespace vinora {
 class CdioMedium final : public Medium
 {
 public:
-    static std::unique_ptr<Medium> open(const QString& path, bool imageFile);
+    enum class Source {
+        Device,
+        CueSheet,
+        Nero,
+        CdrdaoToc,
+    };
+    // The medium in a drive or image; an image is read by the parser of its own format only.
+    static std::unique_ptr<Medium> open(const QString& path, Source source);
     ~CdioMedium() override;
 
     bool readSector(qint32 lsn, Sector& out) override;

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 #include <QtEndian>
+#include <algorithm>
 
 namespace vinora {
 namespace {
@@ -96,7 +97,8 @@ std::unique_ptr<VolumeReader> IsoVolumeReader::open(std::unique_ptr<Medium> medi
 }
 
 IsoVolumeReader::IsoVolumeReader(std::unique_ptr<Medium> medium, Record root, bool joliet, bool highSierra)
-    : m_medium(std::move(medium)), m_root(std::move(root)), m_joliet(joliet), m_highSierra(highSierra)
+    : m_medium(std::move(medium)), m_root(std::move(root)), m_joliet(joliet), m_highSierra(highSierra),
+      m_sectorsLeft(2 * qint64(m_medium->toc().leadoutLsn) + 1024)
 {
 }
 
@@ -119,13 +121,17 @@ QString IsoVolumeReader::decodeName(const unsigned char* r, int nameLength, int 
 
 std::optional<QList<IsoVolumeReader::Record>> IsoVolumeReader::readDirectory(const Record& directory)
 {
-    if (directory.size > kLargestDirectory) {
+    // A directory lies inside the disc; a larger one is a damaged record.
+    const quint64 sectors = (directory.size + kSectorSize - 1) / kSectorSize;
+    if (directory.size > kLargestDirectory ||
+        quint64(directory.extent) + sectors > quint64(std::max(m_medium->toc().leadoutLsn, 0)) ||
+        qint64(sectors) > m_sectorsLeft) {
         return std::nullopt;
     }
+    m_sectorsLeft -= qint64(sectors);
     QList<Record> records;
     bool continuing = false;
     Sector sector;
-    const quint64 sectors = (directory.size + kSectorSize - 1) / kSectorSize;
     for (quint64 i = 0; i < sectors; ++i) {
         if (!m_medium->readSector(static_cast<qint32>(directory.extent + i), sector)) {
             return std::nullopt;
@@ -172,28 +178,57 @@ std::optional<QList<IsoVolumeReader::Record>> IsoVolumeReader::readDirectory(con
     return records;
 }
 
+std::optional<QList<IsoVolumeReader::Record>> IsoVolumeReader::listing(const QString& folder,
+                                                                       Record directory)
+{
+    if (const auto cached = m_cache.constFind(folder); cached != m_cache.constEnd()) {
+        return *cached;
+    }
+    if (directory.size == 0) {
+        // A moved folder: its size stands in its own "." record.
+        Sector sector;
+        if (!m_medium->readSector(static_cast<qint32>(directory.extent), sector) || sector[0] < 34) {
+            return std::nullopt;
+        }
+        directory.size = le32(sector.data() + 10);
+    }
+    auto records = readDirectory(directory);
+    if (records) {
+        m_cache.insert(folder, *records);
+    }
+    return records;
+}
+
+// The folder is reached from the root step by step. A folder whose extent is its own or
+// one of the folders it lies in (a damaged disc's cycle) is not entered, and no folder
+// lies deeper than a disc nests.
 std::optional<QList<IsoVolumeReader::Record>> IsoVolumeReader::folderRecords(const QString& folder)
 {
     if (const auto cached = m_cache.constFind(folder); cached != m_cache.constEnd()) {
         return *cached;
     }
-    std::optional<Record> directory = folder.isEmpty() ? std::optional<Record>(m_root) : find(folder);
-    if (!directory || !directory->folder) {
+    const QStringList names = folder.split(u'/', Qt::SkipEmptyParts);
+    if (names.size() > kDeepestFolder) {
         return std::nullopt;
     }
-    if (directory->size == 0) {
-        // A moved folder: its size stands in its own "." record.
-        Sector sector;
-        if (!m_medium->readSector(static_cast<qint32>(directory->extent), sector) || sector[0] < 34) {
+    Record directory = m_root;
+    QList<quint32> entered{m_root.extent};
+    QString path;
+    for (const QString& name : names) {
+        const auto records = listing(path, directory);
+        if (!records) {
             return std::nullopt;
         }
-        directory->size = le32(sector.data() + 10);
+        const auto step = std::find_if(records->begin(), records->end(),
+                                       [&name](const Record& record) { return record.name == name; });
+        if (step == records->end() || !step->folder || entered.contains(step->extent)) {
+            return std::nullopt;
+        }
+        entered.append(step->extent);
+        directory = *step;
+        path = path.isEmpty() ? name : path + u'/' + name;
     }
-    auto records = readDirectory(*directory);
-    if (records) {
-        m_cache.insert(folder, *records);
-    }
-    return records;
+    return listing(folder, directory);
 }
 
 std::optional<IsoVolumeReader::Record> IsoVolumeReader::find(const QString& path)

@@ -31,6 +31,7 @@ public:
 private:
     IsoVolumeReader(std::unique_ptr<Medium> medium, Record root, bool joliet, bool highSierra);
     std::optional<QList<Record>> readDirectory(const Record& directory);
+    std::optional<QList<Record>> listing(const QString& folder, Record directory);
     std::optional<QList<Record>> folderRecords(const QString& folder);
     std::optional<Record> find(const QString& path);
     QString decodeName(const unsigned char* record, int nameLength, int recordLength, bool* skip) const;
@@ -40,6 +41,9 @@ private:
     bool m_joliet;
     bool m_highSierra;
     QHash<QString, QList<Record>> m_cache;
+    // Directory sectors the reader may still read: each sector of a sound disc is read once,
+    // so a damaged one whose folders share or overlap their extents cannot make it read on.
+    qint64 m_sectorsLeft;
 };
 
 } // namespace vinora

@@ -1,11 +1,14 @@
 #include "recognition/UdfVolumeReader.h"
 
 #include "recognition/CdioMedium.h"
+#include "recognition/ImageProbe.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QStringList>
 #include <cdio/udf.h>
 #include <functional>
+#include <limits>
 
 namespace vinora {
 namespace {
@@ -22,17 +25,26 @@ QString nameOf(const udf_dirent_t* entry)
 
 // Visits the entries of the folder `path` (names split by "/"); `visit` returns false to
 // stop. The entry it gets is valid during the call only. False when the folder cannot be
-// reached.
+// reached: a missing step, a folder deeper than a disc nests, or a folder that is one of
+// the folders it lies in (a damaged disc's cycle).
 bool forEachEntry(udf_t* udf, const QStringList& path, const std::function<bool(udf_dirent_t*)>& visit)
 {
+    if (path.size() > kDeepestFolder) {
+        return false;
+    }
     udf_dirent_t* folder = udf_get_root(udf, true, 0);
     if (folder == nullptr) {
         return false;
     }
+    QList<quint32> entered{folder->i_loc};
     for (const QString& step : path) {
         udf_dirent_t* next = nullptr;
         int seen = 0;
-        for (udf_dirent_t* entry = folder; udf_readdir(entry) != nullptr && seen < kMostEntries; ++seen) {
+        for (udf_dirent_t* entry = folder; udf_readdir(entry) != nullptr; ++seen) {
+            if (seen >= kMostEntries) {
+                udf_dirent_free(entry);
+                return false;
+            }
             if (udf_is_dir(entry) && !entry->b_parent && nameOf(entry) == step) {
                 next = udf_opendir(entry);
                 udf_dirent_free(entry);
@@ -43,6 +55,11 @@ bool forEachEntry(udf_t* udf, const QStringList& path, const std::function<bool(
         if (next == nullptr) {
             return false;
         }
+        if (entered.contains(next->i_loc)) {
+            udf_dirent_free(next);
+            return false;
+        }
+        entered.append(next->i_loc);
         folder = next;
     }
     int seen = 0;
@@ -59,6 +76,19 @@ bool forEachEntry(udf_t* udf, const QStringList& path, const std::function<bool(
 
 std::unique_ptr<VolumeReader> UdfVolumeReader::open(const QString& path)
 {
+    const bool survived = imageSurvivesProbe(path, ProbeKind::UdfVolume, [path] {
+        if (const auto volume = openUnprobed(path)) {
+            walkAsScan(*volume);
+        }
+    });
+    if (!survived) {
+        return nullptr;
+    }
+    return openUnprobed(path);
+}
+
+std::unique_ptr<UdfVolumeReader> UdfVolumeReader::openUnprobed(const QString& path)
+{
     silenceCdioLog();
     udf_t* udf = udf_open(QFile::encodeName(path).constData());
     if (udf == nullptr) {
@@ -70,7 +100,7 @@ std::unique_ptr<VolumeReader> UdfVolumeReader::open(const QString& path)
         return nullptr;
     }
     udf_dirent_free(root);
-    return std::unique_ptr<VolumeReader>(new UdfVolumeReader(udf, path));
+    return std::unique_ptr<UdfVolumeReader>(new UdfVolumeReader(udf, path));
 }
 
 UdfVolumeReader::~UdfVolumeReader()
@@ -85,7 +115,9 @@ std::optional<QList<VolumeEntry>> UdfVolumeReader::list(const QString& folder)
     const bool reached = forEachEntry(m_udf, path, [&entries](udf_dirent_t* entry) {
         const bool hidden = entry->fid != nullptr && (entry->fid->file_characteristics & UDF_FILE_HIDDEN);
         const bool isDir = udf_is_dir(entry);
-        entries.append({nameOf(entry), isDir, isDir ? 0 : qint64(udf_get_file_length(entry)), hidden});
+        const quint64 length =
+            std::min<quint64>(udf_get_file_length(entry), std::numeric_limits<qint64>::max());
+        entries.append({nameOf(entry), isDir, isDir ? 0 : qint64(length), hidden});
         return true;
     });
     if (!reached) {
@@ -102,16 +134,20 @@ std::optional<QByteArray> UdfVolumeReader::tail(const QString& file, int count)
         return std::nullopt;
     }
     const QString name = path.takeLast();
+    const qint64 imageSize = QFileInfo(m_path).size();
     std::optional<QByteArray> result;
     forEachEntry(m_udf, path, [&](udf_dirent_t* entry) {
         if (udf_is_dir(entry) || nameOf(entry) != name) {
             return true;
         }
         // libudf reads a file from its start only: keep the blocks that hold its end.
-        const qint64 length = qint64(udf_get_file_length(entry));
+        const quint64 length = udf_get_file_length(entry);
+        if (length > quint64(imageSize)) {
+            return false; // a damaged entry: no file is larger than the disc
+        }
         QByteArray window;
         QByteArray block(kBlock, '\0');
-        for (qint64 read = 0; read < length; read += kBlock) {
+        for (quint64 read = 0; read < length; read += kBlock) {
             if (udf_read_block(entry, block.data(), 1) <= 0) {
                 return false;
             }
@@ -120,7 +156,7 @@ std::optional<QByteArray> UdfVolumeReader::tail(const QString& file, int count)
                 window.remove(0, kBlock);
             }
         }
-        const qint64 used = length - (length - 1) / kBlock * kBlock; // bytes of the last block
+        const qint64 used = qint64(length - (length - 1) / kBlock * kBlock); // bytes of the last block
         window.chop(kBlock - used);
         result = window.right(count);
         return false;

@@ -10,6 +10,8 @@ namespace vinora {
 class UdfVolumeReader final : public VolumeReader
 {
 public:
+    // The reader of the UDF volume in the image file `path`, or nothing when it has none or
+    // when a child process walking it the way a scan will did not come through.
     static std::unique_ptr<VolumeReader> open(const QString& path);
     ~UdfVolumeReader() override;
 
@@ -18,6 +20,7 @@ public:
     QString source() const override { return m_path; }
 
 private:
+    static std::unique_ptr<UdfVolumeReader> openUnprobed(const QString& path);
     UdfVolumeReader(udf_t* udf, QString path) : m_udf(udf), m_path(std::move(path)) {}
 
     udf_t* m_udf;

@@ -8,6 +8,10 @@
 
 namespace vinora {
 
+// No disc nests folders deeper: its paths are at most 255 characters long. A deeper folder
+// is taken for a damaged one.
+inline constexpr int kDeepestFolder = 255;
+
 struct VolumeEntry
 {
     QString name;
