@@ -1,14 +1,16 @@
 #include "frame/Cp1251.h"
 
 #include <array>
+#include <optional>
 
 namespace vinora::cp1251 {
 namespace {
 
-// Unicode code points of the bytes 0x80..0xFF; 0xFFFD marks the one unused byte (0x98).
+// Unicode code points of the bytes 0x80..0xFF. The one byte the code page leaves unused
+// (0x98) stands for U+0098, so every byte survives a decode and an encode.
 constexpr std::array<char16_t, 128> kHighHalf = {
     0x0402, 0x0403, 0x201A, 0x0453, 0x201E, 0x2026, 0x2020, 0x2021, 0x20AC, 0x2030, 0x0409, 0x2039, 0x040A,
-    0x040C, 0x040B, 0x040F, 0x0452, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0xFFFD, 0x2122,
+    0x040C, 0x040B, 0x040F, 0x0452, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x0098, 0x2122,
     0x0459, 0x203A, 0x045A, 0x045C, 0x045B, 0x045F, 0x00A0, 0x040E, 0x045E, 0x0408, 0x00A4, 0x0490, 0x00A6,
     0x00A7, 0x0401, 0x00A9, 0x0404, 0x00AB, 0x00AC, 0x00AD, 0x00AE, 0x0407, 0x00B0, 0x00B1, 0x0406, 0x0456,
     0x0491, 0x00B5, 0x00B6, 0x00B7, 0x0451, 0x2116, 0x0454, 0x00BB, 0x0458, 0x0405, 0x0455, 0x0457, 0x0410,
@@ -18,6 +20,22 @@ constexpr std::array<char16_t, 128> kHighHalf = {
     0x0438, 0x0439, 0x043A, 0x043B, 0x043C, 0x043D, 0x043E, 0x043F, 0x0440, 0x0441, 0x0442, 0x0443, 0x0444,
     0x0445, 0x0446, 0x0447, 0x0448, 0x0449, 0x044A, 0x044B, 0x044C, 0x044D, 0x044E, 0x044F,
 };
+
+std::optional<char> encodeOne(char16_t code)
+{
+    if (code < 0x80) {
+        return static_cast<char>(code);
+    }
+    if (code >= 0x0410 && code <= 0x044F) { // А..я, the common case
+        return static_cast<char>(0xC0 + (code - 0x0410));
+    }
+    for (std::size_t i = 0; i < kHighHalf.size(); ++i) {
+        if (kHighHalf[i] == code) {
+            return static_cast<char>(0x80 + i);
+        }
+    }
+    return std::nullopt;
+}
 
 } // namespace
 
@@ -37,25 +55,19 @@ QByteArray encode(QStringView text)
     QByteArray bytes;
     bytes.reserve(text.size());
     for (const QChar ch : text) {
-        const char16_t code = ch.unicode();
-        if (code < 0x80) {
-            bytes.append(static_cast<char>(code));
-            continue;
-        }
-        if (code >= 0x0410 && code <= 0x044F) { // А..я, the common case
-            bytes.append(static_cast<char>(0xC0 + (code - 0x0410)));
-            continue;
-        }
-        char out = '?';
-        for (std::size_t i = 0; i < kHighHalf.size(); ++i) {
-            if (kHighHalf[i] == code && code != 0xFFFD) {
-                out = static_cast<char>(0x80 + i);
-                break;
-            }
-        }
-        bytes.append(out);
+        bytes.append(encodeOne(ch.unicode()).value_or('?'));
     }
     return bytes;
+}
+
+bool canEncode(QStringView text)
+{
+    for (const QChar ch : text) {
+        if (!encodeOne(ch.unicode())) {
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace vinora::cp1251

@@ -11,5 +11,7 @@ namespace vinora::cp1251 {
 QString decode(const QByteArray& bytes);
 // Characters without a place in the code page become '?'.
 QByteArray encode(QStringView text);
+// True when every character has a place in the code page.
+bool canEncode(QStringView text);
 
 } // namespace vinora::cp1251

@@ -1,6 +1,7 @@
 #include "frame/NumericPrefix.h"
 
 #include <QString>
+#include <cmath>
 
 namespace vinora {
 namespace {
@@ -96,6 +97,21 @@ double numericPrefix(QStringView raw)
         }
     }
     return text.left(end).toDouble();
+}
+
+int boundedInt(double value, int low, int high)
+{
+    if (std::isnan(value)) {
+        value = 0;
+    }
+    const double whole = std::trunc(value);
+    if (whole <= low) {
+        return low;
+    }
+    if (whole >= high) {
+        return high;
+    }
+    return static_cast<int>(whole);
 }
 
 } // namespace vinora

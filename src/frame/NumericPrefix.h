@@ -10,4 +10,8 @@ namespace vinora {
 // " 1 5" -> 15, "-2.5e1" -> -25, "&H1F" -> 31).
 double numericPrefix(QStringView text);
 
+// A number read from a file as a whole number within [low, high]: the fraction dropped,
+// NaN as 0, anything beyond the range (infinities included) at its end.
+int boundedInt(double value, int low, int high);
+
 } // namespace vinora
