@@ -4,6 +4,7 @@
 #include "mainwindow/frmMain.h"
 #include "mainwindow/frmSplashMain.h"
 #include "ui/DesktopTheme.h"
+#include "ui/GuardedApplication.h"
 #include "ui/QtPrompter.h"
 
 #include <QApplication>
@@ -13,7 +14,7 @@
 
 int main(int argc, char* argv[])
 {
-    QApplication app(argc, argv);
+    vinora::GuardedApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("vinora"));
     QApplication::setDesktopFileName(QStringLiteral("vinora"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vinora.svg")));
@@ -29,6 +30,7 @@ int main(int argc, char* argv[])
     vinora::QtPrompter prompter;
     vinora::SystemClock clock;
     vinora::AppContext ctx(vinora::applicationFolder(), prompter, clock);
+    app.setContext(&ctx);
     QLockFile instanceLock(ctx.appFile(QStringLiteral("vinora.lock")));
 
     std::unique_ptr<vinora::frmSplashMain> splash;

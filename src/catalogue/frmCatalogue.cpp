@@ -397,10 +397,13 @@ void frmCatalogue::cmdFiles()
     }
     m_ctx.CurrentDiscID = m_ctx.DiscIDSlots[0];
     const int number = m_rows->number(m_row);
-    {
+    try {
         frmFileList list(m_ctx, number, m_rows->value(m_row, QStringLiteral("Название")).toString(),
                          m_rows->value(m_row, QStringLiteral("Дисков")).toInt(), this);
         m_ctx.prompter().showModal(list);
+    } catch (const AppError& error) {
+        // A damaged file-list database: told, and the catalogue stays open.
+        ReportErrorAndGoOn(m_ctx, QStringLiteral("frmCatalogue, cmdFiles()"), error);
     }
     cmbSorted_Click();
     goToNumber(number);

@@ -26,13 +26,31 @@ QString faultMessage(const AppError& error)
                           "последовательность Ваших действий до возникновения ошибки.");
 }
 
-void ReportFault(const AppContext& ctx, const QString& place, const AppError& error)
+namespace {
+
+void appendToFaultLog(const AppContext& ctx, const QString& place, const AppError& error)
 {
     QFile log(ctx.appFile(QStringLiteral("bugreport.log")));
     if (log.open(QIODevice::Append)) {
         log.write(cp1251::encode(QString(faultLogLine(ctx.clock().now(), error, place) + u'\n')));
         log.close();
     }
+}
+
+} // namespace
+
+void ReportErrorAndGoOn(const AppContext& ctx, const QString& place, const AppError& error)
+{
+    appendToFaultLog(ctx, place, error);
+    ctx.prompter().message(QStringLiteral("ОШИБКА.\n\n") + error.description() + QStringLiteral(" (Код: ") +
+                               QString::number(error.number()) +
+                               QStringLiteral(")\n\nДействие не выполнено. Данные, сохранённые ранее, не изменены."),
+                           MessageStyle::Stop);
+}
+
+void ReportFault(const AppContext& ctx, const QString& place, const AppError& error)
+{
+    appendToFaultLog(ctx, place, error);
     ctx.prompter().message(faultMessage(error), MessageStyle::Stop);
     ctx.endProcess(1);
 }

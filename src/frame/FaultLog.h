@@ -21,6 +21,11 @@ QString faultMessage(const AppError& error);
 [[noreturn]] void ReportFault(const AppContext& ctx, const QString& place, const AppError& error);
 [[noreturn]] void ReportFault(const AppContext& ctx, const QString& place, const std::exception& error);
 
+// For errors that bad input causes (a damaged database, a file that cannot be written):
+// appends the line to bugreport.log, tells the user what failed and that nothing stored
+// was lost, and returns, so the program goes on.
+void ReportErrorAndGoOn(const AppContext& ctx, const QString& place, const AppError& error);
+
 // Runs `work`; an AppError or other exception escaping it goes to ReportFault with `place`.
 template <typename Work>
 auto underFaultHandler(const AppContext& ctx, const QString& place, Work&& work) -> decltype(work())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 class QDialog;
@@ -52,6 +53,9 @@ public:
     virtual ~Prompter() = default;
 
     virtual Answer message(const QString& text, MessageStyle style) = 0;
+    // A message with buttons of its own, first button the default: the index of the button
+    // pressed, or -1 when the box was closed without one.
+    virtual int choose(const QString& text, MessageStyle icon, const QStringList& buttons) = 0;
     // The text typed, or nothing when the box was cancelled.
     virtual std::optional<QString> input(const QString& prompt, const QString& title,
                                          const QString& initial) = 0;
@@ -78,6 +82,7 @@ public:
                               style == MessageStyle::OkCancelInformation;
         return !asksQuestion(style) ? Answer::Ok : okCancel ? Answer::Cancel : Answer::No;
     }
+    int choose(const QString&, MessageStyle, const QStringList&) override { return -1; }
     std::optional<QString> input(const QString&, const QString&, const QString&) override
     {
         return std::nullopt;

@@ -1,50 +1,30 @@
 #include "store/Compaction.h"
 
 #include "frame/AppContext.h"
+#include "store/DatabaseLock.h"
 #include "store/Db.h"
-#include "store/FileReplace.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <utility>
-#include <vector>
 
 namespace vinora {
-namespace {
 
-std::vector<std::pair<QString, QString>> databasesAndTemporaries(const AppContext& ctx)
+bool compactDatabases(const AppContext& ctx)
 {
-    return {{ctx.MainDBPath, ctx.appFile(QStringLiteral("~vinora.db"))},
-            {ctx.FilesDBPath, ctx.appFile(QStringLiteral("~vinora_files.db"))},
-            {ctx.TracksDBPath, ctx.appFile(QStringLiteral("~vinora_tracks.db"))}};
-}
-
-} // namespace
-
-void compactDatabases(const AppContext& ctx)
-{
-    const auto pairs = databasesAndTemporaries(ctx);
-    try {
-        for (const auto& [database, temporary] : pairs) {
-            QFile::remove(temporary);
-            Db db(database);
-            db.exec(QStringLiteral("VACUUM INTO ?"), {temporary});
-        }
-        for (const auto& [database, temporary] : pairs) {
-            replaceFile(temporary, database);
-        }
-    } catch (...) {
-        for (const auto& [database, temporary] : pairs) {
-            QFile::remove(temporary);
-        }
-        throw;
+    const auto alone = DatabaseLock::tryAcquire(ctx.MainDBPath, DatabaseLock::Mode::Exclusive);
+    if (!alone) {
+        return false;
     }
+    for (const QString& database : {ctx.MainDBPath, ctx.FilesDBPath, ctx.TracksDBPath}) {
+        Db db(database);
+        db.exec(QStringLiteral("VACUUM"));
+    }
+    return true;
 }
 
 qint64 databasesSize(const AppContext& ctx)
 {
     qint64 total = 0;
-    for (const auto& [database, temporary] : databasesAndTemporaries(ctx)) {
+    for (const QString& database : {ctx.MainDBPath, ctx.FilesDBPath, ctx.TracksDBPath}) {
         total += QFileInfo(database).size();
     }
     return total;

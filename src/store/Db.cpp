@@ -57,6 +57,15 @@ QString uriFor(const QString& path, Db::Access access)
     return url.toString(QUrl::FullyEncoded);
 }
 
+// The error of a statement on the file at `path`: the file is named, so a message about a
+// damaged database says which one.
+AppError fileSqlError(const QString& driverText, const QString& sql, const QString& path)
+{
+    const AppError error = sqlError(driverText, sql);
+    return AppError(error.number(),
+                    error.description() + QStringLiteral(" ('") + path + QStringLiteral("')"));
+}
+
 } // namespace
 
 AppError sqlError(const QString& driverText, const QString& sql)
@@ -95,7 +104,7 @@ Db::Db(const QString& path, Access access)
 {
     checkOpenable(path, access);
     m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
-    m_db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=5000"));
+    m_db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=10000"));
     m_db.setDatabaseName(uriFor(path, access));
     if (!m_db.open()) {
         const QString text = m_db.lastError().text();
@@ -128,13 +137,13 @@ QSqlQuery Db::query(const QString& sql, const QVariantList& values) const
     QSqlQuery query(m_db);
     query.setForwardOnly(true);
     if (!query.prepare(sql)) {
-        throw sqlError(query.lastError().text(), sql);
+        throw fileSqlError(query.lastError().text(), sql, m_path);
     }
     for (const QVariant& value : values) {
         query.addBindValue(value);
     }
     if (!query.exec()) {
-        throw sqlError(query.lastError().text(), sql);
+        throw fileSqlError(query.lastError().text(), sql, m_path);
     }
     return query;
 }
@@ -167,10 +176,11 @@ bool Db::tableExists(const QString& table) const
                .toInt() > 0;
 }
 
-Statement::Statement(const Db& db, QString sql) : m_query(db.connection()), m_sql(std::move(sql))
+Statement::Statement(const Db& db, QString sql)
+    : m_query(db.connection()), m_sql(std::move(sql)), m_path(db.path())
 {
     if (!m_query.prepare(m_sql)) {
-        throw sqlError(m_query.lastError().text(), m_sql);
+        throw fileSqlError(m_query.lastError().text(), m_sql, m_path);
     }
 }
 
@@ -180,13 +190,15 @@ void Statement::run(const QVariantList& values)
         m_query.bindValue(static_cast<int>(i), values[i]);
     }
     if (!m_query.exec()) {
-        throw sqlError(m_query.lastError().text(), m_sql);
+        throw fileSqlError(m_query.lastError().text(), m_sql, m_path);
     }
 }
 
 Transaction::Transaction(const Db& db) : m_db(db)
 {
-    m_db.exec(QStringLiteral("BEGIN"));
+    // The write lock is taken at the start: a transaction that read first and then had to
+    // wait for another process's writer could only fail, never wait.
+    m_db.exec(QStringLiteral("BEGIN IMMEDIATE"));
 }
 
 Transaction::~Transaction()

@@ -59,6 +59,7 @@ public:
 private:
     QSqlQuery m_query;
     QString m_sql;
+    QString m_path;
 };
 
 // A transaction that rolls back unless committed.

@@ -3,6 +3,7 @@
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "store/ContentsLists.h"
+#include "store/DatabaseCopy.h"
 #include "store/Db.h"
 #include "store/FileReplace.h"
 #include "store/Schema.h"
@@ -14,7 +15,19 @@
 namespace vinora {
 namespace {
 
-// Builds a database in a file beside `path` and moves it into place when complete.
+bool isDatabase(const QString& path)
+{
+    try {
+        Db db(path, Db::Access::ReadOnly);
+        return true;
+    } catch (const AppError& error) {
+        return error.number() != err::UnrecognizedFormat;
+    }
+}
+
+// Builds a database in a file beside `path` and puts it in place when complete: moved there
+// when nothing stands there yet, else copied into the existing file by the engine's backup,
+// since another process may have that file open.
 void buildAt(const QString& path, const std::function<void(const Db&)>& build)
 {
     const QString partial = partialPathFor(path);
@@ -26,7 +39,12 @@ void buildAt(const QString& path, const std::function<void(const Db&)>& build)
             build(db);
             transaction.commit();
         }
-        replaceFile(partial, path);
+        if (QFileInfo::exists(path) && isDatabase(path)) {
+            copyDatabase(partial, path);
+            QFile::remove(partial);
+        } else {
+            replaceFile(partial, path); // nobody can work on a file that is no database
+        }
     } catch (...) {
         QFile::remove(partial);
         throw;

@@ -54,7 +54,9 @@ template <bool Upper> void caseFunction(sqlite3_context* context, int, sqlite3_v
     sqlite3_result_text(context, converted.constData(), static_cast<int>(converted.size()), SQLITE_TRANSIENT);
 }
 
-sqlite3* handleOf(const QSqlDatabase& db)
+} // namespace
+
+sqlite3* sqliteHandle(const QSqlDatabase& db)
 {
     const QVariant handle = db.driver()->handle();
     if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) {
@@ -63,11 +65,9 @@ sqlite3* handleOf(const QSqlDatabase& db)
     return *static_cast<sqlite3* const*>(handle.constData());
 }
 
-} // namespace
-
 void installSqlFunctions(const QSqlDatabase& db)
 {
-    sqlite3* handle = handleOf(db);
+    sqlite3* handle = sqliteHandle(db);
     constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
     int rc = sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, new QCollator(textCollator()),
                                          collateNoCase, destroyCollator);

@@ -6,6 +6,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QUrl>
 
 namespace vinora {
@@ -79,6 +80,20 @@ Answer QtPrompter::message(const QString& text, MessageStyle style)
         }
         return Answer::Ok;
     }
+}
+
+int QtPrompter::choose(const QString& text, MessageStyle icon, const QStringList& buttons)
+{
+    QMessageBox box(boxKind(icon).icon, title(), text, QMessageBox::NoButton, parentFor(m_parent));
+    QList<QAbstractButton*> added;
+    for (const QString& caption : buttons) {
+        added.append(box.addButton(caption, QMessageBox::AcceptRole));
+    }
+    if (!added.isEmpty()) {
+        box.setDefaultButton(qobject_cast<QPushButton*>(added.first()));
+    }
+    box.exec();
+    return static_cast<int>(added.indexOf(box.clickedButton()));
 }
 
 std::optional<QString> QtPrompter::input(const QString& prompt, const QString& title, const QString& initial)

@@ -16,6 +16,7 @@ public:
     void setParentWindow(QWidget* parent) { m_parent = parent; }
 
     Answer message(const QString& text, MessageStyle style) override;
+    int choose(const QString& text, MessageStyle icon, const QStringList& buttons) override;
     std::optional<QString> input(const QString& prompt, const QString& title,
                                  const QString& initial) override;
     QString openFile(const QString& title, const QString& filter, const QString& startPath) override;

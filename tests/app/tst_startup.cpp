@@ -204,19 +204,109 @@ private slots:
         QCOMPARE(db->scalar(QStringLiteral("SELECT count(*) FROM Стиль")).toInt(), 31);
     }
 
-    void notADatabaseGoesToTheFaultLogAndStaysAsItWas()
+    void damagedDatabase_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QByteArray>("content"); // empty: a database of another program
+        QTest::newRow("notes instead of the main database") << "vinora.db" << QByteArray("my notes, not a database\n");
+        QTest::newRow("a foreign database as the main one") << "vinora.db" << QByteArray();
+        QTest::newRow("garbage as the file lists") << "vinora_files.db" << QByteArray(8192, '\x5a');
+        QTest::newRow("the track lists cut short") << "vinora_tracks.db" << QByteArray("SQLite format 3");
+    }
+
+    // A damaged database is named, left as it is, and the way out is the user's: here, leaving.
+    void damagedDatabase()
+    {
+        QFETCH(QString, file);
+        QFETCH(QByteArray, content);
+        Start start;
+        Reanimator(start.app.ctx, 0);
+        const QString path = start.app.file(file);
+        QFile::remove(path);
+        if (content.isEmpty()) {
+            Db foreign(path, Db::Access::Create);
+            foreign.exec(QStringLiteral("CREATE TABLE notes (text TEXT)"));
+        } else {
+            test::writeFile(path, content);
+        }
+        const QByteArray before = test::readFile(path);
+        start.app.prompter.answerChoice(1); // no backup set: [another folder] [leave]
+        QVERIFY(!start.run());
+        const test::ShownMessage told = start.app.prompter.shown.value(0);
+        QVERIFY2(told.text.startsWith("База данных '" + path + "' повреждена или имеет не верный формат."),
+                 qPrintable(told.text));
+        QVERIFY(told.text.endsWith("[Выбрать другую папку...] [Выйти]"));
+        QCOMPARE(told.style, MessageStyle::Stop);
+        QCOMPARE(test::readFile(path), before);
+    }
+
+    void damagedDatabaseRestoredFromTheBackupSet()
     {
         Start start;
         Reanimator(start.app.ctx, 0);
-        const QByteArray text("these are my notes, not a database\n");
-        QFile::remove(start.app.ctx.MainDBPath);
-        test::writeFile(start.app.ctx.MainDBPath, text);
+        {
+            Db db(start.app.ctx.MainDBPath);
+            db.exec("INSERT INTO Стиль (Стиль) VALUES ('из копии')");
+        }
+        for (const QString& name : kDatabases) {
+            QFile::copy(start.app.file(name), start.app.file("backup_of_" + name));
+        }
+        const QByteArray damaged(4096, '\x11');
+        test::writeFile(start.app.ctx.MainDBPath, damaged);
+        start.app.prompter.answerChoice(0);
+        QVERIFY(start.run());
+        QVERIFY(start.app.prompter.texts().value(0).endsWith(
+            "[Восстановить из резервной копии] [Выбрать другую папку...] [Выйти]"));
+        QCOMPARE(test::readFile(start.app.ctx.MainDBPath + ".damaged"), damaged);
+        Db db(start.app.ctx.MainDBPath);
+        QCOMPARE(db.scalar("SELECT count(*) FROM Стиль WHERE Стиль = 'из копии'").toInt(), 1);
+    }
+
+    void damagedDatabaseLeftForAnotherFolder()
+    {
+        Start start;
+        Reanimator(start.app.ctx, 0);
+        test::writeFile(start.app.ctx.FilesDBPath, "damaged");
+        QTemporaryDir elsewhere;
+        start.app.prompter.answerChoice(0);
+        start.app.prompter.answerPath(elsewhere.path());
+        QVERIFY(start.run());
+        QCOMPARE(filesIn(elsewhere.path()).filter(".db"), kDatabases);
+        QCOMPARE(start.app.ctx.ini().read(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), 255),
+                 elsewhere.path());
+        QCOMPARE(test::readFile(start.app.file("vinora_files.db")), QByteArray("damaged"));
+    }
+
+    // A read-only vinora.db in the application folder: told once, by its file, and the
+    // program ends; there is no folder to go back to, so no question comes back.
+    void readOnlyMainDatabaseFile()
+    {
+        Start start;
+        Reanimator(start.app.ctx, 0);
+        test::ReadOnlyFolder readOnly(start.app.ctx.MainDBPath);
+        if (!readOnly.active()) {
+            QSKIP("this machine cannot make a file read-only");
+        }
         QVERIFY(start.run());
         QVERIFY_THROWS_EXCEPTION(ProcessEnded, openMainDatabaseForRefresh(start.app.ctx));
-        QVERIFY(start.app.prompter.texts().value(0).startsWith("ОШИБКА.\n\n"));
-        QVERIFY(cp1251::decode(test::readFile(start.app.file(QStringLiteral("bugreport.log"))))
-                    .contains("(Код: 3343) frmMain, LoadData()"));
-        QCOMPARE(test::readFile(start.app.ctx.MainDBPath), text);
+        QCOMPARE(start.app.prompter.texts(),
+                 QStringList{"Файл '" + start.app.ctx.MainDBPath +
+                             "' доступен только для чтения! Локальная работа с базой данных не возможна!\n\n"
+                             "Разрешите запись и запустите программу снова."});
+    }
+
+    void readOnlyApplicationFolderIsToldAsSuch()
+    {
+        Start start;
+        test::ReadOnlyFolder readOnly(start.app.folder.path());
+        if (!readOnly.active()) {
+            QSKIP("this machine cannot make a folder read-only");
+        }
+        QVERIFY(!start.run());
+        QCOMPARE(start.app.prompter.texts(),
+                 QStringList{"Папка программы '" + start.app.folder.path() +
+                             "' недоступна для записи: программа не может в ней работать.\n\n"
+                             "Разрешите запись в эту папку или укажите другую в переменной окружения VINORA_HOME."});
     }
 };
 

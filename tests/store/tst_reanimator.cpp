@@ -89,6 +89,8 @@ private slots:
             Db files(app.ctx.FilesDBPath);
             ContentsLists(files, ContentsKind::Files).create(QStringLiteral("1A2B"));
             files.exec(QStringLiteral("DELETE FROM Фильтр1"));
+            Db tracks(app.ctx.TracksDBPath);
+            ContentsLists(tracks, ContentsKind::Tracks).create(QStringLiteral("3C4D"));
         }
         const quint64 main = test::inodeOf(app.ctx.MainDBPath);
         const quint64 tracks = test::inodeOf(app.ctx.TracksDBPath);
@@ -102,10 +104,16 @@ private slots:
         Reanimator(app.ctx, 2);
         QCOMPARE(test::inodeOf(app.ctx.FilesDBPath), files);
         QCOMPARE(test::inodeOf(app.ctx.MainDBPath), main);
-        QVERIFY(test::inodeOf(app.ctx.TracksDBPath) != tracks);
+        // Rebuilt inside the same file, which another process may hold open.
+        QCOMPARE(test::inodeOf(app.ctx.TracksDBPath), tracks);
+        QCOMPARE(count(app.ctx.TracksDBPath, QStringLiteral("Списки")), 0);
 
         // Nothing of the work in progress stays in the folder.
-        QCOMPARE(QDir(app.folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 3);
+        QCOMPARE(
+            QDir(app.folder.path()).entryList({QStringLiteral("*.db")}, QDir::Files | QDir::Hidden).size(),
+            3);
+        QCOMPARE(QDir(app.folder.path()).entryList({QStringLiteral("*part*")}, QDir::Files | QDir::Hidden),
+                 QStringList());
     }
 
     void unknownKindBuildsAll()

@@ -23,6 +23,15 @@ Answer ScriptedPrompter::message(const QString& text, MessageStyle style)
     return m_answers.dequeue();
 }
 
+int ScriptedPrompter::choose(const QString& text, MessageStyle icon, const QStringList& buttons)
+{
+    shown.append({text + u'\n' + u'[' + buttons.join(QStringLiteral("] [")) + u']', icon});
+    if (m_choices.isEmpty()) {
+        throw UnexpectedPrompt{text};
+    }
+    return m_choices.dequeue();
+}
+
 std::optional<QString> ScriptedPrompter::input(const QString& prompt, const QString&, const QString&)
 {
     shown.append({prompt, MessageStyle::Plain});

@@ -35,14 +35,20 @@ public:
 
     void answer(Answer next) { m_answers.enqueue(next); }
     void answerInput(std::optional<QString> next) { m_inputs.enqueue(std::move(next)); }
+    // The index of the button pressed in the next `choose`, -1 for closing the box.
+    void answerChoice(int next) { m_choices.enqueue(next); }
     void answerPath(QString next) { m_paths.enqueue(std::move(next)); }
     // The next modal window is handed to `handler`, whose result is the window's result.
     void handleModal(std::function<int(QDialog&)> handler) { m_modals.enqueue(std::move(handler)); }
 
     QStringList texts() const;
-    bool unanswered() const { return m_answers.isEmpty() && m_inputs.isEmpty() && m_paths.isEmpty(); }
+    bool unanswered() const
+    {
+        return m_answers.isEmpty() && m_inputs.isEmpty() && m_paths.isEmpty() && m_choices.isEmpty();
+    }
 
     Answer message(const QString& text, MessageStyle style) override;
+    int choose(const QString& text, MessageStyle icon, const QStringList& buttons) override;
     std::optional<QString> input(const QString& prompt, const QString& title,
                                  const QString& initial) override;
     QString openFile(const QString& title, const QString& filter, const QString& startPath) override;
@@ -58,6 +64,7 @@ private:
 
     QQueue<Answer> m_answers;
     QQueue<std::optional<QString>> m_inputs;
+    QQueue<int> m_choices;
     QQueue<QString> m_paths;
     QQueue<std::function<int(QDialog&)>> m_modals;
 };
