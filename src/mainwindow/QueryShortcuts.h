@@ -21,7 +21,9 @@ struct ShortcutQuery
 // The query of a shortcut, or nothing when its section is gone.
 std::optional<ShortcutQuery> shortcutQuery(const IniFile& queryIni, const QString& name);
 
-// Removes a shortcut and closes the gap in the numbering. False when Count is missing.
+// Removes a shortcut and closes the gap in the numbering, as one change of the file; the
+// work is bounded by the sections the file holds, whatever its Count says. False when Count
+// is missing. Throws AppError when the file cannot be written (it then stays as it was).
 bool deleteShortcut(const IniFile& queryIni, const QString& name);
 
 } // namespace vinora

@@ -39,6 +39,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QSaveFile>
+#include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolBox>
@@ -459,26 +460,13 @@ void frmMain::Form_Load()
 void frmMain::LoadWinPos()
 {
     const WindowPlacement placement = vinora::LoadWinPos(m_ctx.ini());
-    QRect place = geometry();
-    const auto pixels = [](double twips) { return static_cast<int>(twips / kTwipsPerPixel); };
-    if (placement.left) {
-        place.moveLeft(pixels(*placement.left));
-    }
-    if (placement.top) {
-        place.moveTop(pixels(*placement.top));
-    }
-    if (placement.height) {
-        place.setHeight(pixels(*placement.height));
-    }
-    if (placement.width) {
-        place.setWidth(pixels(*placement.width));
-    }
+    const QRect available = screen() != nullptr ? screen()->availableGeometry() : QRect();
+    const QRect place = placedGeometry(placement, geometry(), available);
     move(place.topLeft());
     resize(place.size());
     if (placement.state) {
-        setWindowState(*placement.state == 2   ? Qt::WindowMaximized
-                       : *placement.state == 1 ? Qt::WindowMinimized
-                                               : Qt::WindowNoState);
+        const int state = placedState(placement);
+        setWindowState(state == 2 ? Qt::WindowMaximized : state == 1 ? Qt::WindowMinimized : Qt::WindowNoState);
     }
 }
 
@@ -510,8 +498,13 @@ bool frmMain::Form_Unload()
         saveLayout();
         const int state = isMinimized() ? 1 : isMaximized() ? 2 : 0;
         const QRect place = geometry();
-        SaveWinPos(m_ctx.ini(), state, x() * kTwipsPerPixel, y() * kTwipsPerPixel,
-                   place.height() * kTwipsPerPixel, place.width() * kTwipsPerPixel);
+        try {
+            SaveWinPos(m_ctx.ini(), state, x() * kTwipsPerPixel, y() * kTwipsPerPixel,
+                       place.height() * kTwipsPerPixel, place.width() * kTwipsPerPixel);
+        } catch (const AppError& error) {
+            // Leaving must not depend on the settings file: say so and go on.
+            m_ctx.prompter().message(error.description(), MessageStyle::Exclamation);
+        }
         CompactDB();
         return true;
     });
