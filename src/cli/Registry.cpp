@@ -104,14 +104,17 @@ void printText(const QString& text)
     std::fputs(text.toUtf8().constData(), stdout);
 }
 
+QString usageHint(const Verb& verb)
+{
+    return QStringLiteral("; 'vinora-cli ") + verb.name + QStringLiteral(" --help' tells its usage");
+}
+
 int runVerb(const Verb& verb, const QStringList& arguments)
 {
     QCommandLineParser parser;
     describe(parser, verb);
     if (!parser.parse(QStringList{QStringLiteral("vinora-cli")} + arguments)) {
-        throw Failure{BadUsage, verb.name + QStringLiteral(": ") + parserError(parser) +
-                                    QStringLiteral("; 'vinora-cli ") + verb.name +
-                                    QStringLiteral(" --help' tells its usage")};
+        throw Failure{BadUsage, verb.name + QStringLiteral(": ") + parserError(parser) + usageHint(verb)};
     }
     if (parser.isSet(QStringLiteral("help"))) {
         printText(verbHelp(verb));
@@ -129,14 +132,19 @@ int runVerb(const Verb& verb, const QStringList& arguments)
             problem =
                 QStringLiteral("unexpected argument '") + positional.value(verb.arguments.size()) + u'\'';
         }
-        throw Failure{BadUsage, verb.name + QStringLiteral(": ") + problem +
-                                    QStringLiteral("; 'vinora-cli ") + verb.name +
-                                    QStringLiteral(" --help' tells its usage")};
+        throw Failure{BadUsage, verb.name + QStringLiteral(": ") + problem + usageHint(verb)};
     }
     CliPrompter prompter;
     SystemClock clock;
     AppContext ctx(applicationFolder(), prompter, clock);
-    return verb.run(ctx, parser);
+    try {
+        return verb.run(ctx, parser);
+    } catch (Failure& failure) {
+        if (failure.status == BadUsage) {
+            failure.message += usageHint(verb);
+        }
+        throw;
+    }
 }
 
 int help(const QStringList& arguments)

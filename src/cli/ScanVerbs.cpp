@@ -4,6 +4,7 @@
 #include "frame/AppContext.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/VolumeIdentity.h"
+#include "store/DatabaseLock.h"
 #include "store/Db.h"
 
 #include <QCommandLineParser>
@@ -102,6 +103,10 @@ int scan(AppContext& ctx, const QCommandLineParser& parser)
             throw databaseFailure(path, AppError(folder ? err::CannotFindFile : err::InvalidPath, path));
         }
     }
+    // Held to the end: the window's maintenance waits for us, and we wait for it.
+    const DatabaseLock lock = DatabaseLock::acquire(ctx.MainDBPath, DatabaseLock::Mode::Shared, [] {
+        tell(QStringLiteral("waiting for the program to finish maintenance of the databases..."));
+    });
     requireDatabase(ctx.MainDBPath, {QStringLiteral("Компьютер")});
     requireDatabase(ctx.FilesDBPath, {QStringLiteral("Списки"), QStringLiteral("Файлы")});
     onDatabase(ctx.MainDBPath, [&] {

@@ -1,0 +1,603 @@
+#include "../recognition/DiscFixtures.h"
+#include "recognition/DiscIdentity.h"
+#include "recognition/VolumeIdentity.h"
+#include "store/ContentsLists.h"
+#include "store/DatabaseLock.h"
+#include "store/Db.h"
+#include "store/Reanimator.h"
+#include "support/TestFolders.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <unistd.h>
+
+using namespace vinora;
+
+namespace {
+
+struct Run
+{
+    int code = -1;
+    bool crashed = true;
+    QString out;
+    QString err;
+};
+
+// An application folder of its own for each test, with the three databases when asked.
+struct Home
+{
+    QTemporaryDir dir;
+
+    QString path() const { return dir.path(); }
+    QString file(const QString& name) const { return dir.filePath(name); }
+    QString mainDb() const { return file("vinora.db"); }
+    QString filesDb() const { return file("vinora_files.db"); }
+    QString tracksDb() const { return file("vinora_tracks.db"); }
+
+    // The databases as the program makes them, with computer disc 3.
+    void makeDatabases() const
+    {
+        createMainDatabase(mainDb());
+        createFilesDatabase(filesDb());
+        createTracksDatabase(tracksDb());
+        Db db(mainDb());
+        db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (3, 'Диск', 1)");
+    }
+
+    Run cli(const QStringList& arguments, int timeout = 60000) const
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("VINORA_HOME", path());
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(VINORA_CLI), arguments);
+        Run run;
+        if (!process.waitForFinished(timeout)) {
+            process.kill();
+            process.waitForFinished();
+            return run;
+        }
+        run.crashed = process.exitStatus() != QProcess::NormalExit;
+        run.code = process.exitCode();
+        run.out = QString::fromUtf8(process.readAllStandardOutput());
+        run.err = QString::fromUtf8(process.readAllStandardError());
+        return run;
+    }
+};
+
+// A file that refuses writes while the guard lives, for root as well (the immutable flag).
+class ReadOnlyFile
+{
+public:
+    explicit ReadOnlyFile(QString path) : m_path(std::move(path))
+    {
+        QFile::setPermissions(m_path,
+                              QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+        if (writable() && ::geteuid() == 0) {
+            m_immutable = chattr("+i");
+        }
+    }
+    ~ReadOnlyFile()
+    {
+        if (m_immutable) {
+            chattr("-i");
+        }
+        QFile::setPermissions(m_path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
+    ReadOnlyFile(const ReadOnlyFile&) = delete;
+    ReadOnlyFile& operator=(const ReadOnlyFile&) = delete;
+
+    bool active() const { return !writable(); }
+
+private:
+    bool writable() const { return ::access(QFile::encodeName(m_path).constData(), W_OK) == 0; }
+    bool chattr(const char* flag) const
+    {
+        QProcess tool;
+        tool.start("chattr", {QString::fromLatin1(flag), m_path});
+        return tool.waitForFinished(10000) && tool.exitStatus() == QProcess::NormalExit &&
+               tool.exitCode() == 0;
+    }
+
+    QString m_path;
+    bool m_immutable = false;
+};
+
+enum Damage { Damaged, Empty, ForeignText, ForeignSqlite, Missing, ReadOnly };
+
+const QList<std::pair<Damage, const char*>> kDamages = {
+    {Damaged, "damaged"},          {Empty, "empty"},
+    {ForeignText, "foreign text"}, {ForeignSqlite, "foreign SQLite"},
+    {Missing, "missing"},          {ReadOnly, "read-only"}};
+
+// Brings the database at `path` to the given state; the guard keeps a read-only one so.
+std::unique_ptr<ReadOnlyFile> damage(const QString& path, Damage kind)
+{
+    switch (kind) {
+    case Damaged: {
+        QByteArray bytes = test::readFile(path);
+        bytes.replace(0, 16, "NOT A DATABASE!!");
+        for (qsizetype page = 4096; page + 200 < bytes.size(); page += 4096) {
+            bytes.replace(page + 8, 120, QByteArray(120, char(0xA5)));
+        }
+        test::writeFile(path, bytes);
+        break;
+    }
+    case Empty:
+        test::writeFile(path, {});
+        break;
+    case ForeignText:
+        test::writeFile(path, "Shopping list\n- bread\n- milk\n");
+        break;
+    case ForeignSqlite: {
+        QFile::remove(path);
+        Db db(path, Db::Access::Create);
+        db.exec("CREATE TABLE notes (line TEXT)");
+        db.exec("INSERT INTO notes VALUES (?)", {"not a catalogue"});
+        break;
+    }
+    case Missing:
+        QFile::remove(path);
+        break;
+    case ReadOnly:
+        return std::make_unique<ReadOnlyFile>(path);
+    }
+    return {};
+}
+
+QJsonObject jsonObject(const QString& text)
+{
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &error);
+    [&] { QCOMPARE(error.error, QJsonParseError::NoError); }();
+    [&] { QVERIFY(document.isObject()); }();
+    return document.object();
+}
+
+int storedRows(const QString& filesDb, const QString& id)
+{
+    Db db(filesDb, Db::Access::ReadOnly);
+    return ContentsLists(db, ContentsKind::Files).rowCount(id);
+}
+
+} // namespace
+
+class tst_cli : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    test::DiscFixtures m_discs{m_dir.path()};
+    QString m_iso;
+    QString m_cue;
+    QString m_isoId;
+
+    QStringList filled(QStringList arguments) const
+    {
+        for (QString& argument : arguments) {
+            argument.replace("$ISO", m_iso).replace("$CUE", m_cue);
+        }
+        return arguments;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        m_iso = m_discs.iso("pc.iso", {"-J", "-V", "CLI"});
+        m_cue = m_discs.audioCue("audio", {15000, 15000, 15000});
+        m_isoId = SerialToID(readVolumeInfo(m_iso).serial);
+    }
+
+    // Every verb over every kind of broken database: those that never open a database work
+    // as ever and leave the file as it was; scan stops with the file named.
+    void brokenDatabases_data()
+    {
+        QTest::addColumn<QStringList>("setup");
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("database");
+        QTest::addColumn<int>("damageKind");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("message");
+
+        const QString scanCode = "scan $ISO --number 3 --files-in-root --folders";
+        const QList<std::tuple<const char*, QString, QString>> untouched = {
+            {"drives", {}, "drives"},
+            {"add-image", {}, "add-image $ISO"},
+            {"remove-image", "add-image $ISO", "remove-image $ISO"},
+            {"identify", {}, "identify $ISO"},
+            {"toc", {}, "toc $CUE"},
+        };
+        for (const auto& [kind, name] : kDamages) {
+            for (const auto& [verb, setup, arguments] : untouched) {
+                QTest::addRow("%s, %s", verb, name)
+                    << setup.split(' ', Qt::SkipEmptyParts) << arguments.split(' ') << QString("vinora.db")
+                    << int(kind) << 0 << QString();
+            }
+            for (const QString& database : {QString("vinora.db"), QString("vinora_files.db")}) {
+                const bool missing = kind == Missing;
+                const QString message =
+                    missing            ? QString("does not exist; vinora makes its databases when it starts")
+                    : kind == ReadOnly ? QString("cannot be written")
+                                       : QString("is damaged or is not a vinora database");
+                QTest::addRow("scan, %s %s", qPrintable(database), name)
+                    << QStringList() << scanCode.split(' ') << database << int(kind) << (missing ? 1 : 3)
+                    << message;
+            }
+        }
+    }
+
+    void brokenDatabases()
+    {
+        QFETCH(QStringList, setup);
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, database);
+        QFETCH(int, damageKind);
+        QFETCH(int, status);
+        QFETCH(QString, message);
+
+        Home home;
+        home.makeDatabases();
+        if (!setup.isEmpty()) {
+            QCOMPARE(home.cli(filled(setup)).code, 0);
+        }
+        const QString path = home.file(database);
+        const auto guard = damage(path, Damage(damageKind));
+        if (guard && !guard->active()) {
+            QSKIP("this machine lets the test's user write a read-only file");
+        }
+        const QByteArray before = test::readFile(path);
+        const bool existed = QFile::exists(path);
+
+        const Run run = home.cli(filled(arguments));
+        QVERIFY(!run.crashed);
+        QVERIFY2(!run.err.contains("terminate") && !run.err.contains("abort"), qPrintable(run.err));
+        QCOMPARE(run.code, status);
+        if (message.isEmpty()) {
+            QVERIFY2(run.err.isEmpty(), qPrintable(run.err));
+        } else {
+            QCOMPARE(run.out, QString());
+            QCOMPARE(run.err.count('\n'), 1);
+            QVERIFY2(run.err.startsWith("vinora-cli: the database '" + path + "' " + message),
+                     qPrintable(run.err));
+        }
+        // Nothing was made or written behind the user's back.
+        QCOMPARE(QFile::exists(path), existed);
+        QCOMPARE(test::readFile(path), before);
+        if (database != "vinora_files.db") {
+            QCOMPARE(storedRows(home.filesDb(), m_isoId), 0);
+        }
+    }
+    void usageErrors_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("nothing") << QStringList() << "no verb given";
+        QTest::newRow("unknown verb") << QStringList{"frobnicate"} << "unknown verb 'frobnicate'";
+        QTest::newRow("unknown option of the tool") << QStringList{"--bogus"} << "Unknown option 'bogus'";
+        QTest::newRow("unknown option of a verb")
+            << QStringList{"toc", "--bogus", "$CUE"} << "toc: Unknown option 'bogus'";
+        QTest::newRow("option of another verb")
+            << QStringList{"drives", "--json"} << "drives: Unknown option 'json'";
+        QTest::newRow("missing argument")
+            << QStringList{"identify"} << "identify: missing argument; usage: vinora-cli identify DRIVE";
+        QTest::newRow("extra argument")
+            << QStringList{"add-image", "$ISO", "$CUE"} << "add-image: unexpected argument '$CUE'";
+        QTest::newRow("scan without number")
+            << QStringList{"scan", "$ISO", "--folders"} << "scan needs --number N";
+        QTest::newRow("number without value")
+            << QStringList{"scan", "$ISO", "--number"} << "scan: Missing value after '--number'";
+        QTest::newRow("number not a number") << QStringList{"scan", "$ISO", "--number", "three"}
+                                             << "--number takes a whole number from 1 to 32767, not 'three'";
+        QTest::newRow("number zero") << QStringList{"scan", "$ISO", "--number", "0"}
+                                     << "--number takes a whole number from 1 to 32767, not '0'";
+        QTest::newRow("disc out of the set") << QStringList{"scan", "$ISO", "--number", "3", "--disc", "7"}
+                                             << "--disc takes a whole number from 1 to 6, not '7'";
+        QTest::newRow("both filters") << QStringList{"scan",
+                                                     "$ISO",
+                                                     "--number",
+                                                     "3",
+                                                     "--folders",
+                                                     "--filter-exclude",
+                                                     "--filter-include"}
+                                      << "--filter-exclude and --filter-include exclude each other";
+        QTest::newRow("help of no verb") << QStringList{"help", "frobnicate"} << "help: no verb 'frobnicate'";
+    }
+
+    void usageErrors()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        Home home;
+        home.makeDatabases();
+        const QByteArray before = test::readFile(home.mainDb());
+        const Run run = home.cli(filled(arguments));
+        QVERIFY(!run.crashed);
+        QCOMPARE(run.code, 2);
+        QCOMPARE(run.out, QString());
+        QCOMPARE(run.err.count('\n'), 1);
+        QVERIFY2(run.err.startsWith("vinora-cli: " + filled({message}).constFirst()), qPrintable(run.err));
+        QVERIFY2(run.err.contains("--help"), qPrintable(run.err));
+        QCOMPARE(test::readFile(home.mainDb()), before);
+    }
+
+    void helpListsTheVerbs()
+    {
+        Home home;
+        const Run help = home.cli({"help"});
+        QCOMPARE(help.code, 0);
+        QCOMPARE(help.err, QString());
+        QCOMPARE(home.cli({"--help"}).out, help.out);
+        QCOMPARE(home.cli({"-h"}).out, help.out);
+        QVERIFY(help.out.startsWith("Usage: vinora-cli VERB [options] [arguments]\n"));
+        const QStringList lines = help.out.split('\n');
+        const QStringList verbs = {"drives", "add-image", "remove-image", "identify", "toc", "scan"};
+        QStringList listed;
+        for (const QString& line : lines) {
+            const QString word = line.section(' ', 2, 2);
+            if (line.startsWith("  ") && verbs.contains(word)) {
+                listed.append(word);
+                QVERIFY2(line.section(' ', 3).trimmed().size() > 10, qPrintable(line)); // its summary
+            }
+        }
+        QCOMPARE(listed, verbs);
+        for (const char* status : {"  0  done", "  1  nothing found or refused", "  2  bad usage",
+                                   "  3  a damaged or unreadable file"}) {
+            QVERIFY2(help.out.contains(QString::fromUtf8(status)), status);
+        }
+        // No files appear for a question about the tool.
+        QCOMPARE(QDir(home.path()).entryList(QDir::Files), QStringList());
+
+        const Run version = home.cli({"--version"});
+        QCOMPARE(version.code, 0);
+        QVERIFY2(QRegularExpression("^vinora-cli \\d+\\.\\d+ build \\d+\n$").match(version.out).hasMatch(),
+                 qPrintable(version.out));
+    }
+
+    void helpOfEachVerb_data()
+    {
+        QTest::addColumn<QString>("verb");
+        QTest::addColumn<QString>("usage");
+        QTest::addColumn<QStringList>("options");
+        QTest::newRow("drives") << "drives"
+                                << "Usage: vinora-cli drives\n"
+                                << QStringList{"-h, --help"};
+        QTest::newRow("add-image") << "add-image"
+                                   << "Usage: vinora-cli add-image IMAGE\n"
+                                   << QStringList{"IMAGE"};
+        QTest::newRow("remove-image") << "remove-image"
+                                      << "Usage: vinora-cli remove-image IMAGE\n"
+                                      << QStringList{"IMAGE"};
+        QTest::newRow("identify") << "identify"
+                                  << "Usage: vinora-cli identify [options] DRIVE\n"
+                                  << QStringList{"--json", "DRIVE"};
+        QTest::newRow("toc") << "toc"
+                             << "Usage: vinora-cli toc [options] DRIVE\n"
+                             << QStringList{"--json", "leadout"};
+        QTest::newRow("scan")
+            << "scan"
+            << "Usage: vinora-cli scan [options] DRIVE\n"
+            << QStringList{
+                   "--number <N>", "--disc <K>", "--files-in-root", "--folders",        "--folders-only",
+                   "--lower-case", "--hidden",   "--mp3",           "--filter-exclude", "--filter-include",
+                   "--bind",       "--new-id",   "--json"};
+    }
+
+    void helpOfEachVerb()
+    {
+        QFETCH(QString, verb);
+        QFETCH(QString, usage);
+        QFETCH(QStringList, options);
+        Home home;
+        const Run run = home.cli({verb, "--help"});
+        QCOMPARE(run.code, 0);
+        QCOMPARE(run.err, QString());
+        QVERIFY2(run.out.startsWith(usage), qPrintable(run.out));
+        for (const QString& option : options) {
+            QVERIFY2(run.out.contains(option), qPrintable(option));
+        }
+        QVERIFY(run.out.contains("Exit status:"));
+        QCOMPARE(home.cli({"help", verb}).out, run.out);
+        // Help wins over a missing argument; nothing runs.
+        QCOMPARE(home.cli({verb, "--help", "extra", "words"}).code, 0);
+    }
+
+    void foundAndRefused()
+    {
+        Home home;
+        home.makeDatabases();
+        const QString missing = m_dir.filePath("missing.iso");
+
+        QCOMPARE(home.cli({"identify", m_iso}).code, 0);
+        Run run = home.cli({"identify", missing});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: no usable medium in " + missing + "\n");
+        QCOMPARE(home.cli({"toc", m_cue}).code, 0);
+        QCOMPARE(home.cli({"toc", missing}).code, 1);
+
+        QCOMPARE(home.cli({"drives"}).out.contains(m_iso), false);
+        QCOMPARE(home.cli({"add-image", m_iso}).code, 0);
+        QVERIFY(home.cli({"drives"}).out.endsWith(m_iso + "\n"));
+        run = home.cli({"add-image", m_iso});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: already registered: " + m_iso + "\n");
+        run = home.cli({"add-image", missing});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: no such file: " + missing + "\n");
+        run = home.cli({"add-image", m_dir.path()});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: not an image file: " + m_dir.path() + "\n");
+        QCOMPARE(home.cli({"remove-image", m_iso}).code, 0);
+        QVERIFY(!home.cli({"drives"}).out.contains(m_iso));
+        run = home.cli({"remove-image", m_iso});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: not registered: " + m_iso + "\n");
+
+        const QStringList scan = {"scan", m_iso, "--number", "3", "--files-in-root", "--folders"};
+        run = home.cli(QStringList{"scan", m_iso, "--number", "99", "--folders"});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: no computer disc number 99\n");
+        run = home.cli({"scan", m_iso, "--number", "3"});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: Выберите область сканирования диска!\n");
+        run = home.cli({"scan", m_cue, "--number", "3", "--folders"});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: В устройстве для чтения компакт дисков вставлен Аудио диск.\n");
+        QCOMPARE(storedRows(home.filesDb(), m_isoId), 0);
+        run = home.cli(scan);
+        QCOMPARE(run.code, 0);
+        QVERIFY(storedRows(home.filesDb(), m_isoId) > 0);
+        QCOMPARE(run.out,
+                 "id: " + m_isoId + "\nrows: " + QString::number(storedRows(home.filesDb(), m_isoId)) + "\n");
+        run = home.cli(scan); // the list is owned now
+        QCOMPARE(run.code, 1);
+        QVERIFY2(run.err.contains("--new-id"), qPrintable(run.err));
+        QCOMPARE(home.cli(scan + QStringList{"--new-id", "--disc", "2"}).code, 0);
+    }
+
+    // A scan never makes the databases: the program does that when it starts.
+    void scanWithoutDatabasesMakesNone()
+    {
+        Home home;
+        Run run = home.cli({"scan", m_iso, "--number", "3", "--folders"});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: the database '" + home.mainDb() +
+                              "' does not exist; vinora makes its databases when it starts\n");
+        QCOMPARE(QDir(home.path()).entryList(QDir::Files), QStringList());
+
+        // The folder named by the settings is gone.
+        const QString gone = home.file("gone");
+        test::writeFile(home.file("vinora.ini"), "[Option]\nPathLocalDB=" + gone.toUtf8() + "\n");
+        run = home.cli({"scan", m_iso, "--number", "3", "--folders"});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err, "vinora-cli: the folder of the database '" + gone +
+                              "/vinora.db' does not exist (PathLocalDB in vinora.ini)\n");
+        QVERIFY(!QFileInfo::exists(gone));
+    }
+
+    void settingsThatCannotBeWritten_data()
+    {
+        QTest::addColumn<QStringList>("setup");
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("add-image") << QStringList() << QStringList{"add-image", "$ISO"};
+        QTest::newRow("remove-image")
+            << QStringList{"add-image", "$ISO"} << QStringList{"remove-image", "$ISO"};
+    }
+
+    void settingsThatCannotBeWritten()
+    {
+        QFETCH(QStringList, setup);
+        QFETCH(QStringList, arguments);
+        Home home;
+        const QString ini = home.file("vinora.ini");
+        test::writeFile(ini, "[Option]\nConfirmExit=1\n");
+        if (!setup.isEmpty()) {
+            QCOMPARE(home.cli(filled(setup)).code, 0);
+        }
+        const QByteArray before = test::readFile(ini);
+        const auto file = std::make_unique<ReadOnlyFile>(ini);
+        test::ReadOnlyFolder folder(home.path());
+        if (!file->active() || !folder.active()) {
+            QSKIP("this machine lets the test's user write a read-only file");
+        }
+        const Run run = home.cli(filled(arguments));
+        QVERIFY(!run.crashed);
+        QCOMPARE(run.code, 3);
+        QCOMPARE(run.err.count('\n'), 1);
+        QVERIFY2(run.err.startsWith("vinora-cli: the settings file '" + ini + "' cannot be written"),
+                 qPrintable(run.err));
+        QCOMPARE(test::readFile(ini), before);
+    }
+
+    void json()
+    {
+        Home home;
+        home.makeDatabases();
+        const VolumeInfo volume = readVolumeInfo(m_iso);
+        Run run = home.cli({"identify", "--json", m_iso});
+        QCOMPARE(run.code, 0);
+        QJsonObject object = jsonObject(run.out);
+        QCOMPARE(object.value("drive").toString(), m_iso);
+        QCOMPARE(object.value("kind").toString(), "PcCD");
+        QCOMPARE(object.value("id").toString(), m_isoId);
+        QCOMPARE(object.value("label").toString(), "CLI");
+        QCOMPARE(object.value("fs").toString(), "CDFS");
+        QCOMPARE(object.value("maxlen").toInt(), 110);
+        QCOMPARE(object.value("serial").toString(),
+                 QString("%1").arg(volume.serial, 8, 16, QChar(u'0')).toUpper());
+
+        run = home.cli({"toc", "--json", m_cue});
+        QCOMPARE(run.code, 0);
+        object = jsonObject(run.out);
+        const QJsonArray tracks = object.value("tracks").toArray();
+        QCOMPARE(tracks.size(), 3);
+        QCOMPARE(tracks[0].toObject().value("number").toInt(), 1);
+        QCOMPARE(tracks[0].toObject().value("position").toInt(), 150);
+        QCOMPARE(tracks[0].toObject().value("length").toInt(), 15000);
+        QCOMPARE(tracks[0].toObject().value("positionMsf").toString(), "00:02:00");
+        QCOMPARE(tracks[2].toObject().value("lengthMsf").toString(), "03:19:74");
+        QCOMPARE(tracks[2].toObject().value("type").toString(), "audio");
+        QCOMPARE(object.value("leadout").toInt(), 45150);
+        QCOMPARE(object.value("discid").toString(), "0c025803");
+        QCOMPARE(object.value("query").toString(), "0c025803 3 150 15150 30150 600");
+
+        run = home.cli(
+            {"scan", m_iso, "--number", "3", "--disc", "2", "--folders", "--files-in-root", "--json"});
+        QCOMPARE(run.code, 0);
+        object = jsonObject(run.out);
+        QCOMPARE(object.value("id").toString(), m_isoId);
+        QCOMPARE(object.value("number").toInt(), 3);
+        QCOMPARE(object.value("disc").toInt(), 2);
+        QCOMPARE(object.value("rows").toInt(), storedRows(home.filesDb(), m_isoId));
+        QVERIFY(object.value("rows").toInt() > 0);
+        Db db(home.mainDb(), Db::Access::ReadOnly);
+        QCOMPARE(db.scalar("SELECT ДискID2 FROM Компьютер WHERE Номер = 3").toString(), m_isoId);
+    }
+
+    // The window's maintenance holds the databases exclusively: a scan waits, says so, and
+    // stores its whole list once they are let go.
+    void scanWaitsForMaintenance()
+    {
+        const QStringList scan = {"scan", m_iso, "--number", "3", "--files-in-root", "--folders"};
+        Home reference;
+        reference.makeDatabases();
+        QCOMPARE(reference.cli(scan).code, 0);
+        const int rows = storedRows(reference.filesDb(), m_isoId);
+        QVERIFY(rows > 0);
+
+        Home home;
+        home.makeDatabases();
+        std::optional<DatabaseLock> maintenance =
+            DatabaseLock::tryAcquire(home.mainDb(), DatabaseLock::Mode::Exclusive);
+        QVERIFY(maintenance);
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("VINORA_HOME", home.path());
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(VINORA_CLI), scan);
+        QVERIFY(process.waitForStarted());
+        QVERIFY(!process.waitForFinished(1200));
+        QByteArray err;
+        QTRY_VERIFY(
+            (err += process.readAllStandardError())
+                .contains("vinora-cli: waiting for the program to finish maintenance of the databases...\n"));
+        QCOMPARE(storedRows(home.filesDb(), m_isoId), 0);
+
+        maintenance.reset();
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 0);
+        QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()),
+                 "id: " + m_isoId + "\nrows: " + QString::number(rows) + "\n");
+        QCOMPARE(storedRows(home.filesDb(), m_isoId), rows);
+    }
+};
+
+VINORA_TEST_MAIN(tst_cli)
+#include "tst_cli.moc"
