@@ -118,6 +118,7 @@ bool nrgLooksSound(const QByteArray& tail, qint64 fileSize)
     const qint64 length = chunksEnd - chunksStart;
     qint64 at = 0;
     int tracks = 0;
+    int trackTables = 0; // the reader takes one table of tracks only
     while (at + 8 <= length) {
         const quint32 chunk = be32(footer + at);
         const quint32 size = be32(footer + at + 4);
@@ -137,6 +138,7 @@ bool nrgLooksSound(const QByteArray& tail, qint64 fileSize)
                 return false;
             }
             tracks += int(entries - 2) / 2;
+            ++trackTables;
             break;
         }
         case id("ETNF"):
@@ -146,6 +148,7 @@ bool nrgLooksSound(const QByteArray& tail, qint64 fileSize)
                 return false;
             }
             tracks += int(size / entry);
+            ++trackTables;
             break;
         }
         case id("DAOI"):
@@ -170,7 +173,7 @@ bool nrgLooksSound(const QByteArray& tail, qint64 fileSize)
         default:
             break; // chunks the reader skips
         }
-        if (tracks > kMostTracks) {
+        if (tracks > kMostTracks || trackTables > 1) {
             return false;
         }
         at += 8 + qint64(size);
