@@ -52,6 +52,9 @@ namespace vinora {
 namespace {
 
 const QString kOption = QStringLiteral("Option");
+const QString kCompactionPostponedText =
+    QStringLiteral("Базы данных не сжаты: с ними сейчас работает другая программа (vinora-cli).\n\n"
+                   "Сжатие будет выполнено при следующем выходе из программы.");
 
 // The names the dashboard's controls carry per catalogue.
 struct BlockNames
@@ -466,7 +469,9 @@ void frmMain::LoadWinPos()
     resize(place.size());
     if (placement.state) {
         const int state = placedState(placement);
-        setWindowState(state == 2 ? Qt::WindowMaximized : state == 1 ? Qt::WindowMinimized : Qt::WindowNoState);
+        setWindowState(state == 2   ? Qt::WindowMaximized
+                       : state == 1 ? Qt::WindowMinimized
+                                    : Qt::WindowNoState);
     }
 }
 
@@ -521,10 +526,14 @@ void frmMain::CompactDB()
     if (m_ctx.ExternalDBOpen) {
         OpenLocalDB();
     }
-    underFaultHandler(m_ctx, QStringLiteral("frmMain, CompactDB()"), [this] {
+    const bool compacted = underFaultHandler(m_ctx, QStringLiteral("frmMain, CompactDB()"), [this] {
         WaitCursor hourglass;
-        compactDatabases(m_ctx);
+        return compactDatabases(m_ctx);
     });
+    if (!compacted) {
+        wait.hide();
+        m_ctx.prompter().message(kCompactionPostponedText, MessageStyle::Information);
+    }
 }
 
 // ======================================================================================
