@@ -79,7 +79,7 @@ private slots:
         QVERIFY(start.run());
         QCOMPARE(filesIn(elsewhere.path()), kDatabases);
         QCOMPARE(start.app.ctx.MainDBPath, elsewhere.filePath(QStringLiteral("vinora.db")));
-        QCOMPARE(filesIn(start.app.folder.path()), (QStringList{"vinora.ini", "vinora.lock"}));
+        QCOMPARE(filesIn(start.app.folder.path()), (QStringList{".vinora.ini.lock", "vinora.ini", "vinora.lock"}));
     }
 
     void unreachablePathLocalDB_data()

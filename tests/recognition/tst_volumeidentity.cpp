@@ -336,7 +336,7 @@ private slots:
         cli({"remove-image", iso}, 0);
         QVERIFY(!cli({"drives"}, 0).contains(iso));
         cli({"add-image", m_dir.path()}, 1);
-        cli({"frobnicate"}, 1);
+        cli({"frobnicate"}, 2); // bad usage
     }
 
     void damagedImagesNeverCrash()
