@@ -7,6 +7,7 @@
 #include <atomic>
 #include <csignal>
 #include <fcntl.h>
+#include <limits>
 #include <mutex>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -20,7 +21,7 @@ extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*call
 namespace vinora {
 namespace {
 
-constexpr std::chrono::seconds kCdImageLimit(30);
+constexpr std::chrono::seconds kCdImageLimit(15);
 // A DVD image's whole walk, MP3 tags included, is slower than any CD's.
 constexpr std::chrono::seconds kUdfLimit(180);
 // Verdicts kept; more images than this are not polled by one process.
@@ -29,6 +30,7 @@ constexpr int kMostVerdicts = 256;
 std::mutex g_probeLock;
 QHash<QString, bool> g_verdicts;
 std::atomic<int> g_probes{0};
+std::atomic<qint64> g_capMs{std::numeric_limits<qint64>::max()};
 
 // The file as it is now: a changed file gets a new verdict.
 QString verdictKey(const QString& path, ProbeKind kind)
@@ -118,7 +120,8 @@ bool imageSurvivesProbe(const QString& path, ProbeKind kind, const std::function
     if (const auto known = g_verdicts.constFind(key); known != g_verdicts.constEnd()) {
         return *known;
     }
-    const bool survived = runInChild(work, kind == ProbeKind::UdfVolume ? kUdfLimit : kCdImageLimit);
+    const std::chrono::milliseconds limit = kind == ProbeKind::UdfVolume ? kUdfLimit : kCdImageLimit;
+    const bool survived = runInChild(work, std::min(limit, std::chrono::milliseconds(g_capMs.load())));
     if (g_verdicts.size() >= kMostVerdicts) {
         g_verdicts.clear();
     }
@@ -159,6 +162,11 @@ void walkAsScan(VolumeReader& volume)
 int imageProbeCount()
 {
     return g_probes.load();
+}
+
+void capImageProbeTime(std::chrono::milliseconds limit)
+{
+    g_capMs = limit.count();
 }
 
 } // namespace vinora

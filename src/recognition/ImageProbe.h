@@ -31,5 +31,7 @@ void walkAsScan(VolumeReader& volume);
 
 // The number of child processes started so far (for tests).
 int imageProbeCount();
+// Caps the time a probe may take (for fuzzers, whose inputs have a time limit of their own).
+void capImageProbeTime(std::chrono::milliseconds limit);
 
 } // namespace vinora
