@@ -65,7 +65,7 @@ private slots:
         Window w;
         w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Left"), QStringLiteral("1500"));
         w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Top"), QStringLiteral("750abc"));
-        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Width"), QStringLiteral("9000"));
+        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Width"), QStringLiteral("10500"));
         frmMain window(w.app.ctx);
         const QSize designed = window.size();
         window.Form_Load();
@@ -73,7 +73,7 @@ private slots:
         QCOMPARE(window.statusPanelText(4), QStringLiteral("22 ноября (воскресенье)"));
         QCOMPARE(window.statusPanelText(1), QStringLiteral("База данных - локальная"));
         QCOMPARE(window.pos(), QPoint(100, 50));
-        QCOMPARE(window.width(), 600); // the place and size fit the offscreen screen of 800 x 600
+        QCOMPARE(window.width(), 700); // the place and size fit the offscreen screen of 800 x 600
         QCOMPARE(window.height(), designed.height()); // no Height key: as designed
         QCOMPARE(frmSplashMain::labelText().section(u'\n', 0, 0), QStringLiteral("vinora 1.0 build 1"));
     }
