@@ -264,7 +264,8 @@ private slots:
         const QList<QByteArray> lines = test::readFile(path()).split('\n');
         QCOMPARE(lines.size(), 6);
         if (line.isEmpty()) {
-            QVERIFY2(lines[2].startsWith(QByteArray(QByteArray("Image1=") + kMarker.toLatin1())), lines[2].constData());
+            QVERIFY2(lines[2].startsWith(QByteArray(QByteArray("Image1=") + kMarker.toLatin1())),
+                     lines[2].constData());
             for (const char c : lines[2]) {
                 QVERIFY2(c > ' ' && c < 0x7F, lines[2].constData()); // one plain line of ASCII
             }
