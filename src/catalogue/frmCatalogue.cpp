@@ -10,6 +10,7 @@
 #include "contents/frmFileList.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
+#include "frame/NumericPrefix.h"
 #include "frame/TextRules.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/frmSelectCategory.h"
@@ -264,9 +265,8 @@ void frmCatalogue::Form_Load()
             m_cmbSorted->addItem(item.text);
         }
         if (m_ctx.ini().has(kSorted, m_kind.sortKey, 5)) {
-            m_cmbSorted->setCurrentIndex(
-                std::clamp(static_cast<int>(m_ctx.ini().number(kSorted, m_kind.sortKey, 5)), 0,
-                           static_cast<int>(m_kind.sortItems.size()) - 1));
+            m_cmbSorted->setCurrentIndex(boundedInt(m_ctx.ini().number(kSorted, m_kind.sortKey, 5), 0,
+                                                    static_cast<int>(m_kind.sortItems.size()) - 1));
             m_chSortedDESC->setChecked(m_ctx.ini().number(kSorted, m_kind.sortDescKey(), 5) == 1);
         }
         if (!m_ctx.ExternalDBOpen && m_ctx.CatalogueQueryMode) {

@@ -1,11 +1,14 @@
 // The dashboard of the main window: counts, dates, loans and their overdue signs, the clock.
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
+#include "frame/NumericPrefix.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/frmMain.h"
 #include "store/LocalDatabase.h"
 #include "ui/ClickableLabel.h"
 #include "ui/WaitCursor.h"
+
+#include <climits>
 
 namespace vinora {
 namespace {
@@ -45,7 +48,7 @@ void frmMain::ConfigureTimers()
             return;
         }
         const double number = m_ctx.ini().number(kOption, QString::fromLatin1(key), 5);
-        timer.setInterval(number == 1 ? 1 : std::max(1, static_cast<int>(number / 10)));
+        timer.setInterval(number == 1 ? 1 : boundedInt(number / 10, 1, INT_MAX));
     };
     configure("tmrDue", m_tmrFindDue);
     configure("tmrCD", m_tmrNewCD);

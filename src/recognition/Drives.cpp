@@ -18,12 +18,15 @@ QString imageKey(int n)
     return QStringLiteral("Image") + QString::number(n);
 }
 
+// One change of the file: a failure part-way keeps the images registered before.
 void writeImages(const IniFile& ini, const QStringList& images)
 {
-    ini.removeSection(kVirtual);
-    for (int i = 0; i < images.size(); ++i) {
-        ini.write(kVirtual, imageKey(i + 1), images[i]);
-    }
+    ini.update([&](IniDocument& document) {
+        document.removeSection(kVirtual);
+        for (int i = 0; i < images.size(); ++i) {
+            document.write(kVirtual, imageKey(i + 1), images[i]);
+        }
+    });
 }
 
 } // namespace
