@@ -1,3 +1,4 @@
+#include "../recognition/DamagedImages.h"
 #include "../recognition/DiscFixtures.h"
 #include "contents/DiscScan.h"
 #include "contents/MP3TagEditor.h"
@@ -291,6 +292,60 @@ private slots:
         const ScanOutcome third = startScan(app.ctx, request, [](const QString&) -> bool { throw 1; });
         QVERIFY(third.done);
         QCOMPARE(third.id, id);
+    }
+
+    void damagedImagesEndTheScanWithItsReport()
+    {
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        {
+            Db db(app.ctx.MainDBPath);
+            db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (5, 'Битый', 1)");
+        }
+        QByteArray image = test::readFile(m_image);
+        // The Joliet tree's "DOCS" made to point back at the root: a cycle.
+        quint32 root = 0;
+        for (qint64 lsn = 17; lsn < 32 && root == 0; ++lsn) {
+            if (image[lsn * 2048] == 2) {
+                root = test::le32At(image, lsn * 2048 + 158);
+            }
+        }
+        const qint64 docs = test::isoRecord(image, root, QByteArray("\0D\0O\0C\0S", 8));
+        QVERIFY(root > 0 && docs > 0);
+        test::pointIsoRecord(image, docs, root);
+        const QString cycle = m_dir.filePath("cycle.iso");
+        test::writeFile(cycle, image);
+        const auto scan = [&](const QString& drive, const QString& id, int* readErrors) {
+            ScanRequest request{drive, "PcCD", id, ScanOptions{}, 5, 1, false};
+            request.options.hidden = true;
+            return startScan(app.ctx, request, {}, {}, [readErrors] { ++*readErrors; });
+        };
+        int errors = 0;
+        QVERIFY(scan(m_image, "WHOLE", &errors).done);
+        QCOMPARE(errors, 0);
+        QStringList expected;
+        for (const QString& row : storedRows(app.ctx, "WHOLE")) {
+            if (!row.contains("|\\DOCS\\")) {
+                expected.append(row);
+            }
+        }
+        QVERIFY(expected.size() < storedRows(app.ctx, "WHOLE").size());
+        const ScanOutcome cycled = scan(cycle, "CYCLE", &errors);
+        QVERIFY(cycled.done);
+        QCOMPARE(errors, 1); // "Ошибка чтения диска!" once, for the folder that leads back
+        QCOMPARE(storedRows(app.ctx, "CYCLE"), expected);
+
+        // A Nero image whose chunk size runs past its end is no disc: nothing is listed.
+        test::NrgImage nrg = test::nrgOf(test::readFile(m_image));
+        test::putBe32(nrg.bytes, nrg.chunk("ETN2") + 4, 0x7FFFFFE0);
+        const QString nero = m_dir.filePath("damaged.nrg");
+        test::writeFile(nero, nrg.bytes);
+        QVERIFY(!readVolumeInfo(nero).ok);
+        errors = 0;
+        const ScanOutcome none = scan(nero, "NERO", &errors);
+        QVERIFY(none.done);
+        QCOMPARE(none.rows, 0);
+        QCOMPARE(errors, 1);
     }
 
     void badInput()
