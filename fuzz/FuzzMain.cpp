@@ -1,8 +1,8 @@
 // A small mutation loop for the fuzz targets where libFuzzer is not at hand (gcc builds,
 // the bounded runs of `make test`). It takes libFuzzer's way of being called, so one
 // command line serves both:
-//   fuzz_x [-max_total_time=S] [-runs=N] [-seed=N] [-timeout=S] CORPUS_DIR|FILE...
-// Every seed runs once as it is, then mutated seeds run until the time or the count is
+//   fuzz_x [-max_total_time=S] [-runs=N] [-timeout=S] CORPUS_DIR|FILE...
+// Every corpus input runs once as it is, then mutated inputs run until the time or the count is
 // spent. The input that a sanitizer stops on (or that hangs) is saved as crash-<name>.bin
 // in the working folder, to run again as `fuzz_x crash-<name>.bin`.
 #include <algorithm>
@@ -90,7 +90,8 @@ constexpr std::array<uint32_t, 12> kInteresting = {0,          1,          0x7F,
 class Mutator
 {
 public:
-    explicit Mutator(uint32_t seed) : m_random(seed) {}
+    // The same start on every run, so a run can be repeated.
+    Mutator() : m_random(1) {}
 
     Bytes mutate(const std::vector<Bytes>& corpus)
     {
@@ -158,7 +159,7 @@ private:
                 data.insert(data.begin() + long(below(data.size() + 1)), copy.begin(), copy.end());
             }
             break;
-        default: // splice with another seed
+        default: // splice with another corpus input
         {
             const Bytes& other = corpus[below(corpus.size())];
             if (other.empty() || data.empty()) {
@@ -191,7 +192,6 @@ int main(int argc, char* argv[])
     }
     long seconds = 0;
     long runs = -1;
-    long seed = 1;
     long timeout = 20;
     std::vector<std::string> places;
     for (int i = 1; i < argc; ++i) {
@@ -199,7 +199,6 @@ int main(int argc, char* argv[])
         if (argument.rfind('-', 0) == 0) {
             seconds = flagValue(argument, "max_total_time", seconds);
             runs = flagValue(argument, "runs", runs);
-            seed = flagValue(argument, "seed", seed);
             timeout = flagValue(argument, "timeout", timeout);
         } else {
             places.push_back(argument);
@@ -225,7 +224,7 @@ int main(int argc, char* argv[])
     for (const Bytes& input : corpus) {
         runOne(input);
     }
-    Mutator mutator{static_cast<uint32_t>(seed)};
+    Mutator mutator;
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
     long done = 0;
     while ((runs < 0 ? seconds > 0 : done < runs) && (seconds <= 0 || std::chrono::steady_clock::now() < end)) {
@@ -233,6 +232,6 @@ int main(int argc, char* argv[])
         runOne(input);
         ++done;
     }
-    std::printf("fuzz: %zu seeds and %ld mutated inputs ran clean\n", corpus.size(), done);
+    std::printf("fuzz: %zu corpus inputs and %ld mutated inputs ran clean\n", corpus.size(), done);
     return 0;
 }

@@ -14,11 +14,11 @@ targets=${FUZZ_TARGETS:-$(cd "$build" && ctest -N -L fuzz | sed -n 's/^ *Test *#
 export ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 QT_QPA_PLATFORM=offscreen
 for target in $targets; do
   echo "== $target for ${seconds}s"
-  # The seed scripts make the starting corpus with real tools.
-  (cd "$build" && ctest -R "^${target}_seeds\$" > /dev/null || true)
-  seeds=()
-  [ -d "fuzz/seeds/$target" ] && seeds+=("fuzz/seeds/$target")
+  # The input scripts make the starting corpus with real tools.
+  (cd "$build" && ctest -R "^${target}_inputs\$" > /dev/null || true)
+  inputs=()
+  [ -d "fuzz/inputs/$target" ] && inputs+=("fuzz/inputs/$target")
   mkdir -p "$build/fuzz-corpus/$target"
   (cd "$build" && "./fuzz/$target" -max_total_time="$seconds" -timeout=20 -detect_leaks=0 \
-     -print_final_stats=1 "fuzz-corpus/$target" "${seeds[@]/#/../}")
+     -print_final_stats=1 "fuzz-corpus/$target" "${inputs[@]/#/../}")
 done

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Seeds for the volume fuzz targets, made with real tools from a tiny tree:
-#   bash make_volume_seeds.sh OUTPUT_FOLDER
+# Starting inputs for the volume fuzz targets, made with real tools from a tiny tree:
+#   bash make_volume_inputs.sh OUTPUT_FOLDER
 # OUTPUT_FOLDER is the corpus of one target (fuzz_volume_iso, fuzz_volume_nrg or
-# fuzz_volume_cue, told by its name); each seed stays under 100 KB.
+# fuzz_volume_cue, told by its name); each stays under 100 KB.
 set -euo pipefail
 out=$1
 target=$(basename "$out")
@@ -17,14 +17,14 @@ printf 'a%.0s' $(seq 1 300) > "$tree/DOCS/A.TXT"
 printf 'b\n' > "$tree/DOCS/SUB/B.TXT"
 { head -c 200 /dev/zero; printf 'TAG%-30s%-30s' 'Title' 'Artist'; head -c 65 /dev/zero; } > "$tree/MUSIC/SONG.MP3"
 
-iso() { genisoimage -quiet -V SEED -o "$1" "${@:2}" "$tree"; }
+iso() { genisoimage -quiet -V FUZZ -o "$1" "${@:2}" "$tree"; }
 iso "$work/plain.iso"
 iso "$work/joliet.iso" -J
 iso "$work/rock.iso" -R
 iso "$work/udf.iso" -udf
-xorriso -dev "$work/xorriso.iso" -volid SEED -padding 0 -map "$tree" / -commit > /dev/null 2>&1
+xorriso -dev "$work/xorriso.iso" -volid FUZZ -padding 0 -map "$tree" / -commit > /dev/null 2>&1
 truncate -s 1M "$work/mkudffs.img"
-mkudffs --label=SEED --blocksize=2048 --media-type=hd "$work/mkudffs.img" > /dev/null
+mkudffs --label=FUZZ --blocksize=2048 --media-type=hd "$work/mkudffs.img" > /dev/null
 
 # Only what a fuzzer can grow from: the sectors up to the last one in use.
 trim() { # image out
@@ -95,7 +95,7 @@ PY
   fuzz_volume_cue)
     printf 'FILE "data.bin" BINARY\n  TRACK 01 MODE1/2352\n    INDEX 01 00:00:00\n' > "$out/data.cue"
     printf 'FILE "data.bin" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n  TRACK 02 MODE1/2352\n    INDEX 00 00:00:10\n    INDEX 01 00:00:20\n' > "$out/mixed.cue"
-    printf 'REM GENRE Seed\nPERFORMER "Seed"\nTITLE "Seed"\nFILE data.bin BINARY\n  TRACK 01 AUDIO\n    FLAGS DCP\n    PREGAP 00:02:00\n    INDEX 01 00:00:00\n' > "$out/audio.cue"
+    printf 'REM GENRE Fuzz\nPERFORMER "Fuzz"\nTITLE "Fuzz"\nFILE data.bin BINARY\n  TRACK 01 AUDIO\n    FLAGS DCP\n    PREGAP 00:02:00\n    INDEX 01 00:00:00\n' > "$out/audio.cue"
     ;;
   *)
     echo "unknown target $target" >&2
