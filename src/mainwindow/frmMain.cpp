@@ -123,12 +123,17 @@ QString frmMain::datePanelText(const QDate& date)
 
 void frmMain::buildMenusAndToolbars()
 {
+    // A submenu takes its place in its parent where its first command comes in the list,
+    // so "Добавить" follows the three catalogues and "Экспорт" follows "Сохранить как...".
+    QHash<QString, QString> unplacedSubmenus; // submenu id -> parent id
     for (const MainMenu& entry : mainMenus()) {
-        QMenu* menu = entry.popup                ? new QMenu(entry.text, this)
-                      : entry.parentId.isEmpty() ? menuBar()->addMenu(entry.text)
-                                                 : m_menus.value(entry.parentId)->addMenu(entry.text);
+        QMenu* menu = entry.parentId.isEmpty() && !entry.popup ? menuBar()->addMenu(entry.text)
+                                                               : new QMenu(entry.text, this);
         menu->setObjectName(entry.id);
         m_menus.insert(entry.id, menu);
+        if (!entry.parentId.isEmpty()) {
+            unplacedSubmenus.insert(entry.id, entry.parentId);
+        }
     }
     QHash<QString, QToolBar*> toolbars;
     for (const MainToolbar& entry : mainToolbars()) {
@@ -143,6 +148,9 @@ void frmMain::buildMenusAndToolbars()
         act->setObjectName(command.id);
         act->setCheckable(command.checkable);
         act->setEnabled(isLiveCommand(command.id));
+        if (const QString parent = unplacedSubmenus.take(command.menuId); !parent.isEmpty()) {
+            m_menus.value(parent)->addMenu(m_menus.value(command.menuId));
+        }
         if (QMenu* menu = m_menus.value(command.menuId)) {
             if (command.id == u"ID_Quit") {
                 menu->addSeparator();

@@ -11,6 +11,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QMenu>
+#include <QMenuBar>
 #include <QProcess>
 #include <QStatusBar>
 #include <QToolBar>
@@ -202,6 +204,38 @@ private slots:
                                "ID_QuickADNewDue", "ID_QuickPCFind", "ID_ToolbarEditAdd"}) {
             QVERIFY2(!window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
+    }
+
+    void menusListTheirItemsInOrder_data()
+    {
+        QTest::addColumn<QString>("menu");
+        QTest::addColumn<QStringList>("items");
+        QTest::newRow("Каталог") << "&Каталог"
+                                 << QStringList{"Аудио диски", "Компьютерные диски", "DVD диски", "Добавить",
+                                                "Изменить номер диска", "Изменить категорию диска", "",
+                                                "Выход"};
+        QTest::newRow("База данных") << "&База данных"
+                                     << QStringList{"Открыть...", "Открыть локальную", "Сохранить как...",
+                                                    "Экспорт", "Импорт...", "Мастер обслуживания",
+                                                    "Параметры", "Поиск"};
+        QTest::newRow("Вид") << "&Вид" << QStringList{"Панели инструментов", "Панель vinora"};
+    }
+
+    void menusListTheirItemsInOrder()
+    {
+        QFETCH(QString, menu);
+        QFETCH(QStringList, items);
+        Window w;
+        frmMain window(w.app.ctx);
+        QStringList shown;
+        for (QAction* top : window.menuBar()->actions()) {
+            if (top->text() == menu) {
+                for (const QAction* item : top->menu()->actions()) {
+                    shown.append(item->text());
+                }
+            }
+        }
+        QCOMPARE(shown, items);
     }
 
     void compaction_data()
