@@ -331,6 +331,16 @@ QWidget* frmMain::buildCategoryBlock(Category category)
     signRow->addSpacing(16);
     signRow->addLayout(shareRow);
     grid->addLayout(signRow, 3, 1, 1, 4);
+    // The signs blink by hiding and showing inside space that stays reserved, so nothing
+    // around them moves (and a click on the link lands where the link was drawn).
+    for (QWidget* blinking : std::initializer_list<QWidget*>{b.dueFrame, b.newSign, b.newLabel, b.shareSign,
+                                                             b.shareLink}) {
+        QSizePolicy policy = blinking->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        blinking->setSizePolicy(policy);
+    }
+    b.newSign->setMinimumSize(discPicture(DiscPicture::Unknown).size());
+    b.newLabel->setMinimumHeight(2 * b.newLabel->fontMetrics().lineSpacing());
     // The columns keep their widths when the signs are hidden.
     grid->setColumnMinimumWidth(3, 70);
     grid->setColumnStretch(4, 1);

@@ -124,6 +124,7 @@ private:
     void driveChosen(int index);
     void openHelpFile(const QString& file, const QString& missingMessage);
     void setStatusPicture(int panel, const QPixmap& picture);
+    void startBlinking(QTimer& timer);
     CategoryBlock& block(Category category) { return m_blocks[static_cast<std::size_t>(category)]; }
 
     AppContext& m_ctx;

@@ -48,7 +48,7 @@ void frmMain::ConfigureTimers()
             return;
         }
         const double number = m_ctx.ini().number(kOption, QString::fromLatin1(key), 5);
-        timer.setInterval(number == 1 ? 1 : boundedInt(number / 10, 1, INT_MAX));
+        timer.setInterval(number == 1 ? 1 : boundedInt(number / 10, 0, INT_MAX));
     };
     configure("tmrDue", m_tmrFindDue);
     configure("tmrCD", m_tmrNewCD);
@@ -76,7 +76,7 @@ void frmMain::CheckDue()
             if (overdue > 0) {
                 block(category).due = true;
                 block(category).dueCount->setText(QString::number(overdue));
-                m_tmrFindDue.start();
+                startBlinking(m_tmrFindDue);
             }
         }
     });
@@ -103,14 +103,27 @@ void frmMain::CheckCD()
     }
 }
 
+void frmMain::startBlinking(QTimer& timer)
+{
+    // An interval of 0 (a setting below 10) is a timer that never ticks: the sign stays as
+    // it stands, and nothing spins the event loop.
+    if (timer.interval() > 0) {
+        timer.start();
+    }
+}
+
 void frmMain::tmrFindDue_Timer()
 {
+    const bool steady = m_tmrFindDue.interval() == 1;
     for (const Category category : allCategories()) {
         CategoryBlock& b = block(category);
         if (!b.due) {
             continue;
         }
-        b.dueFrame->setVisible(m_tmrFindDue.interval() == 1 || b.dueFrame->isHidden());
+        b.dueFrame->setVisible(steady || b.dueFrame->isHidden());
+    }
+    if (steady) {
+        m_tmrFindDue.stop(); // shown for good: the next CheckDue starts it again
     }
 }
 

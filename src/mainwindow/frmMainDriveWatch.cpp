@@ -113,7 +113,7 @@ void frmMain::showDiscInDrive(Category category, const QString& id)
         b.shareLink->setStyleSheet(QStringLiteral("color: #d32f2f; text-decoration: underline;"));
         b.shareLink->setEnabled(true);
         b.shareLink->show();
-        m_tmrNewCD.start();
+        startBlinking(m_tmrNewCD);
         for (const Category other : allCategories()) {
             if (other != category) {
                 block(other).newSign->hide();
@@ -134,7 +134,7 @@ void frmMain::showDiscInDrive(Category category, const QString& id)
         b.shareLink->setEnabled(true);
         b.shareLink->show();
     }
-    m_tmrNewCD.start();
+    startBlinking(m_tmrNewCD);
 }
 
 void frmMain::tmrNewCD_Timer()
@@ -147,6 +147,7 @@ void frmMain::tmrNewCD_Timer()
         if (m_tmrNewCD.interval() == 1) {
             b.newSign->show();
             b.newLabel->show();
+            m_tmrNewCD.stop(); // steady: shown for good until the signs are reset
             return;
         }
         const bool show = b.newSign->isHidden();

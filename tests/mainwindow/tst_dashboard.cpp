@@ -151,6 +151,81 @@ private slots:
         QVERIFY(d.visible("imgFindDueDVD"));
     }
 
+    void blinkInterval_data()
+    {
+        QTest::addColumn<QString>("tmrCD");
+        QTest::addColumn<int>("interval");
+        QTest::addColumn<QList<bool>>("shownAfterTicks"); // the sign after each of three ticks
+        QTest::newRow("designed") << "-" << 500 << QList<bool>{false, true, false};
+        QTest::newRow("3000 / 10") << "3000" << 300 << QList<bool>{false, true, false};
+        QTest::newRow("1 steady") << "1" << 1 << QList<bool>{true, true, true};
+        QTest::newRow("5 / 10 is 0") << "5" << 0 << QList<bool>{true, true, true};
+        QTest::newRow("0") << "0" << 0 << QList<bool>{true, true, true};
+    }
+
+    void blinkInterval()
+    {
+        QFETCH(QString, tmrCD);
+        QFETCH(int, interval);
+        QFETCH(QList<bool>, shownAfterTicks);
+        Dashboard d;
+        const QString cue = m_discs.audioCue("blink", {15000});
+        d.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля, ДискID1_d) VALUES (3, 'Кино', 1, 1, ?)",
+               {QString::number(readVolumeInfo(cue).serial, 16).toUpper()});
+        if (tmrCD != u"-") {
+            d.set("tmrCD", tmrCD);
+        }
+        d.set("Drive", cue);
+        frmMain& w = d.open();
+        if (tmrCD == u"-") {
+            w.timer("tmrNewCD").setInterval(500);
+        }
+        d.tick();
+        QCOMPARE(w.timer("tmrNewCD").interval(), interval);
+        // A timer of interval 0 never ticks (nor spins the event loop): the sign stays as shown.
+        if (interval != 1) { // a steady sign's timer rests after its first tick
+            QCOMPARE(w.timer("tmrNewCD").isActive(), interval > 1);
+        }
+        QList<bool> shown;
+        for (int i = 0; i < 3; ++i) {
+            if (w.timer("tmrNewCD").isActive()) {
+                w.tmrNewCD_Timer();
+            }
+            shown.append(d.visible("imgNewAD"));
+        }
+        QCOMPARE(shown, shownAfterTicks);
+        QVERIFY(interval > 1 || !w.timer("tmrNewCD").isActive());
+    }
+
+    void blinkingMovesNothing()
+    {
+        Dashboard d;
+        const QString cue = m_discs.audioCue("still", {15000});
+        d.exec("INSERT INTO Аудио (Номер, Название, Альбом, Дисков, КодСтиля, ДискID1_d) "
+               "VALUES (7, 'Кино', 'Звезда по имени Солнце', 1, 1, ?)",
+               {QString::number(readVolumeInfo(cue).serial, 16).toUpper()});
+        frmMain& w = d.open();
+        const auto placeOf = [&](const char* name) {
+            QWidget* widget = w.label(QString::fromLatin1(name));
+            return QRect(widget->mapTo(&w, QPoint(0, 0)), widget->size());
+        };
+        d.set("Drive", cue);
+        d.tick();
+        QCoreApplication::processEvents();
+        QVERIFY(d.visible("lblShareAD"));
+        const QRect dvdBlock = placeOf("lblCDsDVD");
+        const QRect link = placeOf("lblShareAD");
+        const QRect line = placeOf("lblNewAD");
+        for (int i = 0; i < 4; ++i) {
+            w.tmrNewCD_Timer();
+            QCoreApplication::processEvents();
+            QCOMPARE(d.visible("lblNewAD"), i % 2 == 1);
+            QCOMPARE(placeOf("lblShareAD"), link);
+            QCOMPARE(placeOf("lblNewAD"), line);
+            QCOMPARE(placeOf("lblCDsDVD"), dvdBlock);
+        }
+    }
+
     void boundImageIsRecognisedAndUnbound()
     {
         Dashboard d;
