@@ -2,77 +2,132 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
+#include <dirent.h>
 #include <sys/stat.h>
 
 namespace vinora {
 namespace {
 
-struct Identity
-{
-    dev_t device;
-    ino_t inode;
-    bool operator==(const Identity&) const = default;
-};
+constexpr qint64 kChunk = 256 * 1024;
 
-std::optional<Identity> identityOf(const QString& path)
+std::optional<struct stat> lstatOf(const QByteArray& path)
 {
     struct stat st = {};
-    if (::stat(QFile::encodeName(path).constData(), &st) != 0) {
+    if (::lstat(path.constData(), &st) != 0) {
         return std::nullopt;
     }
-    return Identity{st.st_dev, st.st_ino};
+    return st;
 }
 
-// True when a step of `folder` leads back into a folder it lies in (a symbolic link to an
-// ancestor), or when it nests deeper than a disc can.
-bool loopsBack(const QString& root, const QString& folder)
+std::optional<struct stat> lstatOf(const QString& path)
+{
+    return lstatOf(QFile::encodeName(path));
+}
+
+// The folder `folder` below the root when every step of it is a real folder (no symbolic
+// link), none of them is a folder it lies in (a bind mount's cycle), and it nests no deeper
+// than a disc can; empty otherwise. The root itself may be reached through links: it is
+// where the disc is mounted.
+QString realFolder(const QString& root, const QString& folder)
 {
     const QStringList names = folder.split(u'/', Qt::SkipEmptyParts);
-    if (names.size() > kDeepestFolder) {
-        return true;
+    struct stat rootStat = {};
+    if (names.size() > kDeepestFolder || ::stat(QFile::encodeName(root).constData(), &rootStat) != 0 ||
+        !S_ISDIR(rootStat.st_mode)) {
+        return {};
     }
-    QList<Identity> entered;
+    QList<std::pair<dev_t, ino_t>> entered{{rootStat.st_dev, rootStat.st_ino}};
     QString path = root;
-    for (qsizetype i = 0; i <= names.size(); ++i) {
-        if (i > 0) {
-            path = QDir(path).filePath(names[i - 1]);
+    for (const QString& name : names) {
+        if (name == u"." || name == u"..") {
+            return {};
         }
-        const std::optional<Identity> identity = identityOf(path);
-        if (!identity || entered.contains(*identity)) {
-            return true;
+        path = QDir(path).filePath(name);
+        const std::optional<struct stat> st = lstatOf(path);
+        if (!st || !S_ISDIR(st->st_mode) || entered.contains(std::pair{st->st_dev, st->st_ino})) {
+            return {};
         }
-        entered.append(*identity);
+        entered.append({st->st_dev, st->st_ino});
     }
-    return false;
+    return path;
+}
+
+// The regular file `file` below the root, reached without links; empty otherwise.
+QString realFile(const QString& root, const QString& file)
+{
+    const qsizetype slash = file.lastIndexOf(u'/');
+    const QString folder = realFolder(root, slash < 0 ? QString() : file.left(slash));
+    const QString name = file.mid(slash + 1);
+    if (folder.isEmpty() || name.isEmpty() || name == u"." || name == u"..") {
+        return {};
+    }
+    const QString path = QDir(folder).filePath(name);
+    const std::optional<struct stat> st = lstatOf(path);
+    return st && S_ISREG(st->st_mode) ? path : QString();
 }
 
 } // namespace
 
 std::optional<QList<VolumeEntry>> FolderVolumeReader::list(const QString& folder)
 {
-    const QDir dir(QDir(m_root).filePath(folder));
-    if (!dir.exists() || !dir.isReadable() || loopsBack(m_root, folder)) {
+    const QString path = realFolder(m_root, folder);
+    if (path.isEmpty()) {
+        return std::nullopt;
+    }
+    const QByteArray encoded = QFile::encodeName(path);
+    DIR* dir = ::opendir(encoded.constData());
+    if (dir == nullptr) {
         return std::nullopt;
     }
     QList<VolumeEntry> entries;
-    const QFileInfoList infos =
-        dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    for (const QFileInfo& info : infos) {
-        entries.append({info.fileName(), info.isDir(), info.isDir() ? 0 : info.size(),
-                        info.fileName().startsWith(u'.')});
+    while (const dirent* entry = ::readdir(dir)) {
+        const QByteArray raw(entry->d_name);
+        if (raw == "." || raw == "..") {
+            continue;
+        }
+        const QString name = QFile::decodeName(raw);
+        // What the entry itself is: a link stays a link, whatever it points at.
+        const std::optional<struct stat> st = lstatOf(encoded + '/' + raw);
+        if (!st) {
+            continue; // gone while listed
+        }
+        const bool isFolder = S_ISDIR(st->st_mode);
+        entries.append({name, isFolder, isFolder ? 0 : qint64(st->st_size), name.startsWith(u'.')});
     }
+    ::closedir(dir);
     sortEntries(entries);
     return entries;
 }
 
 std::optional<QByteArray> FolderVolumeReader::tail(const QString& file, int count)
 {
-    QFile input(QDir(m_root).filePath(file));
-    if (!input.open(QIODevice::ReadOnly) || !input.seek(std::max<qint64>(0, input.size() - count))) {
+    QFile input(realFile(m_root, file));
+    if (input.fileName().isEmpty() || !input.open(QIODevice::ReadOnly) ||
+        !input.seek(std::max<qint64>(0, input.size() - count))) {
         return std::nullopt;
     }
     return input.read(count);
+}
+
+bool FolderVolumeReader::copy(const QString& file, QIODevice& out, const std::function<bool()>& cancelled)
+{
+    QFile input(realFile(m_root, file));
+    if (input.fileName().isEmpty() || !input.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const qint64 size = input.size();
+    qint64 done = 0;
+    while (done < size) {
+        if (cancelled && cancelled()) {
+            return false;
+        }
+        const QByteArray chunk = input.read(std::min(kChunk, size - done));
+        if (chunk.isEmpty() || out.write(chunk) != chunk.size()) {
+            return false;
+        }
+        done += chunk.size();
+    }
+    return true;
 }
 
 } // namespace vinora

@@ -2,9 +2,11 @@
 
 #include "recognition/VolumeIdentity.h"
 
+#include <QIODevice>
 #include <QStringList>
 #include <QtEndian>
 #include <algorithm>
+#include <limits>
 
 namespace vinora {
 namespace {
@@ -14,6 +16,13 @@ constexpr quint8 kDirectory = 0x02;
 constexpr quint8 kMoreExtents = 0x80;
 // No directory of a CD or DVD needs more; a larger size means a damaged record.
 constexpr quint64 kLargestDirectory = 64ull * 1024 * 1024;
+// Rock Ridge names end at 255 bytes on every system that writes them; a few continuation
+// areas hold them with room to spare. More, or a larger area, is a damaged record.
+constexpr int kMostContinuations = 16;
+constexpr quint32 kLargestContinuation = 8 * kSectorSize;
+// The flags of an "NM" entry.
+constexpr quint8 kNameContinues = 0x01;
+constexpr quint8 kNameOfItselfOrParent = 0x06;
 
 quint32 le32(const unsigned char* at)
 {
@@ -31,38 +40,27 @@ IsoVolumeReader::Record recordFrom(const unsigned char* r, bool highSierra)
     return record;
 }
 
-// The Rock Ridge entries of a record's system use area: its name ("NM"), whether it was
-// moved elsewhere ("RE"), and where a moved folder stands ("CL").
-struct RockRidge
+// Where the system use area of a record begins: after its name and the pad byte that
+// keeps it at an even offset.
+int systemUseStart(int nameLength)
 {
-    QByteArray name;
-    bool hasName = false;
-    bool relocated = false;
-    std::optional<quint32> childLink;
-};
+    return 33 + nameLength + ((nameLength % 2 == 0) ? 1 : 0);
+}
 
-RockRidge rockRidgeOf(const unsigned char* r, int nameLength, int recordLength)
+// The bytes that precede the entries of every other system use area, as the root's "."
+// record announces them in its "SP" entry; 0 when it has none.
+int suspSkipOf(const Sector& rootSector)
 {
-    RockRidge rr;
-    int at = 33 + nameLength + ((nameLength % 2 == 0) ? 1 : 0);
-    while (at + 4 <= recordLength) {
-        const int length = r[at + 2];
-        if (length < 4 || at + length > recordLength) {
-            break;
-        }
-        const char a = static_cast<char>(r[at]);
-        const char b = static_cast<char>(r[at + 1]);
-        if (a == 'N' && b == 'M' && length >= 5 && (r[at + 4] & 0x06) == 0) {
-            rr.name.append(reinterpret_cast<const char*>(r + at + 5), length - 5);
-            rr.hasName = true;
-        } else if (a == 'R' && b == 'E') {
-            rr.relocated = true;
-        } else if (a == 'C' && b == 'L' && length >= 12) {
-            rr.childLink = le32(r + at + 4);
-        }
-        at += length;
+    const unsigned char* r = rootSector.data();
+    const int length = r[0];
+    const int nameLength = r[32];
+    const int at = systemUseStart(nameLength);
+    if (length < 34 || 33 + nameLength > length || at + 7 > length) {
+        return 0;
     }
-    return rr;
+    const bool sp =
+        r[at] == 'S' && r[at + 1] == 'P' && r[at + 2] >= 7 && r[at + 4] == 0xBE && r[at + 5] == 0xEF;
+    return sp ? r[at + 6] : 0;
 }
 
 QString plainIsoName(const unsigned char* name, int length)
@@ -76,6 +74,16 @@ QString plainIsoName(const unsigned char* name, int length)
         text.chop(1);
     }
     return text;
+}
+
+QString jolietName(const unsigned char* name, int nameLength)
+{
+    QString text;
+    for (int i = 0; i + 1 < nameLength; i += 2) {
+        text.append(QChar(char16_t(name[i] << 8 | name[i + 1])));
+    }
+    const qsizetype version = text.lastIndexOf(u';');
+    return version >= 0 ? text.left(version) : text;
 }
 
 } // namespace
@@ -92,31 +100,112 @@ std::unique_ptr<VolumeReader> IsoVolumeReader::open(std::unique_ptr<Medium> medi
     if (root.size == 0 || root.size > kLargestDirectory) {
         return nullptr;
     }
-    return std::unique_ptr<VolumeReader>(
+    std::unique_ptr<IsoVolumeReader> reader(
         new IsoVolumeReader(std::move(medium), root, found.joliet.has_value(), found.highSierra));
+    Sector first;
+    if (!reader->m_joliet && reader->m_medium->readSector(static_cast<qint32>(root.extent), first)) {
+        reader->m_suspSkip = suspSkipOf(first);
+    }
+    return reader;
 }
 
 IsoVolumeReader::IsoVolumeReader(std::unique_ptr<Medium> medium, Record root, bool joliet, bool highSierra)
     : m_medium(std::move(medium)), m_root(std::move(root)), m_joliet(joliet), m_highSierra(highSierra),
-      m_sectorsLeft(2 * qint64(m_medium->toc().leadoutLsn) + 1024)
+      m_sectorsLeft(2 * qint64(m_medium->toc().leadoutLsn) + 1024),
+      m_continuationSectorsLeft(2 * qint64(m_medium->toc().leadoutLsn) + 1024)
 {
 }
 
-QString IsoVolumeReader::decodeName(const unsigned char* r, int nameLength, int recordLength,
-                                    bool* skip) const
+bool IsoVolumeReader::readCached(qint32 lsn, Sector& out)
 {
-    const unsigned char* name = r + 33;
-    if (m_joliet) {
-        QString text;
-        for (int i = 0; i + 1 < nameLength; i += 2) {
-            text.append(QChar(char16_t(name[i] << 8 | name[i + 1])));
+    if (lsn != m_cachedLsn) {
+        if (m_continuationSectorsLeft <= 0 || !m_medium->readSector(lsn, m_cachedSector)) {
+            m_cachedLsn = -1;
+            return false;
         }
-        const qsizetype version = text.lastIndexOf(u';');
-        return version >= 0 ? text.left(version) : text;
+        --m_continuationSectorsLeft;
+        m_cachedLsn = lsn;
     }
-    const RockRidge rr = rockRidgeOf(r, nameLength, recordLength);
-    *skip = rr.relocated;
-    return rr.hasName ? QString::fromUtf8(rr.name) : plainIsoName(name, nameLength);
+    out = m_cachedSector;
+    return true;
+}
+
+// The bytes of a continuation area, or nothing when it does not lie inside the disc.
+QByteArray IsoVolumeReader::continuationArea(quint32 lsn, quint32 offset, quint32 length)
+{
+    const quint64 end = quint64(offset) + length;
+    const quint64 sectors = (end + kSectorSize - 1) / kSectorSize;
+    if (length == 0 || offset >= quint32(kSectorSize) || length > kLargestContinuation ||
+        quint64(lsn) + sectors > quint64(std::max(m_medium->toc().leadoutLsn, 0))) {
+        return {};
+    }
+    QByteArray bytes;
+    Sector sector;
+    for (quint64 i = 0; i < sectors; ++i) {
+        if (!readCached(static_cast<qint32>(lsn + i), sector)) {
+            return {};
+        }
+        bytes.append(reinterpret_cast<const char*>(sector.data()), kSectorSize);
+    }
+    return bytes.mid(offset, length);
+}
+
+// The entries of the record's own system use area, then of each continuation area ("CE")
+// in turn. A chain that comes back to an area already read, runs too long or leaves the
+// disc ends there; what was read so far counts.
+IsoVolumeReader::RockRidge IsoVolumeReader::rockRidgeOf(const unsigned char* r, int nameLength,
+                                                        int recordLength)
+{
+    RockRidge rr;
+    bool nameComplete = false;
+    const int start = systemUseStart(nameLength) + m_suspSkip;
+    QByteArray area = start < recordLength
+                          ? QByteArray(reinterpret_cast<const char*>(r) + start, recordLength - start)
+                          : QByteArray();
+    QList<std::pair<quint32, quint32>> visited;
+    for (int hop = 0;; ++hop) {
+        const auto* a = reinterpret_cast<const unsigned char*>(area.constData());
+        const int size = static_cast<int>(area.size());
+        std::optional<std::array<quint32, 3>> next;
+        int at = 0;
+        while (at + 4 <= size) {
+            const int length = a[at + 2];
+            if (length < 4 || at + length > size) {
+                break;
+            }
+            const char s1 = static_cast<char>(a[at]);
+            const char s2 = static_cast<char>(a[at + 1]);
+            if (s1 == 'S' && s2 == 'T') {
+                break; // the end of this area's entries
+            }
+            if (s1 == 'N' && s2 == 'M' && length >= 5 && !nameComplete &&
+                (a[at + 4] & kNameOfItselfOrParent) == 0) {
+                rr.name.append(reinterpret_cast<const char*>(a + at + 5), length - 5);
+                rr.hasName = true;
+                nameComplete = (a[at + 4] & kNameContinues) == 0;
+            } else if (s1 == 'R' && s2 == 'E') {
+                rr.relocated = true;
+            } else if (s1 == 'C' && s2 == 'L' && length >= 12) {
+                rr.childLink = le32(a + at + 4);
+            } else if (s1 == 'C' && s2 == 'E' && length >= 28) {
+                next = std::array<quint32, 3>{le32(a + at + 4), le32(a + at + 12), le32(a + at + 20)};
+            }
+            at += length;
+        }
+        if (!next || hop >= kMostContinuations) {
+            break;
+        }
+        const std::pair<quint32, quint32> place{(*next)[0], (*next)[1]};
+        if (visited.contains(place)) {
+            break;
+        }
+        visited.append(place);
+        area = continuationArea((*next)[0], (*next)[1], (*next)[2]);
+        if (area.isEmpty()) {
+            break;
+        }
+    }
+    return rr;
 }
 
 std::optional<QList<IsoVolumeReader::Record>> IsoVolumeReader::readDirectory(const Record& directory)
@@ -151,25 +240,35 @@ std::optional<QList<IsoVolumeReader::Record>> IsoVolumeReader::readDirectory(con
             if (nameLength == 1 && (r[33] == 0 || r[33] == 1)) {
                 continue; // the folder itself and its parent
             }
-            bool skip = false;
             Record record = recordFrom(r, m_highSierra);
-            record.name = decodeName(r, nameLength, length, &skip);
-            if (skip || record.name.isEmpty()) {
-                continue;
-            }
-            if (!m_joliet) {
-                if (const auto link = rockRidgeOf(r, nameLength, length).childLink) {
+            if (m_joliet) {
+                record.name = jolietName(r + 33, nameLength);
+            } else {
+                const RockRidge rr = rockRidgeOf(r, nameLength, length);
+                if (rr.relocated) {
+                    continue; // listed where its "CL" entry stands
+                }
+                record.name = rr.hasName ? QString::fromUtf8(rr.name) : plainIsoName(r + 33, nameLength);
+                if (rr.childLink) {
                     record.folder = true;
-                    record.extent = *link;
+                    record.extent = *rr.childLink;
                     record.size = 0; // read from the moved folder's own record when listed
                 }
+            }
+            if (record.name.isEmpty()) {
+                continue;
             }
             // A file of several extents comes as consecutive records, all but the last flagged.
             const bool more = r[m_highSierra ? 24 : 25] & kMoreExtents;
             if (continuing && !records.isEmpty()) {
-                records.last().size += record.size;
+                Record& file = records.last();
+                file.extents.append({record.extent, record.size});
+                file.size += record.size;
                 continuing = more;
                 continue;
+            }
+            if (more) {
+                record.extents.append({record.extent, record.size});
             }
             continuing = more;
             records.append(record);
@@ -262,6 +361,36 @@ std::optional<QList<VolumeEntry>> IsoVolumeReader::list(const QString& folder)
     return entries;
 }
 
+// Hands `count` bytes of a file from `from` on to `sink`, extent by extent, a sector at a
+// time; false when a sector cannot be read or the sink refuses.
+bool IsoVolumeReader::readBytes(const Record& file, quint64 from, quint64 count,
+                                const std::function<bool(const char*, qint64)>& sink)
+{
+    const QList<Extent> extents =
+        file.extents.isEmpty() ? QList<Extent>{{file.extent, file.size}} : file.extents;
+    quint64 start = 0; // of the extent at hand, within the file
+    Sector sector;
+    for (const Extent& extent : extents) {
+        const quint64 end = start + extent.size;
+        for (quint64 offset = std::max(from, start); offset < std::min(end, from + count);) {
+            const quint64 inExtent = offset - start;
+            const quint64 lsn = extent.lsn + inExtent / kSectorSize;
+            if (lsn > quint64(std::numeric_limits<qint32>::max()) ||
+                !m_medium->readSector(static_cast<qint32>(lsn), sector)) {
+                return false;
+            }
+            const quint64 skip = inExtent % kSectorSize;
+            const quint64 take = std::min<quint64>({kSectorSize - skip, end - offset, from + count - offset});
+            if (!sink(reinterpret_cast<const char*>(sector.data() + skip), qint64(take))) {
+                return false;
+            }
+            offset += take;
+        }
+        start = end;
+    }
+    return true;
+}
+
 std::optional<QByteArray> IsoVolumeReader::tail(const QString& file, int count)
 {
     const auto record = find(file);
@@ -270,15 +399,22 @@ std::optional<QByteArray> IsoVolumeReader::tail(const QString& file, int count)
     }
     const quint64 from = record->size > quint64(count) ? record->size - count : 0;
     QByteArray bytes;
-    Sector sector;
-    for (quint64 offset = from - from % kSectorSize; offset < record->size; offset += kSectorSize) {
-        if (!m_medium->readSector(static_cast<qint32>(record->extent + offset / kSectorSize), sector)) {
-            return std::nullopt;
-        }
-        bytes.append(reinterpret_cast<const char*>(sector.data()), kSectorSize);
+    const bool read = readBytes(*record, from, record->size - from, [&bytes](const char* data, qint64 size) {
+        bytes.append(data, size);
+        return true;
+    });
+    return read ? std::optional<QByteArray>(bytes) : std::nullopt;
+}
+
+bool IsoVolumeReader::copy(const QString& file, QIODevice& out, const std::function<bool()>& cancelled)
+{
+    const auto record = find(file);
+    if (!record || record->folder) {
+        return false;
     }
-    const qsizetype skip = static_cast<qsizetype>(from % kSectorSize);
-    return bytes.mid(skip, static_cast<qsizetype>(record->size - from));
+    return readBytes(*record, 0, record->size, [&](const char* data, qint64 size) {
+        return !(cancelled && cancelled()) && out.write(data, size) == size;
+    });
 }
 
 } // namespace vinora

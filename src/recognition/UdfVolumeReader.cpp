@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QIODevice>
 #include <QStringList>
 #include <cdio/udf.h>
 #include <functional>
@@ -127,41 +128,61 @@ std::optional<QList<VolumeEntry>> UdfVolumeReader::list(const QString& folder)
     return entries;
 }
 
-std::optional<QByteArray> UdfVolumeReader::tail(const QString& file, int count)
+bool UdfVolumeReader::readFile(const QString& file, const std::function<bool(const QByteArray&)>& block)
 {
     QStringList path = file.split(u'/', Qt::SkipEmptyParts);
     if (path.isEmpty()) {
-        return std::nullopt;
+        return false;
     }
     const QString name = path.takeLast();
     const qint64 imageSize = QFileInfo(m_path).size();
-    std::optional<QByteArray> result;
+    bool found = false;
+    bool read = false;
     forEachEntry(m_udf, path, [&](udf_dirent_t* entry) {
         if (udf_is_dir(entry) || nameOf(entry) != name) {
             return true;
         }
-        // libudf reads a file from its start only: keep the blocks that hold its end.
+        found = true;
+        // libudf reads a file from its start, block by block.
         const quint64 length = udf_get_file_length(entry);
         if (length > quint64(imageSize)) {
             return false; // a damaged entry: no file is larger than the disc
         }
-        QByteArray window;
-        QByteArray block(kBlock, '\0');
-        for (quint64 read = 0; read < length; read += kBlock) {
-            if (udf_read_block(entry, block.data(), 1) <= 0) {
+        QByteArray buffer(kBlock, '\0');
+        for (quint64 done = 0; done < length; done += kBlock) {
+            if (udf_read_block(entry, buffer.data(), 1) <= 0) {
                 return false;
             }
-            window.append(block);
-            if (window.size() > 2 * kBlock + count) {
-                window.remove(0, kBlock);
+            const quint64 used = std::min<quint64>(kBlock, length - done);
+            if (!block(used == quint64(kBlock) ? buffer : buffer.left(qsizetype(used)))) {
+                return false;
             }
         }
-        const qint64 used = qint64(length - (length - 1) / kBlock * kBlock); // bytes of the last block
-        window.chop(kBlock - used);
-        result = window.right(count);
+        read = true;
         return false;
     });
-    return result;
+    return found && read;
+}
+
+std::optional<QByteArray> UdfVolumeReader::tail(const QString& file, int count)
+{
+    // Only the blocks that hold the file's end are kept.
+    QByteArray window;
+    const bool read = readFile(file, [&window, count](const QByteArray& block) {
+        window.append(block);
+        if (window.size() > 2 * kBlock + count) {
+            window.remove(0, kBlock);
+        }
+        return true;
+    });
+    return read ? std::optional<QByteArray>(window.right(count)) : std::nullopt;
+}
+
+bool UdfVolumeReader::copy(const QString& file, QIODevice& out, const std::function<bool()>& cancelled)
+{
+    return readFile(file, [&out, &cancelled](const QByteArray& block) {
+        return !(cancelled && cancelled()) && out.write(block) == block.size();
+    });
 }
 
 } // namespace vinora

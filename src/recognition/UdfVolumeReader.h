@@ -17,10 +17,14 @@ public:
 
     std::optional<QList<VolumeEntry>> list(const QString& folder) override;
     std::optional<QByteArray> tail(const QString& file, int count) override;
+    bool copy(const QString& file, QIODevice& out, const std::function<bool()>& cancelled) override;
     QString source() const override { return m_path; }
 
 private:
     static std::unique_ptr<UdfVolumeReader> openUnprobed(const QString& path);
+    // Hands the file's blocks to `block` in order, the last one cut to the file's end;
+    // false when it is missing, damaged, or `block` refuses one.
+    bool readFile(const QString& file, const std::function<bool(const QByteArray&)>& block);
     UdfVolumeReader(udf_t* udf, QString path) : m_udf(udf), m_path(std::move(path)) {}
 
     udf_t* m_udf;

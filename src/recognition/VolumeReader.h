@@ -3,8 +3,11 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <functional>
 #include <memory>
 #include <optional>
+
+class QIODevice;
 
 namespace vinora {
 
@@ -34,6 +37,10 @@ public:
     virtual std::optional<QList<VolumeEntry>> list(const QString& folder) = 0;
     // The last `count` bytes of a file (fewer for a shorter file), or nothing on failure.
     virtual std::optional<QByteArray> tail(const QString& file, int count) = 0;
+    // Writes the bytes of a file to `out`, checking `cancelled` (when given) as it goes;
+    // false when it is no file, cannot be read (a damaged disc), was cancelled, or `out`
+    // takes no more.
+    virtual bool copy(const QString& file, QIODevice& out, const std::function<bool()>& cancelled) = 0;
     // Where the reader reads from: a mount point, or the drive itself.
     virtual QString source() const = 0;
 };

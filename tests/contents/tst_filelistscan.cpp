@@ -237,6 +237,36 @@ private slots:
         }
     }
 
+    // A mounted disc with a link to the folder it stands in and links to files: the links
+    // are rows of their own, with the size of the link itself, and the walk never enters them.
+    void symbolicLinksOfAMountedDisc()
+    {
+        const QString root = m_dir.filePath("links");
+        test::writeFile(root + "/readme.txt", QByteArray(5000, 'r'));
+        test::writeFile(root + "/DOCS/A.TXT", QByteArray(2048, 'a'));
+        QVERIFY(QFile::link(".", root + "/debian"));
+        QVERIFY(QFile::link("..", root + "/DOCS/back"));
+        const QString longTarget = "../" + QString("./").repeated(150) + "readme.txt"; // 313 bytes
+        QVERIFY(QFile::link(longTarget, root + "/DOCS/readme-link"));
+        const auto volume = openFolderReader(root);
+        ScanOptions options;
+        options.hidden = true;
+        FileListScanner scanner(*volume, options, {});
+        QStringList rows;
+        scanner.onRows = [&rows](const QList<FileRow>& more) {
+            for (const FileRow& row : more) {
+                rows.append(row.name + '|' + row.path + '|' + row.size);
+            }
+        };
+        QVERIFY(scanner.run());
+        rows.sort();
+        QStringList expected{"\\|\\|0",           "\\DOCS\\|\\DOCS\\|0", "A.TXT|\\DOCS\\|2,0",
+                             "back|\\DOCS\\|0,0", "debian|\\|0,0",       "readme-link|\\DOCS\\|0,3",
+                             "readme.txt|\\|4,9"};
+        expected.sort();
+        QCOMPARE(rows, expected);
+    }
+
     void sizeTexts()
     {
         QCOMPARE(sizeText(1024000), QLocale().toString(1000.0, 'f', 1));

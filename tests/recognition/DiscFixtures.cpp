@@ -70,6 +70,22 @@ QString DiscFixtures::iso(const QString& name, const QStringList& options)
     return image;
 }
 
+QString DiscFixtures::rockRidgeIso(const QString& name, const QList<std::pair<QString, QByteArray>>& files)
+{
+    const QString image = path(name);
+    QFile::remove(image);
+    // The names are given to xorriso as paths inside the image: no file of the local file
+    // system has to bear them.
+    QStringList arguments{"-outdev", image, "-volid", "LONGNAMES", "-joliet", "off", "-rockridge", "on"};
+    for (int i = 0; i < files.size(); ++i) {
+        const QString source = path(name + QString(".content/%1").arg(i));
+        writeFile(source, files[i].second);
+        arguments += QStringList{"-map", source, "/" + files[i].first};
+    }
+    runTool("xorriso", arguments);
+    return image;
+}
+
 QString DiscFixtures::twoSessionIso(const QString& name)
 {
     const QString image = path(name);

@@ -17,6 +17,10 @@ public:
     QString sourceTree();
     // genisoimage with `options`, the tree as content.
     QString iso(const QString& name, const QStringList& options);
+    // An image written by xorriso with Rock Ridge names only (no Joliet), holding `files`:
+    // paths below the root ("folder/name") with their contents. Names may be as long as
+    // Rock Ridge allows, longer than one directory record holds.
+    QString rockRidgeIso(const QString& name, const QList<std::pair<QString, QByteArray>>& files);
     // Two sessions appended by xorriso: labels FIRST then SECOND.
     QString twoSessionIso(const QString& name);
     // An empty UDF file system made by mkudffs (revision "0x0201" unless given).

@@ -567,17 +567,133 @@ private slots:
         QVERIFY(lines.contains("MUSIC/ALBUM/C.MP3 5000"));
     }
 
-    void symbolicLinkLoopsAreNotEntered()
+    // A mounted disc's symbolic links are listed as what they are, files of their own
+    // size, and never followed: not into a cycle, not out of the disc.
+    void symbolicLinksAreListedNotFollowed()
     {
         const QString root = m_dir.filePath("mounted");
         test::writeFile(root + "/DOCS/A.TXT", "a");
+        test::writeFile(root + "/README.TXT", "root file\n");
         QVERIFY(QFile::link(root, root + "/DOCS/BACK"));
         QVERIFY(QFile::link(root + "/DOCS", root + "/DOCS/SELF"));
+        QVERIFY(QFile::link(".", root + "/debian"));
+        QVERIFY(QFile::link("../README.TXT", root + "/DOCS/readme-link"));
+        QVERIFY(QFile::link(m_dir.path(), root + "/outside"));
         const auto reader = openFolderReader(root);
-        const QStringList lines = walk(*reader);
-        QVERIFY(lines.contains("unreadable DOCS/BACK"));
-        QVERIFY(lines.contains("unreadable DOCS/SELF"));
-        QVERIFY(lines.contains("DOCS/A.TXT 1"));
+        QStringList lines = walk(*reader);
+        lines.sort();
+        const auto linkSize = [](const QString& target) {
+            return QString::number(QFile::encodeName(target).size());
+        };
+        QStringList expected{"DOCS/",
+                             "DOCS/A.TXT 1",
+                             "DOCS/BACK " + linkSize(root),
+                             "DOCS/SELF " + linkSize(root + "/DOCS"),
+                             "DOCS/readme-link " + linkSize("../README.TXT"),
+                             "README.TXT 10",
+                             "debian 1",
+                             "outside " + linkSize(m_dir.path())};
+        expected.sort();
+        QCOMPARE(lines, expected);
+        // A folder path through a link is no folder of the disc, and a link is no file to read.
+        QVERIFY(!reader->list("debian"));
+        QVERIFY(!reader->list("DOCS/BACK/DOCS"));
+        QVERIFY(!reader->tail("DOCS/readme-link", 128));
+        QVERIFY(!reader->tail("outside/mounted/README.TXT", 128));
+        QCOMPARE(reader->tail("README.TXT", 128), std::optional<QByteArray>("root file\n"));
+    }
+
+    // Continuation areas of Rock Ridge entries that loop, lie outside the image or are of no
+    // sane size: the walk ends, with what the record itself holds of the name.
+    void continuationAreasOutOfBounds_data()
+    {
+        QTest::addColumn<int>("damage");
+        QTest::addColumn<bool>("nameWhole");
+        QTest::newRow("back to itself after the name") << 0 << true;
+        QTest::newRow("to itself at once") << 1 << false;
+        QTest::newRow("outside the image") << 2 << false;
+        QTest::newRow("offset past its sector") << 3 << false;
+        QTest::newRow("length of four gigabytes") << 4 << false;
+        QTest::newRow("no length") << 5 << false;
+        QTest::newRow("into the directory itself") << 6 << false;
+    }
+
+    void continuationAreasOutOfBounds()
+    {
+        QFETCH(int, damage);
+        QFETCH(bool, nameWhole);
+        const QString longName = QString(120, QChar(0x0416)) + "ик";
+        QByteArray image = test::readFile(
+            m_discs.rockRidgeIso("ce.iso", {{longName, "long\n"}, {"readme.txt", "root file\n"}}));
+        // The "CE" entry of the record of the long name.
+        const quint32 root = test::isoRootExtent(image);
+        qint64 ce = -1;
+        qint64 record = root * 2048;
+        for (int length = quint8(image[record]); length > 0 && ce < 0;
+             record += length, length = quint8(image[record])) {
+            const int nameLength = quint8(image[record + 32]);
+            const qint64 end = record + length;
+            for (qint64 at = record + 33 + nameLength + (nameLength % 2 == 0 ? 1 : 0);
+                 nameLength > 1 && at + 4 <= end && quint8(image[at + 2]) >= 4; at += quint8(image[at + 2])) {
+                if (image.mid(at, 2) == "CE") {
+                    ce = at;
+                    break;
+                }
+            }
+        }
+        QVERIFY(ce > 0);
+        const quint32 block = test::le32At(image, ce + 4);
+        const quint32 offset = test::le32At(image, ce + 12);
+        const quint32 length = test::le32At(image, ce + 20);
+        const auto setContinuation = [&image](qint64 at, quint32 toBlock, quint32 toOffset,
+                                              quint32 toLength) {
+            image.replace(at, 4, QByteArray("CE\x1c\x01", 4));
+            for (const auto& [field, value] :
+                 {std::pair{4, toBlock}, std::pair{12, toOffset}, std::pair{20, toLength}}) {
+                test::putLe32(image, at + field, value);
+                qToBigEndian(value, image.data() + at + field + 4);
+            }
+        };
+        const qint64 area = qint64(block) * 2048 + offset;
+        switch (damage) {
+        case 0: // the area goes on in itself once the name is whole
+            setContinuation(ce, block, offset, length + 28);
+            setContinuation(area + length, block, offset, length + 28);
+            break;
+        case 1:
+            setContinuation(area, block, offset, length);
+            break;
+        case 2:
+            setContinuation(ce, 0x7FFFFFF0, offset, length);
+            break;
+        case 3:
+            setContinuation(ce, block, 5000, length);
+            break;
+        case 4:
+            setContinuation(ce, block, offset, 0xFFFFFFFF);
+            break;
+        case 5:
+            setContinuation(ce, block, offset, 0);
+            break;
+        case 6:
+            setContinuation(ce, root, quint32(ce - qint64(root) * 2048), 28);
+            break;
+        }
+        const QString path = m_dir.filePath("ce-damaged.iso");
+        test::writeFile(path, image);
+        const auto reader = openVolumeReader(path);
+        QVERIFY(reader);
+        QStringList lines = walk(*reader);
+        QCOMPARE(lines.size(), 2);
+        QVERIFY(lines.contains("readme.txt 10"));
+        lines.removeAll("readme.txt 10");
+        if (nameWhole) {
+            QCOMPARE(lines.first(), longName + " 5");
+        } else {
+            // What the record holds: the name's beginning, never more than the name.
+            QVERIFY(lines.first().startsWith(longName.left(20)));
+            QVERIFY(lines.first().size() < longName.size());
+        }
     }
 };
 

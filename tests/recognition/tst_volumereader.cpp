@@ -1,8 +1,10 @@
+#include "DamagedImages.h"
 #include "DiscFixtures.h"
 #include "recognition/VolumeReader.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QDirIterator>
 #include <QRandomGenerator>
@@ -49,6 +51,25 @@ QStringList walkTree(const QString& root)
                                            : QString(path + " " + QString::number(it.fileInfo().size())));
     }
     return lines;
+}
+
+// A Cyrillic name of `length` characters (two bytes each in UTF-8), upper and lower case.
+QString cyrillicName(int length)
+{
+    const QString words = "ДлинноеИмяЁжикаВТуманеИЕгоДрузейсъешьжеещёэтихмягкихфранцузскихбулок";
+    QString name;
+    while (name.size() < length) {
+        name += words;
+    }
+    return name.left(length);
+}
+
+// The whole file as the reader copies it, or "failed".
+QByteArray copied(VolumeReader& reader, const QString& file, const std::function<bool()>& cancelled = {})
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    return reader.copy(file, buffer, cancelled) ? buffer.data() : QByteArray("failed");
 }
 
 QStringList withoutFlags(QStringList lines)
@@ -117,6 +138,79 @@ private slots:
         QCOMPARE(reader->tail("DOCS/guide.doc", 3), std::optional<QByteArray>("ddd"));
         QVERIFY(!reader->tail("no/such.file", 128));
         QVERIFY(!reader->list("no/such/folder"));
+
+        // Whole files, as opening one of the disc copies them out.
+        QCOMPARE(copied(*reader, "DOCS/guide.doc"), test::readFile(m_tree + "/DOCS/guide.doc"));
+        QCOMPARE(copied(*reader, "Музыка/Альбом/трек 01.mp3"),
+                 test::readFile(m_tree + "/Музыка/Альбом/трек 01.mp3"));
+        QCOMPARE(copied(*reader, "readme.txt"), QByteArray("root file\n"));
+        QCOMPARE(copied(*reader, "DOCS"), QByteArray("failed"));
+        QCOMPARE(copied(*reader, "no/such.file"), QByteArray("failed"));
+        QCOMPARE(copied(*reader, "DOCS/guide.doc", [] { return true; }), QByteArray("failed"));
+    }
+
+    // Rock Ridge names longer than a directory record holds go on in continuation areas.
+    // The longest name xorriso writes is 255 bytes: 127 Cyrillic letters, or 200 characters
+    // of which 55 are Cyrillic.
+    void longRockRidgeNames_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("127 Cyrillic letters") << cyrillicName(127);
+        QTest::newRow("200 characters") << cyrillicName(55) + QString(140, 'x') + ".html";
+        QTest::newRow("in a folder of a long name") << cyrillicName(120) + "/" + cyrillicName(100) + ".mp3";
+        QTest::newRow("folders of long names")
+            << cyrillicName(127) + "/" + "Вложенная папка " + cyrillicName(100) + "/readme.txt";
+    }
+
+    void longRockRidgeNames()
+    {
+        QFETCH(QString, path);
+        const QByteArray content = QByteArray(3000, 'w') + m_tag;
+        const QString image = m_discs.rockRidgeIso(QString("long%1.iso").arg(qHash(path)),
+                                                   {{path, content}, {"readme.txt", "root file\n"}});
+        const auto reader = openVolumeReader(image);
+        QVERIFY(reader);
+        QStringList expected{"readme.txt 10"};
+        const QStringList names = path.split('/');
+        for (int i = 1; i < names.size(); ++i) {
+            expected.append(names.mid(0, i).join('/') + "/");
+        }
+        expected.append(path + " " + QString::number(content.size()));
+        expected.sort();
+        QStringList listing = walk(*reader);
+        listing.sort();
+        QCOMPARE(listing, expected);
+        QCOMPARE(reader->tail(path, 128), std::optional<QByteArray>(m_tag));
+        QCOMPARE(copied(*reader, path), content);
+    }
+
+    // A file of several extents is read extent by extent, wherever each lies.
+    void fileOfSeveralExtents()
+    {
+        const QString tree = m_dir.filePath("extents");
+        test::writeFile(tree + "/A.TXT", QByteArray(4096, 'a'));
+        test::writeFile(tree + "/B.TXT", QByteArray(100, 'b'));
+        test::writeFile(tree + "/C.TXT", QByteArray(2048, 'c'));
+        const QString plain = m_dir.filePath("extents.iso");
+        test::runTool("genisoimage", {"-quiet", "-o", plain, tree});
+        QByteArray image = test::readFile(plain);
+        const quint32 root = test::isoRootExtent(image);
+        const qint64 a = test::isoRecord(image, root, "A.TXT");
+        const qint64 b = test::isoRecord(image, root, "B.TXT");
+        const qint64 c = test::isoRecord(image, root, "C.TXT");
+        QVERIFY(a > 0 && b > 0 && c > 0);
+        // A.TXT goes on in a second record of the same name, whose extent is C.TXT's.
+        image[a + 25] = char(image[a + 25] | 0x80);
+        image.replace(b + 33, 7, "A.TXT;1");
+        test::pointIsoRecord(image, b, test::le32At(image, c + 2));
+        const QString several = m_dir.filePath("several.iso");
+        test::writeFile(several, image);
+        const auto reader = openVolumeReader(several);
+        QVERIFY(reader);
+        QCOMPARE(walk(*reader), (QStringList{"A.TXT 4196", "C.TXT 2048"}));
+        const QByteArray whole = QByteArray(4096, 'a') + QByteArray(100, 'c');
+        QCOMPARE(copied(*reader, "A.TXT"), whole);
+        QCOMPARE(reader->tail("A.TXT", 128), std::optional<QByteArray>(whole.right(128)));
     }
 
     void namesAreSortedAsTheCatalogueSorts()
