@@ -14,6 +14,7 @@
 #include "mainwindow/MainCommands.h"
 #include "mainwindow/QueryShortcuts.h"
 #include "mainwindow/frmCompactDB.h"
+#include "mainwindow/HelpViewer.h"
 #include "mainwindow/frmHelp.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/DriveWatch.h"
@@ -623,9 +624,15 @@ void frmMain::runCommand(const QString& toolId)
 
 void frmMain::openHelpFile(const QString& file, const QString& missingMessage)
 {
-    if (!QFileInfo::exists(file) || !m_ctx.prompter().openUrl(QUrl::fromLocalFile(file))) {
+    if (!QFileInfo(file).isFile()) {
         m_ctx.prompter().message(missingMessage, MessageStyle::Exclamation);
+        return;
     }
+    // One help window beside the main one, reused by every help command.
+    if (m_helpViewer == nullptr) {
+        m_helpViewer = new HelpViewer(m_ctx, this);
+    }
+    m_helpViewer->showFile(file);
 }
 
 void frmMain::setListBarVisible(bool visible)

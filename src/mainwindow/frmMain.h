@@ -20,6 +20,7 @@ namespace vinora {
 
 class AppContext;
 class ClickableLabel;
+class HelpViewer;
 
 // The main window: the summary of the three catalogues, the signs of overdue loans and of
 // the disc in the drive, the menus, tool bars and the vinora panel, the local or external
@@ -78,6 +79,7 @@ public:
     QTimer& timer(const QString& name);
     bool volumeQueryRunning() const { return m_volumeQuery.isRunning(); }
     QLabel* label(const QString& objectName) const;
+    HelpViewer* helpViewer() const { return m_helpViewer; }
 
     static QString captionText();
     static QString datePanelText(const QDate& date);
@@ -144,6 +146,7 @@ private:
     QFutureWatcher<VolumeInfo> m_volumeQuery;
     bool m_loadingDrives = false;
     QString m_shortcutUnderMouse;
+    HelpViewer* m_helpViewer = nullptr;
 };
 
 } // namespace vinora

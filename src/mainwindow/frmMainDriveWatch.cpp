@@ -6,6 +6,7 @@
 #include "frame/FaultLog.h"
 #include "mainwindow/DashboardPictures.h"
 #include "mainwindow/frmMain.h"
+#include "recognition/DiscIdentity.h"
 #include "recognition/DriveWatch.h"
 #include "recognition/Drives.h"
 #include "recognition/frmSelectCategory.h"
@@ -53,8 +54,9 @@ void frmMain::ResetDiscSigns()
 
 void frmMain::tmrCheckCD_Timer()
 {
-    // One query at a time: a slow drive skips ticks rather than piling them up.
-    if (m_volumeQuery.isRunning() || QApplication::activeModalWidget() != nullptr) {
+    // One query at a time: a slow drive skips ticks rather than piling them up. The watch
+    // goes on while a modal window is open, so the signs stay current behind it.
+    if (m_volumeQuery.isRunning()) {
         return;
     }
     const QString drive = m_ctx.ini().read(kOption, QStringLiteral("Drive"), 4096).trimmed();
@@ -71,6 +73,12 @@ void frmMain::volumeQueryFinished()
     }
     underFaultHandler(m_ctx, QStringLiteral("frmMain, tmrCheckCD_Timer()"), [this] {
         const VolumeInfo volume = m_volumeQuery.result();
+        // A tick never puts the category question over a modal window that is open (another
+        // dialog, or the question of an earlier tick): a disc that needs it is left alone
+        // until a tick after that window has closed. Every other disc is shown at once.
+        if (QApplication::activeModalWidget() != nullptr && categoryMustBeAsked(m_ctx, volume)) {
+            return;
+        }
         const QString kind = kindOfVolume(m_ctx, volume, frmSelectCategory::chooser(m_ctx, this));
         const std::optional<Category> category = categoryOfKind(kind);
         if (!category) {
@@ -282,10 +290,9 @@ void frmMain::removeDiskImage()
 
 void frmMain::changeCategory()
 {
-    m_tmrCheckCD.stop();
     const bool restart = underFaultHandler(m_ctx, QStringLiteral("frmMain, mnuChangeCategory()"), [this] {
         return ChangeDiscCategory(m_ctx, m_driveSelector->currentData().toString(),
-                                  frmSelectCategory::chooser(m_ctx, this));
+                                  frmSelectCategory::chooser(m_ctx, this), [this] { m_tmrCheckCD.stop(); });
     });
     if (restart) {
         m_tmrCheckCD.start();

@@ -24,7 +24,15 @@ QString SerialToID(quint32 serial)
 
 QString ReadSkipCD(const AppContext& ctx, const QString& id)
 {
-    return ctx.skipIni().read(kSection, id, kSkipBuffer).trimmed();
+    // A disc without an identifier has no entry: an empty key names no disc.
+    return id.isEmpty() ? QString() : ctx.skipIni().read(kSection, id, kSkipBuffer).trimmed();
+}
+
+void WriteSkipCD(const AppContext& ctx, const QString& id, const QString& category)
+{
+    if (!id.isEmpty()) {
+        ctx.skipIni().write(kSection, id, category);
+    }
 }
 
 QString kindFromProperties(const VolumeInfo& volume)
@@ -65,6 +73,12 @@ std::optional<QString> decideKind(const AppContext& ctx, const VolumeInfo& volum
     return kind.isEmpty() ? std::nullopt : std::optional<QString>(kind);
 }
 
+bool categoryMustBeAsked(const AppContext& ctx, const VolumeInfo& volume)
+{
+    const bool present = volume.maxComponentLength != 0 || volume.serial != 0;
+    return present && !decideKind(ctx, volume);
+}
+
 QString kindCaption(const QString& kind)
 {
     return kind == u"AudioCD" ? QStringLiteral("Аудио диск")
@@ -80,7 +94,7 @@ QString AskCategory(AppContext& ctx, const QString& id, const CategoryChooser& c
         ctx.DialogDone = chosen.has_value();
         if (chosen) {
             const QString kind = kindFromCategory(*chosen);
-            ctx.skipIni().write(kSection, id, categoryOf(kind));
+            WriteSkipCD(ctx, id, categoryOf(kind));
             ctx.DialogDone = false;
             return kind;
         }
@@ -89,7 +103,7 @@ QString AskCategory(AppContext& ctx, const QString& id, const CategoryChooser& c
                 "Вы не указали категорию диска, он не будет привязан не к одной из категорий. Продолжить?"),
             MessageStyle::YesNo);
         if (answer == Answer::Yes) {
-            ctx.skipIni().write(kSection, id, QStringLiteral("n/a"));
+            WriteSkipCD(ctx, id, QStringLiteral("n/a"));
             ctx.DialogDone = false;
             return {};
         }
@@ -123,7 +137,8 @@ QString GetDiskID(AppContext& ctx, const QString& drive, const CategoryChooser& 
     return ctx.LastDiscKind.isEmpty() ? QString() : SerialToID(volume.serial);
 }
 
-bool ChangeDiscCategory(AppContext& ctx, const QString& drive, const CategoryChooser& chooser)
+bool ChangeDiscCategory(AppContext& ctx, const QString& drive, const CategoryChooser& chooser,
+                        const std::function<void()>& onGoAhead)
 {
     const Answer answer = ctx.prompter().message(
         QStringLiteral(
@@ -133,6 +148,9 @@ bool ChangeDiscCategory(AppContext& ctx, const QString& drive, const CategoryCho
     if (answer != Answer::Yes) {
         return false;
     }
+    if (onGoAhead) {
+        onGoAhead();
+    }
     const QString id = GetDiskID(ctx, drive, chooser);
     if (id.isEmpty()) {
         ctx.prompter().message(QStringLiteral("В устройстве ") + drive +
@@ -140,7 +158,9 @@ bool ChangeDiscCategory(AppContext& ctx, const QString& drive, const CategoryCho
                                MessageStyle::Exclamation);
         return false;
     }
-    ctx.skipIni().write(kSection, ctx.CurrentDiscID, QStringLiteral("n/a"));
+    // The disc corrected is the one in the drive now, whatever disc was seen before it.
+    ctx.CurrentDiscID = id;
+    WriteSkipCD(ctx, id, QStringLiteral("n/a"));
     AskCategory(ctx, id, chooser);
     return true;
 }

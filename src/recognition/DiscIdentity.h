@@ -20,6 +20,8 @@ QString SerialToID(quint32 serial);
 
 // The category stored for a disc in skipcd.ini ("AD", "PC", "DVD", "n/a"), or empty.
 QString ReadSkipCD(const AppContext& ctx, const QString& id);
+// Stores the category of disc `id`; a disc without an identifier is never stored.
+void WriteSkipCD(const AppContext& ctx, const QString& id, const QString& category);
 
 // The kind word that the volume's own properties give: "AudioCD", "PcCD", "DVD", or empty
 // when they say nothing and the user must be asked.
@@ -32,6 +34,10 @@ QString kindFromCategory(const QString& category);
 // The kind as skipcd.ini and the volume's own properties decide it ("AudioCD", "PcCD",
 // "DVD", or empty for a disc stored as "n/a"), or nothing when the user must be asked.
 std::optional<QString> decideKind(const AppContext& ctx, const VolumeInfo& volume);
+
+// True when neither skipcd.ini nor the volume's properties decide the kind of a volume
+// that is there, so the user must be asked.
+bool categoryMustBeAsked(const AppContext& ctx, const VolumeInfo& volume);
 
 // What the scan and add dialogs show for a kind word: "Аудио диск", "Компьютерный диск",
 // "DVD диск", or "(нет)".
@@ -55,7 +61,9 @@ QString GetDiskIDcheck(AppContext& ctx, const QString& drive, const CategoryChoo
 QString GetDiskID(AppContext& ctx, const QString& drive, const CategoryChooser& chooser);
 
 // The manual correction of a disc's category (the command "Изменить категорию диска").
-// Returns true when the drive watch should start again.
-bool ChangeDiscCategory(AppContext& ctx, const QString& drive, const CategoryChooser& chooser);
+// `onGoAhead` runs once the user has agreed, before the drive is read (the window stops its
+// drive watch there). Returns true when the drive watch should start again.
+bool ChangeDiscCategory(AppContext& ctx, const QString& drive, const CategoryChooser& chooser,
+                        const std::function<void()>& onGoAhead = {});
 
 } // namespace vinora

@@ -1,5 +1,8 @@
 #include "ui/QtPrompter.h"
 
+#include "ui/TitleWidth.h"
+#include "ui/WaitCursor.h"
+
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDialog>
@@ -63,6 +66,7 @@ QString QtPrompter::title()
 
 Answer QtPrompter::message(const QString& text, MessageStyle style)
 {
+    const NormalCursor pointer;
     const BoxKind kind = boxKind(style);
     QMessageBox box(kind.icon, style == MessageStyle::Plain ? QString() : title(), text, kind.buttons,
                     parentFor(m_parent));
@@ -84,6 +88,7 @@ Answer QtPrompter::message(const QString& text, MessageStyle style)
 
 int QtPrompter::choose(const QString& text, MessageStyle icon, const QStringList& buttons)
 {
+    const NormalCursor pointer;
     QMessageBox box(boxKind(icon).icon, title(), text, QMessageBox::NoButton, parentFor(m_parent));
     QList<QAbstractButton*> added;
     for (const QString& caption : buttons) {
@@ -98,6 +103,7 @@ int QtPrompter::choose(const QString& text, MessageStyle icon, const QStringList
 
 std::optional<QString> QtPrompter::input(const QString& prompt, const QString& title, const QString& initial)
 {
+    const NormalCursor pointer;
     bool ok = false;
     const QString text =
         QInputDialog::getText(parentFor(m_parent), title, prompt, QLineEdit::Normal, initial, &ok);
@@ -106,21 +112,26 @@ std::optional<QString> QtPrompter::input(const QString& prompt, const QString& t
 
 QString QtPrompter::openFile(const QString& title, const QString& filter, const QString& startPath)
 {
+    const NormalCursor pointer;
     return QFileDialog::getOpenFileName(parentFor(m_parent), title, startPath, qtFileFilter(filter));
 }
 
 QString QtPrompter::saveFile(const QString& title, const QString& filter, const QString& startPath)
 {
+    const NormalCursor pointer;
     return QFileDialog::getSaveFileName(parentFor(m_parent), title, startPath, qtFileFilter(filter));
 }
 
 QString QtPrompter::chooseFolder(const QString& title, const QString& startFolder)
 {
+    const NormalCursor pointer;
     return QFileDialog::getExistingDirectory(parentFor(m_parent), title, startFolder);
 }
 
 int QtPrompter::showModal(QDialog& dialog)
 {
+    const NormalCursor pointer;
+    widenToTitle(dialog);
     return dialog.exec();
 }
 

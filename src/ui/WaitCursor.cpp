@@ -1,7 +1,6 @@
 #include "ui/WaitCursor.h"
 
 #include <QApplication>
-#include <QCursor>
 
 namespace vinora {
 
@@ -13,6 +12,21 @@ WaitCursor::WaitCursor()
 WaitCursor::~WaitCursor()
 {
     QApplication::restoreOverrideCursor();
+}
+
+NormalCursor::NormalCursor()
+{
+    while (const QCursor* cursor = QApplication::overrideCursor()) {
+        m_paused.append(*cursor);
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+NormalCursor::~NormalCursor()
+{
+    for (auto cursor = m_paused.crbegin(); cursor != m_paused.crend(); ++cursor) {
+        QApplication::setOverrideCursor(*cursor);
+    }
 }
 
 } // namespace vinora

@@ -1,9 +1,11 @@
 #include "../recognition/DiscFixtures.h"
 #include "frame/Cp1251.h"
+#include "mainwindow/HelpViewer.h"
 #include "mainwindow/MainCommands.h"
 #include "mainwindow/frmHelp.h"
 #include "mainwindow/frmMain.h"
 #include "recognition/DriveWatch.h"
+#include "recognition/DiscIdentity.h"
 #include "recognition/Drives.h"
 #include "recognition/VolumeIdentity.h"
 #include "store/Db.h"
@@ -14,8 +16,11 @@
 #include "support/TestMain.h"
 
 #include <QComboBox>
+#include <QDialog>
+#include <QTimer>
 #include <QLabel>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 
 using namespace vinora;
 
@@ -224,6 +229,25 @@ private slots:
             QCOMPARE(placeOf("lblNewAD"), line);
             QCOMPARE(placeOf("lblCDsDVD"), dvdBlock);
         }
+    }
+
+    void watchGoesOnBehindAModalWindow()
+    {
+        Dashboard d;
+        const QString cue = m_discs.audioCue("behind", {15000});
+        d.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля, ДискID1_d) VALUES (5, 'Кино', 1, 1, ?)",
+               {QString::number(readVolumeInfo(cue).serial, 16).toUpper()});
+        d.set("Drive", cue);
+        frmMain& w = d.open();
+        QDialog modal(&w);
+        QString shownBehind;
+        QTimer::singleShot(0, &modal, [&] {
+            d.tick();
+            shownBehind = d.text("lblNewAD");
+            modal.reject();
+        });
+        modal.exec();
+        QCOMPARE(shownBehind, "Диск № 5:\nКино");
     }
 
     void boundImageIsRecognisedAndUnbound()
@@ -545,10 +569,16 @@ private slots:
     {
         Dashboard d;
         frmMain& w = d.open();
+        // Help is read inside the program: no desktop browser is needed.
         w.runCommand("ID_Help_Info");
-        QCOMPARE(d.app.prompter.openedUrls.value(0), QUrl::fromLocalFile(shippedFile("readme.txt")));
+        QVERIFY(w.helpViewer()->isVisible());
+        QCOMPARE(w.helpViewer()->windowTitle(), "readme.txt");
+        QCOMPARE(w.helpViewer()->browser()->toPlainText(), QString::fromUtf8(test::readFile(shippedFile("readme.txt"))));
         w.runCommand("ID_Help_Index");
-        QVERIFY(d.app.prompter.openedUrls.value(1).toLocalFile().endsWith("help/О программе.htm"));
+        QCOMPARE(w.helpViewer()->windowTitle(), "vinora — справка");
+        QVERIFY(w.helpViewer()->browser()->toPlainText().contains("Устройства и образы дисков"));
+        QVERIFY(d.app.prompter.openedUrls.isEmpty());
+        QVERIFY(!d.app.prompter.texts().contains("Файл справки не найден!"));
         QString shownVersion;
         d.app.prompter.handleModal([&](QDialog& dialog) {
             shownVersion = dialog.findChild<QLabel*>("lblVersion")->text();
@@ -562,22 +592,51 @@ private slots:
         QVERIFY(!w.action("ID_Panel")->isChecked());
     }
 
+    void changeCategoryOfTheDiscInTheDrive_data()
+    {
+        QTest::addColumn<QString>("remembered"); // CurrentDiscID left by an earlier disc
+        QTest::addColumn<bool>("goAhead");
+        QTest::newRow("nothing remembered") << "" << true;
+        QTest::newRow("another disc remembered") << "DEADBEEF" << true;
+        QTest::newRow("answered No") << "" << false;
+    }
+
     void changeCategoryOfTheDiscInTheDrive()
     {
+        QFETCH(QString, remembered);
+        QFETCH(bool, goAhead);
         Dashboard d;
         const QString iso = m_discs.iso("cat.iso", {"-V", "CAT"});
         addVirtualDrive(d.app.ctx.ini(), iso);
         d.set("Drive", iso);
         frmMain& w = d.open();
-        d.app.prompter.answer(Answer::Yes);
+        d.app.ctx.CurrentDiscID = remembered;
+        d.app.prompter.answer(goAhead ? Answer::Yes : Answer::No);
         d.app.prompter.handleModal([](QDialog& dialog) {
             dialog.findChild<QWidget*>("optDVD")->setProperty("checked", true);
             return int(QDialog::Accepted);
         });
         w.runCommand("ID_Catalog_ChangeCategory");
         const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
-        QCOMPARE(d.app.ctx.skipIni().read("CD", id, 15), "DVD");
-        QVERIFY(w.timer("tmrCheckCD").isActive());
+        QCOMPARE(d.app.ctx.skipIni().read("CD", id, 15), QString::fromLatin1(goAhead ? "DVD" : ""));
+        QVERIFY(w.timer("tmrCheckCD").isActive()); // the watch goes on, whatever the answer
+        // Only the disc in the drive is written: no entry without an identifier, no other disc.
+        const QString stored = QString::fromUtf8(test::readFile(d.app.ctx.appFolder() + "/skipcd.ini"));
+        QVERIFY2(!stored.contains(QStringLiteral("\n=")) && !stored.startsWith(u'='), qPrintable(stored));
+        QVERIFY(!stored.contains("DEADBEEF"));
+    }
+
+    void entryWithoutIdentifierIsIgnored()
+    {
+        // A settings file holding "=n/a" (left by an older version) must not turn a volume
+        // without a serial into "no disc".
+        Dashboard d;
+        test::writeFile(d.app.ctx.appFolder() + "/skipcd.ini", "[CD]\r\n=n/a\r\n");
+        VolumeInfo volume;
+        volume.ok = true;
+        volume.maxComponentLength = 221;
+        volume.label = "DATA";
+        QCOMPARE(kindOfVolume(d.app.ctx, volume, [] { return std::optional<QString>(); }), "PcCD");
     }
 };
 

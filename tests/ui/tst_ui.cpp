@@ -3,8 +3,12 @@
 #include "ui/DesktopTheme.h"
 #include "ui/KeyFilter.h"
 #include "ui/QtPrompter.h"
+#include "ui/TitleWidth.h"
+#include "ui/WaitCursor.h"
 
+#include <QDialog>
 #include <QLineEdit>
+#include <QTimer>
 
 using namespace vinora;
 
@@ -38,6 +42,42 @@ private slots:
         QFETCH(QString, pipeFilter);
         QFETCH(QString, qtFilter);
         QCOMPARE(qtFileFilter(pipeFilter), qtFilter);
+    }
+
+    void promptsShowTheNormalPointer()
+    {
+        // A question asked in the middle of long work: the hourglass steps aside while the
+        // box stands and comes back after it.
+        QtPrompter prompter;
+        const WaitCursor outer;
+        const WaitCursor inner;
+        bool normalWhileShown = false;
+        QTimer::singleShot(0, [&] {
+            QTRY_VERIFY(QApplication::activeModalWidget() != nullptr);
+            normalWhileShown = QApplication::overrideCursor() == nullptr;
+            QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+        });
+        QCOMPARE(prompter.message(QStringLiteral("Продолжить?"), MessageStyle::YesNo), Answer::No);
+        QVERIFY(normalWhileShown);
+        QVERIFY(QApplication::overrideCursor() != nullptr);
+        QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    }
+
+    void dialogsAreWideEnoughForTheirTitles()
+    {
+        QDialog narrow;
+        narrow.setWindowTitle(QStringLiteral("Изменение номера диска в каталоге компьютерных дисков"));
+        narrow.setFixedWidth(120);
+        narrow.setMaximumWidth(QWIDGETSIZE_MAX);
+        widenToTitle(narrow);
+        QVERIFY(narrow.width() >= titleWidth(narrow));
+        QVERIFY(narrow.minimumWidth() >= titleWidth(narrow));
+
+        QDialog wide;
+        wide.setWindowTitle(QStringLiteral("О программе"));
+        wide.resize(900, 300);
+        widenToTitle(wide);
+        QCOMPARE(wide.width(), 900);
     }
 
     void darkDesktopGivesDarkPalette()
