@@ -23,6 +23,10 @@ iso "$work/joliet.iso" -J
 iso "$work/rock.iso" -R
 iso "$work/udf.iso" -udf
 xorriso -dev "$work/xorriso.iso" -volid FUZZ -padding 0 -map "$tree" / -commit > /dev/null 2>&1
+# Rock Ridge names of 255 bytes, which go on in continuation areas.
+long=$(printf 'Ж%.0s' $(seq 1 127))
+xorriso -outdev "$work/long.iso" -volid FUZZ -padding 0 -joliet off \
+  -map "$tree/README.TXT" "/$long" -map "$tree/DOCS/A.TXT" "/$long/$long" > /dev/null 2>&1
 truncate -s 1M "$work/mkudffs.img"
 mkudffs --label=FUZZ --blocksize=2048 --media-type=hd "$work/mkudffs.img" > /dev/null
 
@@ -76,6 +80,7 @@ case "$target" in
   fuzz_volume_iso)
     for name in plain joliet rock; do trim "$work/$name.iso" "$out/$name.iso"; done
     sparse "$work/xorriso.iso" "$out/xorriso.sectors"
+    sparse "$work/long.iso" "$out/long-names.sectors"
     sparse "$work/udf.iso" "$out/udf.sectors"
     sparse "$work/mkudffs.img" "$out/mkudffs.sectors"
     ;;
