@@ -43,6 +43,13 @@ ScanOutcome prepareScan(AppContext& ctx, const ScanRequest& request, const Clash
     return outcome;
 }
 
+QString scanFaultPlace(const std::exception& error)
+{
+    return dynamic_cast<const FilterLoadError*>(&error) != nullptr
+               ? QStringLiteral("frmFileListCreate, FullArrayFileFiltr()")
+               : QStringLiteral("frmFileListCreate, CreateFileList()");
+}
+
 int runScan(const AppContext& ctx, const ScanRequest& request, const QString& id,
             const std::function<void(FileListScanner&)>& prepare, const std::function<void()>& readError)
 {
@@ -55,8 +62,12 @@ int runScan(const AppContext& ctx, const ScanRequest& request, const QString& id
     }
     QStringList entries;
     if (request.options.filter) {
-        const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
-        entries = FullArrayFileFiltr(files, *request.options.filter);
+        try {
+            const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
+            entries = FullArrayFileFiltr(files, *request.options.filter);
+        } catch (const AppError& error) {
+            throw FilterLoadError(error);
+        }
     }
     const Db files(ctx.FilesDBPath);
     FileListWriter writer(files, id);
@@ -79,8 +90,14 @@ ScanOutcome startScan(AppContext& ctx, const ScanRequest& request, const ClashQu
     if (outcome.id.isEmpty()) {
         return outcome;
     }
-    outcome.rows = underFaultHandler(ctx, QStringLiteral("frmFileListCreate, CreateFileList()"),
-                                     [&] { return runScan(ctx, request, outcome.id, prepare, readError); });
+    try {
+        outcome.rows = runScan(ctx, request, outcome.id, prepare, readError);
+    } catch (const std::bad_alloc&) {
+        ReportFault(ctx, QStringLiteral("frmFileListCreate, CreateFileList()"),
+                    AppError(err::OutOfMemory, QStringLiteral("Out of memory")));
+    } catch (const std::exception& error) {
+        ReportFault(ctx, scanFaultPlace(error), error);
+    }
     underFaultHandler(ctx, QStringLiteral("frmFileListOption, CreateLinkDiskID()"), [&] {
         CreateLinkDiskID(ctx, request.number, request.slot, outcome.id, request.share);
     });

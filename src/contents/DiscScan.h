@@ -1,6 +1,7 @@
 #pragma once
 
 #include "contents/FileListStore.h"
+#include "frame/AppError.h"
 
 namespace vinora {
 
@@ -31,8 +32,20 @@ struct ScanOutcome
 // (CreateFileTable); `done` stays false, `id` is the list's id when the walk may begin.
 ScanOutcome prepareScan(AppContext& ctx, const ScanRequest& request, const ClashQuestion& clash);
 
+// An error met while the entries of the chosen filter were loaded (FullArrayFileFiltr),
+// before the walk began.
+class FilterLoadError : public AppError
+{
+public:
+    explicit FilterLoadError(const AppError& error) : AppError(error) {}
+};
+
+// The routine an error of runScan is told under: the loading of the filter or the walk.
+QString scanFaultPlace(const std::exception& error);
+
 // The walk into list `id`, stored folder by folder; the number of rows stored. AppError
-// comes out (the caller tells the user). May run off the GUI thread: it touches no window.
+// comes out (the caller tells the user, under scanFaultPlace). May run off the GUI thread:
+// it touches no window.
 int runScan(const AppContext& ctx, const ScanRequest& request, const QString& id,
             const std::function<void(FileListScanner&)>& prepare, const std::function<void()>& readError);
 

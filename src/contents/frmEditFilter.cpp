@@ -7,9 +7,9 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTreeWidget>
 #include <QVBoxLayout>
 
 namespace vinora {
@@ -32,8 +32,10 @@ frmEditFilter::frmEditFilter(AppContext& ctx, QWidget* parent) : QDialog(parent)
     m_lblInfo->setObjectName(QStringLiteral("lblInfo"));
     m_lblInfo->setWordWrap(true);
     layout->addWidget(m_lblInfo);
-    m_lvFilter = new QListWidget(this);
+    m_lvFilter = new QTreeWidget(this);
     m_lvFilter->setObjectName(QStringLiteral("lvFilter"));
+    m_lvFilter->setColumnCount(1);
+    m_lvFilter->setRootIsDecorated(false);
     layout->addWidget(m_lvFilter, 1);
     auto* buttons = new QHBoxLayout;
     const auto button = [&](const char* name, const char* text) {
@@ -57,8 +59,9 @@ frmEditFilter::frmEditFilter(AppContext& ctx, QWidget* parent) : QDialog(parent)
     connect(remove, &QPushButton::clicked, this, &frmEditFilter::cmdDelete);
     connect(change, &QPushButton::clicked, this, &frmEditFilter::cmdChangeFile);
     connect(close, &QPushButton::clicked, this, &QDialog::reject);
-    connect(m_lvFilter, &QListWidget::itemDoubleClicked, this, &frmEditFilter::cmdChangeFile);
-    connect(m_lvFilter, &QListWidget::itemChanged, this, &frmEditFilter::itemChanged);
+    connect(m_lvFilter, &QTreeWidget::itemDoubleClicked, this, &frmEditFilter::cmdChangeFile);
+    connect(m_lvFilter, &QTreeWidget::itemChanged, this,
+            [this](QTreeWidgetItem* item) { itemChanged(item); });
     for (QRadioButton* option : m_optFilter) {
         connect(option, &QRadioButton::clicked, this, &frmEditFilter::optFilter_Click);
     }
@@ -90,32 +93,44 @@ void frmEditFilter::optFilter_Click()
         QSqlQuery rows = db.query(QStringLiteral("SELECT Файл, Use FROM ") + quoted(table()) +
                                   QStringLiteral(" ORDER BY Файл"));
         while (rows.next()) {
-            auto* item = new QListWidgetItem(rows.value(0).toString(), m_lvFilter);
+            auto* item = new QTreeWidgetItem(m_lvFilter, {rows.value(0).toString()});
             item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-            item->setCheckState(rows.value(1).toInt() != 0 ? Qt::Checked : Qt::Unchecked);
+            item->setCheckState(0, rows.value(1).toInt() != 0 ? Qt::Checked : Qt::Unchecked);
         }
     }
+    m_lvFilter->setHeaderLabels(
+        {QStringLiteral("Файлы (") + QString::number(m_lvFilter->topLevelItemCount()) + u')'});
     for (QPushButton* command : m_itemCommands) {
-        command->setEnabled(m_lvFilter->count() > 0);
+        command->setEnabled(m_lvFilter->topLevelItemCount() > 0);
     }
-    m_lvFilter->setCurrentRow(0);
+    m_lvFilter->setCurrentItem(m_lvFilter->topLevelItem(0));
     m_loading = false;
 }
 
-void frmEditFilter::itemChanged(QListWidgetItem* item)
+void frmEditFilter::selectEntry(const QString& text)
+{
+    for (int i = 0; i < m_lvFilter->topLevelItemCount(); ++i) {
+        if (m_lvFilter->topLevelItem(i)->text(0) == text) {
+            m_lvFilter->setCurrentItem(m_lvFilter->topLevelItem(i));
+            return;
+        }
+    }
+}
+
+void frmEditFilter::itemChanged(QTreeWidgetItem* item)
 {
     if (m_loading) {
         return;
     }
     const Db db(m_ctx.FilesDBPath);
     db.exec(QStringLiteral("UPDATE ") + quoted(table()) + QStringLiteral(" SET Use = ? WHERE Файл = ?"),
-            {item->checkState() == Qt::Checked ? kTrue : kFalse, item->text()});
+            {item->checkState(0) == Qt::Checked ? kTrue : kFalse, item->text(0)});
 }
 
 void frmEditFilter::setAllTicks(bool ticked)
 {
-    for (int i = 0; i < m_lvFilter->count(); ++i) {
-        m_lvFilter->item(i)->setCheckState(ticked ? Qt::Checked : Qt::Unchecked);
+    for (int i = 0; i < m_lvFilter->topLevelItemCount(); ++i) {
+        m_lvFilter->topLevelItem(i)->setCheckState(0, ticked ? Qt::Checked : Qt::Unchecked);
     }
 }
 
@@ -149,7 +164,7 @@ std::optional<QString> frmEditFilter::askEntry(const QString& title, const QStri
 
 void frmEditFilter::cmdAddFile()
 {
-    if (m_lvFilter->count() >= 50) {
+    if (m_lvFilter->topLevelItemCount() >= 50) {
         m_ctx.prompter().message(QStringLiteral("Количество файлов не должно превышать 50!"),
                                  MessageStyle::Exclamation);
         return;
@@ -166,35 +181,32 @@ void frmEditFilter::cmdAddFile()
                 {entry->left(255)});
     }
     optFilter_Click();
-    const QList<QListWidgetItem*> found = m_lvFilter->findItems(*entry, Qt::MatchExactly);
-    if (!found.isEmpty()) {
-        m_lvFilter->setCurrentItem(found.first());
-    }
+    selectEntry(entry->left(255));
 }
 
 void frmEditFilter::cmdDelete()
 {
-    QListWidgetItem* item = m_lvFilter->currentItem();
-    if (!item || m_ctx.prompter().message(QStringLiteral("Вы действительно хотите удалить файл '") +
-                                              item->text() + QStringLiteral("'?"),
-                                          MessageStyle::YesNoQuestion) != Answer::Yes) {
+    const QString entry = selectedEntry();
+    if (!m_lvFilter->currentItem() ||
+        m_ctx.prompter().message(QStringLiteral("Вы действительно хотите удалить файл '") + entry +
+                                     QStringLiteral("'?"),
+                                 MessageStyle::YesNoQuestion) != Answer::Yes) {
         return;
     }
     underFaultHandler(m_ctx, QStringLiteral("frmEditFilter, cmdDelete()"), [&] {
         const Db db(m_ctx.FilesDBPath);
         db.exec(QStringLiteral("DELETE FROM ") + quoted(table()) + QStringLiteral(" WHERE Файл = ?"),
-                {item->text()});
+                {entry});
     });
     optFilter_Click();
 }
 
 void frmEditFilter::cmdChangeFile()
 {
-    QListWidgetItem* item = m_lvFilter->currentItem();
-    if (!item) {
+    if (!m_lvFilter->currentItem()) {
         return;
     }
-    const QString old = item->text();
+    const QString old = selectedEntry();
     const std::optional<QString> entry =
         askEntry(QStringLiteral("Изменение имени файла"), QStringLiteral("Измените имени файла:"), old);
     if (!entry) {
@@ -206,16 +218,24 @@ void frmEditFilter::cmdChangeFile()
                 {entry->left(255), old});
     }
     optFilter_Click();
+    selectEntry(entry->left(255));
 }
 
 QStringList frmEditFilter::entries() const
 {
     QStringList list;
-    for (int i = 0; i < m_lvFilter->count(); ++i) {
-        const QListWidgetItem* item = m_lvFilter->item(i);
-        list.append((item->checkState() == Qt::Checked ? QStringLiteral("[x] ") : QString()) + item->text());
+    for (int i = 0; i < m_lvFilter->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = m_lvFilter->topLevelItem(i);
+        list.append((item->checkState(0) == Qt::Checked ? QStringLiteral("[x] ") : QString()) +
+                    item->text(0));
     }
     return list;
+}
+
+QString frmEditFilter::selectedEntry() const
+{
+    const QTreeWidgetItem* item = m_lvFilter->currentItem();
+    return item ? item->text(0) : QString();
 }
 
 } // namespace vinora

@@ -5,10 +5,10 @@
 #include <QDialog>
 
 class QLabel;
-class QListWidget;
-class QListWidgetItem;
 class QPushButton;
 class QRadioButton;
+class QTreeWidget;
+class QTreeWidgetItem;
 
 namespace vinora {
 
@@ -28,10 +28,12 @@ public:
     void cmdChangeFile();
     void setAllTicks(bool ticked);
     QStringList entries() const; // "text" or "[x] text" for ticked ones
+    QString selectedEntry() const;
 
 private:
     void optFilter_Click();
-    void itemChanged(QListWidgetItem* item);
+    void itemChanged(QTreeWidgetItem* item);
+    void selectEntry(const QString& text);
     std::optional<QString> askEntry(const QString& title, const QString& prompt, const QString& initial);
     bool exists(const QString& entry) const;
     QString table() const;
@@ -40,7 +42,7 @@ private:
     bool m_loading = false;
     QRadioButton* m_optFilter[2];
     QLabel* m_lblInfo;
-    QListWidget* m_lvFilter;
+    QTreeWidget* m_lvFilter;
     QList<QPushButton*> m_itemCommands;
 };
 

@@ -26,7 +26,7 @@ frmFileListCreate::frmFileListCreate(AppContext& ctx, ScanRequest request, QStri
     layout->addWidget(m_lblDir);
     layout->addWidget(m_lblFile);
     layout->addWidget(m_prbFiles);
-    connect(&m_walk, &QFutureWatcher<QString>::finished, this, &frmFileListCreate::finished);
+    connect(&m_walk, &QFutureWatcher<std::optional<Failure>>::finished, this, &frmFileListCreate::finished);
 }
 
 frmFileListCreate::~frmFileListCreate()
@@ -69,22 +69,26 @@ void frmFileListCreate::showEvent(QShowEvent* event)
             },
             Qt::QueuedConnection);
     };
-    m_walk.setFuture(QtConcurrent::run([this, prepare, readError]() -> QString {
+    m_walk.setFuture(QtConcurrent::run([this, prepare, readError]() -> std::optional<Failure> {
         try {
             m_rows = runScan(m_ctx, m_request, m_id, prepare, readError);
-            return {};
+            return std::nullopt;
         } catch (const AppError& error) {
-            return QString::number(error.number()) + u'\n' + error.description();
+            return Failure{scanFaultPlace(error), error};
+        } catch (const std::bad_alloc&) {
+            return Failure{QStringLiteral("frmFileListCreate, CreateFileList()"),
+                           AppError(err::OutOfMemory, QStringLiteral("Out of memory"))};
+        } catch (const std::exception& error) {
+            return Failure{scanFaultPlace(error),
+                           AppError(err::EngineError, QString::fromLocal8Bit(error.what()))};
         }
     }));
 }
 
 void frmFileListCreate::finished()
 {
-    const QString failure = m_walk.result();
-    if (!failure.isEmpty()) {
-        ReportFault(m_ctx, QStringLiteral("frmFileListCreate, CreateFileList()"),
-                    AppError(failure.section(u'\n', 0, 0).toInt(), failure.section(u'\n', 1)));
+    if (const std::optional<Failure> failure = m_walk.result()) {
+        ReportFault(m_ctx, failure->place, failure->error);
     }
     accept();
 }

@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QFutureWatcher>
 #include <atomic>
+#include <optional>
 
 class QLabel;
 class QProgressBar;
@@ -31,6 +32,13 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    // An error of the walk and the routine it is told under.
+    struct Failure
+    {
+        QString place;
+        AppError error;
+    };
+
     void finished();
 
     AppContext& m_ctx;
@@ -39,7 +47,7 @@ private:
     int m_rows = 0;
     bool m_started = false;
     std::atomic<bool> m_stop{false};
-    QFutureWatcher<QString> m_walk; // the error text, empty when all went well
+    QFutureWatcher<std::optional<Failure>> m_walk; // nothing when all went well
     QLabel* m_lblDir;
     QLabel* m_lblFile;
     QProgressBar* m_prbFiles;

@@ -58,6 +58,9 @@ frmFileListOption::frmFileListOption(AppContext& ctx, int number, int slot, QWid
     m_optFilter[0]->setObjectName(QStringLiteral("optFilter0"));
     m_optFilter[1]->setObjectName(QStringLiteral("optFilter1"));
     m_optFilter[0]->setChecked(true);
+    for (QRadioButton* option : m_optFilter) {
+        option->setEnabled(false); // the filter is off
+    }
     auto* editFilter = new QPushButton(QStringLiteral("Фильтр..."), this);
     editFilter->setObjectName(QStringLiteral("imgButton2"));
     editFilter->setAutoDefault(false);
@@ -85,15 +88,16 @@ frmFileListOption::frmFileListOption(AppContext& ctx, int number, int slot, QWid
         }
         m_ctx.prompter().showModal(filters);
     });
-    for (QCheckBox* check : {m_chFilter, m_chScanDir, m_chScanDirOnly}) {
-        connect(check, &QCheckBox::toggled, this, &frmFileListOption::applyTickRules);
-    }
+    // A box that changes, by hand or by the stored options, rules what its own click rules
+    // and nothing else.
+    connect(m_chFilter, &QCheckBox::toggled, this, &frmFileListOption::chFilter_Click);
+    connect(m_chScanDir, &QCheckBox::toggled, this, &frmFileListOption::chScanDir_Click);
+    connect(m_chScanDirOnly, &QCheckBox::toggled, this, &frmFileListOption::chScanDirOnly_Click);
     connect(m_cmbDrive, &QComboBox::activated, this, &frmFileListOption::cmbDrive_Click);
 
     if (savingOptions()) {
         loadSavedOptions();
     }
-    applyTickRules();
     const QStringList drives = GetCDDrives(m_ctx.ini());
     if (drives.isEmpty()) {
         m_ctx.prompter().message(QStringLiteral("Устройство для чтения компакт-дисков не найдено!"),
@@ -155,10 +159,24 @@ void frmFileListOption::done(int result)
     QDialog::done(result);
 }
 
-void frmFileListOption::applyTickRules()
+void frmFileListOption::chFilter_Click()
+{
+    for (QRadioButton* option : m_optFilter) {
+        option->setEnabled(m_chFilter->isChecked());
+    }
+}
+
+// Unticking the folders disables the names-only box and leaves its tick, and what that tick
+// did to the filter, as they are: a names-only tick that is disabled counts for nothing,
+// and the filter stays off until the names-only box is unticked.
+void frmFileListOption::chScanDir_Click()
 {
     m_chScanDirOnly->setEnabled(m_chScanDir->isChecked());
-    const bool namesOnly = m_chScanDirOnly->isChecked() && m_chScanDirOnly->isEnabled();
+}
+
+void frmFileListOption::chScanDirOnly_Click()
+{
+    const bool namesOnly = m_chScanDirOnly->isChecked();
     m_chFilter->setEnabled(!namesOnly);
     for (QRadioButton* option : m_optFilter) {
         option->setEnabled(!namesOnly && m_chFilter->isChecked());

@@ -29,7 +29,9 @@ protected:
 
 private:
     void cmbDrive_Click();
-    void applyTickRules();
+    void chFilter_Click();
+    void chScanDir_Click();
+    void chScanDirOnly_Click();
     void loadSavedOptions();
     bool savingOptions() const;
 
