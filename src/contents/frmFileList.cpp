@@ -9,7 +9,6 @@
 #include "recognition/DiscIdentity.h"
 #include "recognition/MountPoints.h"
 #include "recognition/frmSelectCategory.h"
-#include "ui/WaitCursor.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -21,9 +20,13 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSplitter>
+#include <QStorageInfo>
+#include <QTemporaryDir>
 #include <QTreeWidget>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <QtConcurrent/QtConcurrentRun>
+#include <algorithm>
 
 namespace vinora {
 
@@ -68,8 +71,11 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     m_lvFiles->setObjectName(QStringLiteral("lvFiles"));
     m_lvFiles->setColumnCount(2);
     m_lvFiles->setRootIsDecorated(false);
-    m_lvFiles->setSortingEnabled(true);
-    m_lvFiles->header()->setSortIndicator(0, Qt::AscendingOrder);
+    // The files come in the list's own order; the view sorts them only as a column click asks.
+    m_lvFiles->setSortingEnabled(false);
+    m_lvFiles->header()->setSectionsClickable(true);
+    m_lvFiles->header()->setSortIndicatorShown(true);
+    m_lvFiles->header()->setSortIndicator(m_sortKey, m_sortOrder);
     m_lvFiles->header()->setStretchLastSection(false);
     m_lvFiles->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     m_lvFiles->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
@@ -126,12 +132,20 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     connect(m_lvFiles, &QTreeWidget::itemClicked, this,
             [this](QTreeWidgetItem* item) { selectFile(item->text(0)); });
     connect(m_lvFiles, &QTreeWidget::itemDoubleClicked, this, &frmFileList::lvFiles_DblClick);
+    connect(m_lvFiles->header(), &QHeaderView::sectionClicked, this, &frmFileList::lvFiles_ColumnClick);
+    connect(&m_copy, &QFutureWatcher<ExtractedFile>::finished, this, &frmFileList::copied);
     connect(m_cmdMakeChangeDir, &QPushButton::clicked, this, &frmFileList::cmdMakeChangeDir);
     connect(m_cmdMakeChangeFile, &QPushButton::clicked, this, &frmFileList::cmdMakeChangeFile);
     connect(m_txtCommentDir, &QLineEdit::returnPressed, this, &frmFileList::cmdMakeChangeDir);
     connect(m_txtCommentFile, &QLineEdit::returnPressed, this, &frmFileList::cmdMakeChangeFile);
     m_cmbCountCD->setCurrentIndex(0);
     cmbCountCD_Click();
+}
+
+frmFileList::~frmFileList()
+{
+    m_stopCopy = true;
+    m_copy.waitForFinished();
 }
 
 void frmFileList::setCommentControls(bool dir, bool file)
@@ -257,6 +271,7 @@ void frmFileList::FillFileList(const QString& path)
         auto* item = new QTreeWidgetItem(m_lvFiles, {file.name, file.size});
         item->setIcon(0, style()->standardIcon(icons[fileImage(file.name)]));
     }
+    sortFiles();
     const bool any = m_lvFiles->topLevelItemCount() > 0;
     m_lvFiles->setVisible(any);
     m_txtNoFiles->setVisible(!any);
@@ -264,6 +279,40 @@ void frmFileList::FillFileList(const QString& path)
     m_cmdMakeChangeFile->setEnabled(any);
     m_lvFiles->setHeaderLabels({QStringLiteral("Файлов: ") + QString::number(m_lvFiles->topLevelItemCount()),
                                 QStringLiteral("Размер (Кб)")});
+}
+
+// By the catalogue's comparison of texts, sizes too; rows that compare equal keep the
+// list's order. The first column ascending is the order the list is read in.
+void frmFileList::sortFiles()
+{
+    QList<QTreeWidgetItem*> items;
+    while (m_lvFiles->topLevelItemCount() > 0) {
+        items.append(m_lvFiles->takeTopLevelItem(0));
+    }
+    const int column = m_sortKey;
+    const bool descending = m_sortOrder == Qt::DescendingOrder;
+    std::stable_sort(items.begin(), items.end(),
+                     [column, descending](QTreeWidgetItem* a, QTreeWidgetItem* b) {
+                         const int order = compareText(a->text(column), b->text(column));
+                         return descending ? order > 0 : order < 0;
+                     });
+    m_lvFiles->addTopLevelItems(items);
+    m_lvFiles->header()->setSortIndicator(m_sortKey, m_sortOrder);
+}
+
+void frmFileList::lvFiles_ColumnClick(int column)
+{
+    if (column == m_sortKey) {
+        m_sortOrder = m_sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
+    } else {
+        m_sortKey = column;
+        m_sortOrder = Qt::AscendingOrder;
+    }
+    QTreeWidgetItem* current = m_lvFiles->currentItem();
+    sortFiles();
+    if (current != nullptr) {
+        m_lvFiles->setCurrentItem(current);
+    }
 }
 
 void frmFileList::selectFile(const QString& name)
@@ -349,13 +398,11 @@ void frmFileList::lvFiles_DblClick()
 {
     const QString name = m_lvFiles->currentItem() ? m_lvFiles->currentItem()->text(0) : QString();
     const QString drive = m_ctx.ini().read(QStringLiteral("Option"), QStringLiteral("Drive"), 4096).trimmed();
-    const QString mounted = drive.isEmpty() ? QString() : mountPointOf(drive);
     VolumeInfo volume;
     const QString kind = drive.isEmpty()
                              ? QString()
                              : GetDiskIDcheck(m_ctx, drive, frmSelectCategory::chooser(m_ctx, this), &volume);
-    if (kind != u"PcCD" || SerialToID(volume.serial) != m_ctx.CurrentDiscID || mounted.isEmpty() ||
-        name.isEmpty()) {
+    if (kind != u"PcCD" || SerialToID(volume.serial) != m_ctx.CurrentDiscID || name.isEmpty()) {
         m_ctx.prompter().message(
             QStringLiteral("Вставьте диск № ") + QString::number(m_number) +
                 QStringLiteral(" в устройство для чтения компакт-дисков и повторите операцию."),
@@ -364,9 +411,83 @@ void frmFileList::lvFiles_DblClick()
     }
     QString folder = currentFolderKey();
     folder.replace(u'\\', u'/');
-    const QString file = QDir(mounted + folder).filePath(name);
     const bool start = m_ctx.ini().number(QStringLiteral("Option"), QStringLiteral("FilesAction"), 5) == 1;
+    const QString mounted = mountPointOf(drive);
+    if (mounted.isEmpty()) {
+        // A disc image, or a disc the system has not mounted: read where it lies.
+        const QString inFolder = folder.mid(1); // "DOCS/OLD/", empty at the root
+        openCopyOf(drive, inFolder + name, start);
+        return;
+    }
+    const QString file = QDir(mounted + folder).filePath(name);
     m_ctx.prompter().openUrl(QUrl::fromLocalFile(start ? file : QFileInfo(file).path()));
+}
+
+// The copy is made off the window's thread; the window opens it when it is done. One copy at
+// a time: a double click meanwhile is passed by.
+void frmFileList::openCopyOf(const QString& drive, const QString& file, bool openFile)
+{
+    if (m_copy.isRunning()) {
+        return;
+    }
+    if (!m_copies) {
+        m_copies = std::make_unique<QTemporaryDir>(QDir::temp().filePath(QStringLiteral("vinora-XXXXXX")));
+    }
+    // Each copy in a folder of its own: files of one name from two folders of the disc.
+    const QString folder = QDir(m_copies->path()).filePath(QString::number(++m_copiesMade));
+    if (!m_copies->isValid() || !QDir().mkpath(folder)) {
+        m_ctx.prompter().message(QStringLiteral("Не удалось создать временную папку для файла '") +
+                                     file.section(u'/', -1) + QStringLiteral("'."),
+                                 MessageStyle::Exclamation);
+        return;
+    }
+    const qint64 room = QStorageInfo(folder).bytesAvailable();
+    m_openCopiedFile = openFile;
+    m_copyCursor.emplace();
+    m_copyName = file.section(u'/', -1);
+    m_copy.setFuture(QtConcurrent::run([this, drive, file, folder, room] {
+        return extractDiscFile(drive, file, folder, room, [this] { return m_stopCopy.load(); });
+    }));
+}
+
+void frmFileList::copied()
+{
+    m_copyCursor.reset();
+    const ExtractedFile copy = m_copy.result();
+    const QString& name = m_copyName;
+    using Status = ExtractedFile::Status;
+    switch (copy.status) {
+    case Status::Done:
+        m_ctx.prompter().openUrl(
+            QUrl::fromLocalFile(m_openCopiedFile ? copy.path : QFileInfo(copy.path).path()));
+        return;
+    case Status::Cancelled:
+        return;
+    case Status::NotFound:
+        m_ctx.prompter().message(QStringLiteral("Файл '") + name +
+                                     QStringLiteral("' на диске не найден. Возможно, список файлов "
+                                                    "устарел: пересоздайте его."),
+                                 MessageStyle::Exclamation);
+        return;
+    case Status::TooLarge:
+        m_ctx.prompter().message(
+            QStringLiteral("Файл '") + name +
+                QStringLiteral("' слишком велик: для него нет места во временной папке ") +
+                QDir::toNativeSeparators(QDir::tempPath()) + u'.',
+            MessageStyle::Exclamation);
+        return;
+    case Status::Unreadable:
+        m_ctx.prompter().message(QStringLiteral("Ошибка чтения диска! Файл '") + name +
+                                     QStringLiteral("' не удалось прочитать."),
+                                 MessageStyle::Exclamation);
+        return;
+    case Status::CannotWrite:
+        m_ctx.prompter().message(QStringLiteral("Не удалось записать файл '") + name +
+                                     QStringLiteral("' во временную папку ") +
+                                     QDir::toNativeSeparators(QDir::tempPath()) + u'.',
+                                 MessageStyle::Exclamation);
+        return;
+    }
 }
 
 QStringList frmFileList::treeTexts() const

@@ -1,13 +1,20 @@
 #pragma once
 
+#include "contents/DiscFileExtract.h"
 #include "contents/FileTree.h"
+#include "ui/WaitCursor.h"
 
 #include <QDialog>
+#include <QFutureWatcher>
+#include <atomic>
+#include <memory>
+#include <optional>
 
 class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QTemporaryDir;
 class QTreeWidget;
 
 namespace vinora {
@@ -18,11 +25,14 @@ class StoredFileList;
 // "Файлы": the file list of one disc of a computer disc record, as a folder tree and a
 // list of files with their comments; it creates, deletes and re-creates the list and opens
 // a file of the disc in the drive. The ids of the set's lists come in ctx.DiscIDSlots.
+// A file of a disc that is not mounted (a disc image) is copied out to a temporary folder
+// first; the copies go with the window.
 class frmFileList : public QDialog
 {
     Q_OBJECT
 public:
     frmFileList(AppContext& ctx, int number, const QString& name, int discs, QWidget* parent = nullptr);
+    ~frmFileList() override;
 
     void cmbCountCD_Click();
     void selectFolder(int node);
@@ -33,6 +43,7 @@ public:
     void deleteListAsk();
     void recreateListAsk();
     void lvFiles_DblClick();
+    void lvFiles_ColumnClick(int column);
 
     QStringList treeTexts() const; // "parent/child" paths of the tree's nodes, in order
     QStringList fileNames() const;
@@ -45,6 +56,9 @@ private:
     void setCommentControls(bool dir, bool file);
     QString currentFolderKey() const;
     StoredFileList storedList() const;
+    void sortFiles();
+    void openCopyOf(const QString& drive, const QString& file, bool openFile);
+    void copied();
 
     AppContext& m_ctx;
     int m_number;
@@ -59,6 +73,16 @@ private:
     QLabel* m_txtNoFiles;
     QLabel* m_lblCDSpace;
     QPushButton* m_buttons[4];
+    int m_sortKey = 0; // the column the files are sorted by
+    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
+
+    std::unique_ptr<QTemporaryDir> m_copies; // files copied out of discs to be opened
+    int m_copiesMade = 0;
+    QFutureWatcher<ExtractedFile> m_copy;
+    std::atomic<bool> m_stopCopy{false};
+    QString m_copyName;
+    bool m_openCopiedFile = false; // else its folder
+    std::optional<WaitCursor> m_copyCursor;
 };
 
 } // namespace vinora

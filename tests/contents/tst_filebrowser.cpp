@@ -1,4 +1,7 @@
+#include "../recognition/DamagedImages.h"
 #include "../recognition/DiscFixtures.h"
+#include "contents/DiscFileExtract.h"
+#include "contents/DiscScan.h"
 #include "contents/FileTree.h"
 #include "contents/StoredFileList.h"
 #include "contents/frmEditFilter.h"
@@ -7,6 +10,7 @@
 #include "contents/frmFileListOption.h"
 #include "recognition/Drives.h"
 #include "recognition/VolumeIdentity.h"
+#include "recognition/VolumeReader.h"
 #include "store/ContentsLists.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
@@ -16,8 +20,11 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDirIterator>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QTreeWidget>
 
 using namespace vinora;
@@ -47,6 +54,36 @@ struct Lists
         app.ctx.DiscIDSlots[0] = id;
     }
 };
+
+// Clicks, or double-clicks, the row of `text` in a shown view, as the user does.
+void clickRow(QTreeWidget* view, const QString& text, bool twice = false)
+{
+    const QList<QTreeWidgetItem*> found = view->findItems(text, Qt::MatchExactly);
+    QVERIFY2(!found.isEmpty(), qPrintable(text));
+    view->scrollToItem(found.first());
+    const QPoint at = view->visualItemRect(found.first()).center();
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
+    if (twice) {
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
+    }
+}
+
+void clickHeader(QTreeWidget* view, int column)
+{
+    QHeaderView* header = view->header();
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                      QPoint(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
+                             header->height() / 2));
+}
+
+QStringList column(const QTreeWidget* view, int index)
+{
+    QStringList texts;
+    for (int i = 0; i < view->topLevelItemCount(); ++i) {
+        texts.append(view->topLevelItem(i)->text(index));
+    }
+    return texts;
+}
 
 } // namespace
 
@@ -291,11 +328,276 @@ private slots:
         QVERIFY(full.rowsStored() > 5);
     }
 
+    // The files are shown in the order the list is read in: the catalogue's order, Latin
+    // before Cyrillic, case aside. A click on a column sorts by it as text; a click on the
+    // sorting column turns the order round.
+    void filesKeepTheListOrderAndSortByColumnClicks()
+    {
+        Lists l;
+        l.makeList("ORDER", {{"\\", "\\", "0"},
+                             {"яблоко.txt", "\\", "25,0"},
+                             {"Banana.txt", "\\", "12,0"},
+                             {"ель.txt", "\\", "0,5"},
+                             {"apple.txt", "\\", "100,0"},
+                             {"Ёлка.doc", "\\", "2,0"},
+                             {"zebra.exe", "\\", "3,5"},
+                             {"Арбуз.txt", "\\", "1 000,0"}});
+        frmFileList list(l.app.ctx, 4, "Программы", 2);
+        list.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&list));
+        auto* files = list.findChild<QTreeWidget*>("lvFiles");
+        const QStringList listOrder{"apple.txt", "Banana.txt", "zebra.exe", "Арбуз.txt",
+                                    "Ёлка.doc",  "ель.txt",    "яблоко.txt"};
+        QCOMPARE(list.fileNames(), listOrder);
+        Db db(l.app.ctx.FilesDBPath);
+        QCOMPARE(db.texts("SELECT Имя FROM Файлы WHERE ДискID = 'ORDER' AND Имя <> Путь ORDER BY Путь, Имя"),
+                 listOrder);
+
+        clickHeader(files, 0);
+        QStringList reversed = listOrder;
+        std::reverse(reversed.begin(), reversed.end());
+        QCOMPARE(list.fileNames(), reversed);
+        QCOMPARE(files->header()->sortIndicatorOrder(), Qt::DescendingOrder);
+
+        clickHeader(files, 1);
+        QCOMPARE(column(files, 1), (QStringList{"0,5", "1 000,0", "100,0", "12,0", "2,0", "25,0", "3,5"}));
+        clickHeader(files, 1);
+        QCOMPARE(column(files, 1), (QStringList{"3,5", "25,0", "2,0", "12,0", "100,0", "1 000,0", "0,5"}));
+        QCOMPARE(files->header()->sortIndicatorSection(), 1);
+
+        // A comment goes with the file it is written for, wherever the row stands.
+        clickRow(files, "Ёлка.doc");
+        list.findChild<QLineEdit*>("txtCommentFile")->setText("ёлочка");
+        list.cmdMakeChangeFile();
+        QCOMPARE(db.scalar("SELECT Комментарий FROM Файлы WHERE Имя = 'Ёлка.doc'").toString(), "ёлочка");
+    }
+
+    // A double click on a file of a disc image registered as a drive copies the file out of
+    // the image and opens the copy (FilesAction 1) or the folder that holds it.
+    void openingAFileOfADiscImage_data()
+    {
+        QTest::addColumn<QString>("filesAction");
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("file");
+        QTest::newRow("the file") << "1"
+                                  << "DOCS"
+                                  << "guide.doc";
+        QTest::newRow("its folder") << "0"
+                                    << "DOCS"
+                                    << "guide.doc";
+        QTest::newRow("Cyrillic names") << "1"
+                                        << "Музыка/Альбом"
+                                        << "трек 01.mp3";
+        QTest::newRow("in the root") << "1"
+                                     << ""
+                                     << "readme.txt";
+    }
+
+    void openingAFileOfADiscImage()
+    {
+        QFETCH(QString, filesAction);
+        QFETCH(QString, folder);
+        QFETCH(QString, file);
+        Lists l;
+        const QString iso = m_discs.iso("open.iso", {"-J", "-V", "OPEN"});
+        const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
+        addVirtualDrive(l.app.ctx.ini(), iso);
+        setChosenDrive(l.app.ctx.ini(), iso);
+        l.app.ctx.ini().write("Option", "FilesAction", filesAction);
+        ScanRequest request{iso, "PcCD", id, ScanOptions{}, 4, 1, false};
+        QVERIFY(startScan(l.app.ctx, request, {}).done);
+
+        frmFileList list(l.app.ctx, 4, "Программы", 2);
+        list.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&list));
+        if (!folder.isEmpty()) {
+            const qsizetype node = list.treeTexts().indexOf(folder);
+            QVERIFY(node >= 0);
+            list.selectFolder(int(node));
+        }
+        clickRow(list.findChild<QTreeWidget*>("lvFiles"), file, true);
+        QTRY_COMPARE_WITH_TIMEOUT(l.app.prompter.openedUrls.size(), 1, 20000);
+        const QString opened = l.app.prompter.openedUrls.first().toLocalFile();
+        const QString copy = filesAction == "1" ? opened : QDir(opened).filePath(file);
+        QCOMPARE(QFileInfo(copy).fileName(), file);
+        QVERIFY(!copy.startsWith(m_discs.path("tree")));
+        QCOMPARE(test::readFile(copy), test::readFile(m_discs.path("tree/" + folder + "/" + file)));
+        QVERIFY(l.app.prompter.texts().isEmpty());
+    }
+
+    // What cannot be copied out is told, and nothing is opened or left behind.
+    void filesThatCannotBeOpened_data()
+    {
+        QTest::addColumn<bool>("damaged");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("a file the disc does not hold")
+            << false << "GONE.TXT"
+            << "Файл 'GONE.TXT' на диске не найден. Возможно, список файлов устарел: пересоздайте его.";
+        QTest::newRow("a file past the end of the image")
+            << true << "GUIDE.DOC"
+            << "Ошибка чтения диска! Файл 'GUIDE.DOC' не удалось прочитать.";
+    }
+
+    void filesThatCannotBeOpened()
+    {
+        QFETCH(bool, damaged);
+        QFETCH(QString, file);
+        QFETCH(QString, message);
+        Lists l;
+        QByteArray image = test::readFile(m_discs.iso("plain-open.iso", {"-V", "PLAIN"}));
+        if (damaged) {
+            const qint64 docs = test::isoRecord(image, test::isoRootExtent(image), "DOCS");
+            QVERIFY(docs > 0);
+            const qint64 guide = test::isoRecord(image, test::le32At(image, docs + 2), "GUIDE.DOC");
+            QVERIFY(guide > 0);
+            test::pointIsoRecord(image, guide, 0x7FFFFF00);
+        }
+        const QString iso = m_dir.filePath(damaged ? QString("damaged-open.iso") : QString("plain-open-copy.iso"));
+        test::writeFile(iso, image);
+        const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
+        addVirtualDrive(l.app.ctx.ini(), iso);
+        setChosenDrive(l.app.ctx.ini(), iso);
+        l.app.ctx.ini().write("Option", "FilesAction", "1");
+        l.makeList(id, {{"\\", "\\", "0"}, {"\\DOCS\\", "\\DOCS\\", "0"}, {file, "\\DOCS\\", "1,0"}});
+        frmFileList list(l.app.ctx, 4, "Программы", 2);
+        list.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&list));
+        list.selectFolder(int(list.treeTexts().indexOf("DOCS")));
+        clickRow(list.findChild<QTreeWidget*>("lvFiles"), file, true);
+        QTRY_VERIFY_WITH_TIMEOUT(!l.app.prompter.texts().isEmpty(), 20000);
+        QCOMPARE(l.app.prompter.texts(), QStringList{message});
+        QVERIFY(l.app.prompter.openedUrls.isEmpty());
+    }
+
+    void copyingOutOfAVolume()
+    {
+        const QString iso = m_discs.iso("extract.iso", {"-R"});
+        const auto volume = openVolumeReader(iso);
+        QVERIFY(volume);
+        QTemporaryDir folder;
+        const auto files = [&folder] {
+            QStringList found;
+            QDirIterator it(folder.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+            while (it.hasNext()) {
+                found.append(QFileInfo(it.next()).fileName());
+            }
+            return found;
+        };
+        using Status = ExtractedFile::Status;
+        const ExtractedFile tooLarge = extractDiscFile(*volume, "DOCS/guide.doc", folder.path(), 1023999);
+        QCOMPARE(tooLarge.status, Status::TooLarge);
+        QCOMPARE(tooLarge.size, 1024000);
+        const ExtractedFile stopped =
+            extractDiscFile(*volume, "DOCS/guide.doc", folder.path(), 1 << 30, [] { return true; });
+        QCOMPARE(stopped.status, Status::Cancelled);
+        QCOMPARE(extractDiscFile(*volume, "DOCS", folder.path(), 1 << 30).status, Status::NotFound);
+        QCOMPARE(extractDiscFile(*volume, "NO/guide.doc", folder.path(), 1 << 30).status, Status::NotFound);
+        QCOMPARE(
+            extractDiscFile(*volume, "DOCS/guide.doc", folder.filePath("no/such/folder"), 1 << 30).status,
+            Status::CannotWrite);
+        QCOMPARE(files(), QStringList{});
+        // A name stored in lower case finds the file in whatever case the disc has it.
+        const ExtractedFile done = extractDiscFile(*volume, "DOCS/GUIDE.DOC", folder.path(), 1024000);
+        QCOMPARE(done.status, Status::Done);
+        QCOMPARE(done.path, folder.filePath("guide.doc"));
+        QCOMPARE(test::readFile(done.path), test::readFile(m_discs.path("tree/DOCS/guide.doc")));
+        QCOMPARE(extractDiscFile(m_dir.filePath("missing.iso"), "readme.txt", folder.path(), 1 << 30).status,
+                 Status::Unreadable);
+    }
+
+    // Each tick rules only what its own click rules: unticking the folders disables the
+    // names-only box and leaves the filter as that box left it.
+    void optionTickRules_data()
+    {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<bool>("scanDirOnlyEnabled");
+        QTest::addColumn<bool>("filterEnabled");
+        QTest::addColumn<bool>("filterOptionsEnabled");
+        QTest::addColumn<bool>("filterApplied");
+        QTest::addColumn<bool>("namesOnly");
+        QTest::newRow("as opened") << QStringList{} << true << true << false << false << false;
+        QTest::newRow("filter") << QStringList{"chFilter"} << true << true << true << true << false;
+        QTest::newRow("names only") << QStringList{"chFilter", "chScanDirOnly"} << true << false << false
+                                    << false << true;
+        QTest::newRow("names only, then no folders") << QStringList{"chFilter", "chScanDirOnly", "chScanDir"}
+                                                     << false << false << false << false << false;
+        QTest::newRow("names only, no folders, folders again")
+            << QStringList{"chFilter", "chScanDirOnly", "chScanDir", "chScanDir"} << true << false << false
+            << false << true;
+        QTest::newRow("filter, then no folders")
+            << QStringList{"chFilter", "chScanDir"} << false << true << true << true << false;
+        QTest::newRow("names only on and off") << QStringList{"chFilter", "chScanDirOnly", "chScanDirOnly"}
+                                               << true << true << true << true << false;
+    }
+
+    void optionTickRules()
+    {
+        QFETCH(QStringList, clicks);
+        QFETCH(bool, scanDirOnlyEnabled);
+        QFETCH(bool, filterEnabled);
+        QFETCH(bool, filterOptionsEnabled);
+        QFETCH(bool, filterApplied);
+        QFETCH(bool, namesOnly);
+        Lists l;
+        const QString iso = m_discs.iso("ticks.iso", {"-J"});
+        addVirtualDrive(l.app.ctx.ini(), iso);
+        setChosenDrive(l.app.ctx.ini(), iso);
+        frmFileListOption options(l.app.ctx, 4, 1);
+        for (const QString& box : clicks) {
+            options.findChild<QCheckBox*>(box)->click();
+        }
+        QCOMPARE(options.findChild<QCheckBox*>("chScanDirOnly")->isEnabled(), scanDirOnlyEnabled);
+        QCOMPARE(options.findChild<QCheckBox*>("chFilter")->isEnabled(), filterEnabled);
+        QCOMPARE(options.findChild<QRadioButton*>("optFilter0")->isEnabled(), filterOptionsEnabled);
+        QCOMPARE(options.findChild<QRadioButton*>("optFilter1")->isEnabled(), filterOptionsEnabled);
+        QCOMPARE(options.options().filter.has_value(), filterApplied);
+        QCOMPARE(options.options().scanDirOnly, namesOnly);
+    }
+
+    // A filter of more used entries than the scan holds is a fault of the loading of the
+    // filter, not of the walk.
+    void filterOfTooManyEntriesIsAFaultOfItsLoading()
+    {
+        Lists l;
+        {
+            Db files(l.app.ctx.FilesDBPath);
+            for (int i = 0; i < 43; ++i) {
+                files.exec("INSERT INTO Фильтр1 (Файл) VALUES (?)", {QString(".x%1").arg(i)});
+            }
+        }
+        const QString iso = m_discs.iso("filtered.iso", {"-J"});
+        ScanRequest request{iso, "PcCD", "F1", ScanOptions{}, 4, 1, false};
+        request.options.filter = FilterTable::Exclude;
+        QVERIFY_THROWS_EXCEPTION(ProcessEnded, startScan(l.app.ctx, request, {}));
+        const QString log = QString::fromUtf8(test::readFile(l.app.file("bugreport.log")));
+        QVERIFY2(log.contains("frmFileListCreate, FullArrayFileFiltr()"), qPrintable(log));
+        QVERIFY(!log.contains("CreateFileList"));
+    }
+
     void filterEditor()
     {
         Lists l;
         frmEditFilter editor(l.app.ctx);
+        editor.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&editor));
+        auto* view = editor.findChild<QTreeWidget*>("lvFilter");
+        QVERIFY(view);
+        QCOMPARE(view->headerItem()->text(0), "Файлы (8)");
+        QCOMPARE(editor.selectedEntry(), ".diz");
         QCOMPARE(editor.entries().size(), 8);
+
+        // A double click changes an entry, which stays the selected one.
+        l.app.prompter.answerInput(".docx");
+        clickRow(view, ".doc", true);
+        QCOMPARE(editor.selectedEntry(), ".docx");
+        QVERIFY(editor.entries().contains("[x] .docx"));
+        QCOMPARE(view->headerItem()->text(0), "Файлы (8)");
+        l.app.prompter.answer(Answer::Yes);
+        editor.cmdDelete();
+        QCOMPARE(l.app.prompter.texts().last(), "Вы действительно хотите удалить файл '.docx'?");
+        QCOMPARE(view->headerItem()->text(0), "Файлы (7)");
+        QCOMPARE(editor.selectedEntry(), ".diz");
         l.app.prompter.answerInput(".TXT");
         l.app.prompter.answer(Answer::No);
         editor.cmdAddFile();
@@ -303,11 +605,14 @@ private slots:
         l.app.prompter.answerInput(".bak");
         editor.cmdAddFile();
         QVERIFY(editor.entries().contains("[x] .bak"));
+        QCOMPARE(editor.selectedEntry(), ".bak");
+        QCOMPARE(view->headerItem()->text(0), "Файлы (8)");
         editor.setAllTicks(false);
         Db files(l.app.ctx.FilesDBPath);
         QCOMPARE(files.scalar("SELECT COUNT(*) FROM Фильтр1 WHERE Use <> 0").toInt(), 0);
         editor.chooseTable(FilterTable::Include);
         QCOMPARE(editor.entries(), (QStringList{"[x] .exe", "[x] .rar", "[x] .zip"}));
+        QCOMPARE(view->headerItem()->text(0), "Файлы (3)");
         for (int i = 0; i < 47; ++i) {
             files.exec("INSERT INTO Фильтр2 (Файл) VALUES (?)", {QString(".x%1").arg(i)});
         }
