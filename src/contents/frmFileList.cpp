@@ -396,6 +396,12 @@ void frmFileList::recreateListAsk()
 
 void frmFileList::lvFiles_DblClick()
 {
+    underFaultHandler(m_ctx, QStringLiteral("frmFileList, lvFiles_DblClick()"),
+                      [this] { openSelectedFile(); });
+}
+
+void frmFileList::openSelectedFile()
+{
     const QString name = m_lvFiles->currentItem() ? m_lvFiles->currentItem()->text(0) : QString();
     const QString drive = m_ctx.ini().read(QStringLiteral("Option"), QStringLiteral("Drive"), 4096).trimmed();
     VolumeInfo volume;
@@ -446,7 +452,11 @@ void frmFileList::openCopyOf(const QString& drive, const QString& file, bool ope
     m_copyCursor.emplace();
     m_copyName = file.section(u'/', -1);
     m_copy.setFuture(QtConcurrent::run([this, drive, file, folder, room] {
-        return extractDiscFile(drive, file, folder, room, [this] { return m_stopCopy.load(); });
+        try {
+            return extractDiscFile(drive, file, folder, room, [this] { return m_stopCopy.load(); });
+        } catch (const std::exception&) {
+            return ExtractedFile{ExtractedFile::Status::Unreadable, {}, 0}; // out of memory on a damaged disc
+        }
     }));
 }
 

@@ -57,6 +57,7 @@ private:
     QString currentFolderKey() const;
     StoredFileList storedList() const;
     void sortFiles();
+    void openSelectedFile();
     void openCopyOf(const QString& drive, const QString& file, bool openFile);
     void copied();
 
