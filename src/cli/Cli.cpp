@@ -1,5 +1,7 @@
 #include "cli/Cli.h"
 
+#include <QFileInfo>
+
 #include "store/Db.h"
 
 #include <QJsonArray>
@@ -72,6 +74,11 @@ void onDatabase(const QString& path, const std::function<void()>& work)
 
 void requireDatabase(const QString& path, const QStringList& tables)
 {
+    // The databases are made by the program itself; the tool only reads and fills them.
+    if (!QFileInfo::exists(path)) {
+        const bool folder = QFileInfo(QFileInfo(path).path()).isDir();
+        throw databaseFailure(path, AppError(folder ? err::CannotFindFile : err::InvalidPath, path));
+    }
     onDatabase(path, [&] {
         const Db db(path);
         for (const QString& table : tables) {
@@ -80,6 +87,17 @@ void requireDatabase(const QString& path, const QStringList& tables)
             }
         }
     });
+}
+
+int wholeNumber(const QString& text, const QString& what, int low, int high)
+{
+    bool ok = false;
+    const int value = text.toInt(&ok);
+    if (!ok || value < low || value > high) {
+        throw Failure{BadUsage,
+                      QStringLiteral("%1 takes a whole number from %2 to %3, not '%4'").arg(what).arg(low).arg(high).arg(text)};
+    }
+    return value;
 }
 
 void onSettings(const QString& path, const std::function<void()>& work)

@@ -58,6 +58,7 @@ struct Verb
 
 QList<Verb> driveVerbs();
 QList<Verb> scanVerbs();
+QList<Verb> loanVerbs();
 
 // Every verb in the order `help` lists them.
 const QList<Verb>& verbs();
@@ -72,6 +73,9 @@ void onDatabase(const QString& path, const std::function<void()>& work);
 // Opens the database at `path` for writing and checks that it holds `tables`; nothing is
 // made when the file is missing.
 void requireDatabase(const QString& path, const QStringList& tables);
+// The whole number `text` from `low` to `high`, or a usage failure naming `what` (an option
+// "--number" or an argument "NUMBER").
+int wholeNumber(const QString& text, const QString& what, int low, int high);
 // Runs `work` that writes the settings file at `path`; a failed write ends the verb.
 void onSettings(const QString& path, const std::function<void()>& work);
 

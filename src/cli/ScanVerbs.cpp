@@ -48,17 +48,7 @@ const QCommandLineOption kJson(QStringLiteral("json"), QStringLiteral("Print one
 // A whole number from `low` to `high` given to `option`.
 int numberOption(const QCommandLineParser& parser, const QCommandLineOption& option, int low, int high)
 {
-    const QString text = parser.value(option);
-    bool ok = false;
-    const int value = text.toInt(&ok);
-    if (!ok || value < low || value > high) {
-        throw Failure{BadUsage, QStringLiteral("--%1 takes a whole number from %2 to %3, not '%4'")
-                                    .arg(option.names().constFirst())
-                                    .arg(low)
-                                    .arg(high)
-                                    .arg(text)};
-    }
-    return value;
+    return wholeNumber(parser.value(option), QStringLiteral("--") + option.names().constFirst(), low, high);
 }
 
 ScanRequest requestOf(const QCommandLineParser& parser)
@@ -96,19 +86,12 @@ int scan(AppContext& ctx, const QCommandLineParser& parser)
     ScanRequest request = requestOf(parser);
     const bool newId = parser.isSet(kNewId);
     ctx.resolveDatabasePaths();
-    // The databases are made by the program itself; a scan only fills them.
-    for (const QString& path : {ctx.MainDBPath, ctx.FilesDBPath}) {
-        if (!QFileInfo::exists(path)) {
-            const bool folder = QFileInfo(QFileInfo(path).path()).isDir();
-            throw databaseFailure(path, AppError(folder ? err::CannotFindFile : err::InvalidPath, path));
-        }
-    }
+    requireDatabase(ctx.MainDBPath, {QStringLiteral("Компьютер")});
+    requireDatabase(ctx.FilesDBPath, {QStringLiteral("Списки"), QStringLiteral("Файлы")});
     // Held to the end: the window's maintenance waits for us, and we wait for it.
     const DatabaseLock lock = DatabaseLock::acquire(ctx.MainDBPath, DatabaseLock::Mode::Shared, [] {
         tell(QStringLiteral("waiting for the program to finish maintenance of the databases..."));
     });
-    requireDatabase(ctx.MainDBPath, {QStringLiteral("Компьютер")});
-    requireDatabase(ctx.FilesDBPath, {QStringLiteral("Списки"), QStringLiteral("Файлы")});
     onDatabase(ctx.MainDBPath, [&] {
         const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
         if (db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер WHERE Номер = ?"), {request.number})

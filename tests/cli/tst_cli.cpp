@@ -308,6 +308,18 @@ private slots:
                                                      "--filter-include"}
                                       << "--filter-exclude and --filter-include exclude each other";
         QTest::newRow("help of no verb") << QStringList{"help", "frobnicate"} << "help: no verb 'frobnicate'";
+        QTest::newRow("lend to no category") << QStringList{"lend", "CD", "3", "Анна"}
+                                             << "CATEGORY is AD, PC or DVD, not 'CD'";
+        QTest::newRow("lend no number") << QStringList{"lend", "PC", "три", "Анна"}
+                                        << "NUMBER takes a whole number from 1 to 32767, not 'три'";
+        QTest::newRow("lend to nobody") << QStringList{"lend", "PC", "3", " "} << "NAME takes 1 to 50 characters";
+        QTest::newRow("lend to a long name") << QStringList{"lend", "PC", "3", QString(51, u'я')}
+                                             << "NAME takes 1 to 50 characters";
+        QTest::newRow("lend until yesterday")
+            << QStringList{"lend", "PC", "3", "Анна", "--until", QDate::currentDate().addDays(-1).toString(Qt::ISODate)}
+            << "--until takes a day from today on";
+        QTest::newRow("lend until no day") << QStringList{"lend", "PC", "3", "Анна", "--until", "2026-02-30"}
+                                           << "--until takes a day from today on, as YYYY-MM-DD, not '2026-02-30'";
     }
 
     void usageErrors()
@@ -337,7 +349,8 @@ private slots:
         QCOMPARE(home.cli({"-h"}).out, help.out);
         QVERIFY(help.out.startsWith("Usage: vinora-cli VERB [options] [arguments]\n"));
         const QStringList lines = help.out.split('\n');
-        const QStringList verbs = {"drives", "add-image", "remove-image", "identify", "toc", "scan"};
+        const QStringList verbs = {"drives", "add-image", "remove-image", "identify", "toc",
+                                   "scan",   "loans",     "lend",         "return"};
         QStringList listed;
         for (const QString& line : lines) {
             const QString word = line.section(' ', 2, 2);
@@ -387,6 +400,15 @@ private slots:
                    "--number <N>", "--disc <K>", "--files-in-root", "--folders",        "--folders-only",
                    "--lower-case", "--hidden",   "--mp3",           "--filter-exclude", "--filter-include",
                    "--bind",       "--new-id",   "--json"};
+        QTest::newRow("loans") << "loans"
+                               << "Usage: vinora-cli loans [options]\n"
+                               << QStringList{"--json", "days overdue"};
+        QTest::newRow("lend") << "lend"
+                              << "Usage: vinora-cli lend [options] CATEGORY NUMBER NAME\n"
+                              << QStringList{"--until <YYYY-MM-DD>", "CATEGORY", "NAME"};
+        QTest::newRow("return") << "return"
+                                << "Usage: vinora-cli return CATEGORY NUMBER\n"
+                                << QStringList{"NUMBER"};
     }
 
     void helpOfEachVerb()
@@ -462,6 +484,49 @@ private slots:
     }
 
     // A scan never makes the databases: the program does that when it starts.
+    void lendingThroughTheTool()
+    {
+        Home home;
+        home.makeDatabases();
+        {
+            Db db(home.mainDb());
+            db.exec("INSERT INTO Аудио (Номер, Название, Альбом, Дисков, КодСтиля) VALUES (12, 'Кино', "
+                    "'Группа крови', 1, 1)");
+        }
+        const QString today = QDate::currentDate().toString(Qt::ISODate);
+        const QString until = QDate::currentDate().addDays(3).toString(Qt::ISODate);
+        const QString name = "O'Brien \"Бес\" [1]";
+        QCOMPARE(home.cli({"lend", "ad", "12", name, "--until", until}).code, 0);
+        const Run again = home.cli({"lend", "AD", "12", "Анна"});
+        QCOMPARE(again.code, 1);
+        QCOMPARE(again.err, "vinora-cli: Диск № 12 уже находится у должника.\n");
+        const Run missing = home.cli({"lend", "DVD", "12", "Анна"});
+        QCOMPARE(missing.code, 1);
+        QCOMPARE(missing.err, "vinora-cli: Диск № 12 отсутствует в каталоге.\n");
+        QCOMPARE(home.cli({"lend", "PC", "3", "Анна"}).code, 0); // without term
+
+        Run listed = home.cli({"loans"});
+        QCOMPARE(listed.code, 0);
+        QCOMPARE(listed.out, "AD\t12\tКино - Группа крови\t" + name + "\t" + today + "\t" + until + "\t0\n" +
+                                 "PC\t3\tДиск\tАнна\t" + today + "\t-\t0\n");
+        listed = home.cli({"loans", "--json"});
+        const QJsonArray records = QJsonDocument::fromJson(listed.out.toUtf8()).array();
+        QCOMPARE(records.size(), 2);
+        QCOMPARE(records.at(0).toObject().value("borrower").toString(), name);
+        QVERIFY(records.at(1).toObject().value("due").isNull());
+
+        QCOMPARE(home.cli({"return", "AD", "12"}).code, 0);
+        const Run notOut = home.cli({"return", "AD", "12"});
+        QCOMPARE(notOut.code, 1);
+        QCOMPARE(notOut.err, "vinora-cli: Диск № 12 не одалживался!\n");
+        QCOMPARE(home.cli({"loans"}).out, "PC\t3\tДиск\tАнна\t" + today + "\t-\t0\n");
+        Db db(home.mainDb());
+        QCOMPARE(db.scalar("SELECT Должник FROM Аудио").toInt(), 0);
+        QCOMPARE(db.scalar("SELECT ДатаВозвратаРеальная FROM Должники WHERE КодДиска = 1 AND Категория = 'AD'")
+                     .toString(),
+                 today);
+    }
+
     void scanWithoutDatabasesMakesNone()
     {
         Home home;
