@@ -109,10 +109,10 @@ std::optional<LoanDisc> loanDiscByKey(const Db& db, Category category, qint64 ke
 
 std::optional<qint64> findBorrower(const Db& db, const QString& name)
 {
-    // Names are matched exactly, letter case included: a new spelling is a new borrower.
-    QSqlQuery row = db.query(
-        QStringLiteral("SELECT КодИмени FROM ИменаДолжников WHERE Имя = ? COLLATE BINARY ORDER BY КодИмени LIMIT 1"),
-        {name});
+    // Names compare as the catalogue compares text, letter case aside; any other spelling
+    // is another borrower.
+    QSqlQuery row =
+        db.query(QStringLiteral("SELECT КодИмени FROM ИменаДолжников WHERE Имя = ? ORDER BY КодИмени LIMIT 1"), {name});
     return row.next() ? std::optional<qint64>(row.value(0).toLongLong()) : std::nullopt;
 }
 

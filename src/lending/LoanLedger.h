@@ -34,9 +34,10 @@ std::optional<LoanDisc> findLoanDisc(const Db& db, Category category, int number
 // The disc of that record key, or nothing when it has been deleted.
 std::optional<LoanDisc> loanDiscByKey(const Db& db, Category category, qint64 key);
 
-// The key of the borrower of exactly that name; a new name is added with the phone "нет".
+// The key of the borrower of that name (letter case aside); a new name is added with the
+// phone "нет".
 qint64 borrowerFor(const Db& db, const QString& name);
-// The key of the borrower of exactly that name, or nothing.
+// The key of the borrower of that name (letter case aside), or nothing.
 std::optional<qint64> findBorrower(const Db& db, const QString& name);
 
 // The ledger's commands. Each is one transaction and keeps the rule that a disc is marked

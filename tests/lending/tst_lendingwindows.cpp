@@ -1,6 +1,8 @@
 #include "lending/LoanFlows.h"
 #include "lending/LoanLedger.h"
 #include "lending/frmAddInDue.h"
+#include "lending/frmDiskHistory.h"
+#include "lending/frmEditDue.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
 #include "support/ScriptedPrompter.h"
@@ -11,6 +13,8 @@
 #include <QDateEdit>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTableWidget>
+#include <QTreeWidget>
 
 using namespace vinora;
 
@@ -194,6 +198,140 @@ private slots:
         dialog.cmdAdd();
         QCOMPARE(shelf.scalar("SELECT ДатаВозврата FROM Должники").toString(), "2026-12-24");
         QCOMPARE(shelf.scalar("SELECT COUNT(*) FROM ИменаДолжников").toInt(), 4);
+    }
+
+    void borrowerNames_data()
+    {
+        QTest::addColumn<QList<std::optional<QString>>>("typed"); // the names typed, in turn
+        QTest::addColumn<QList<Answer>>("answers");                // to "уже существует. Ввести другое?"
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<QStringList>("messages");
+        const QString fifty(50, u'ж');
+        QTest::newRow("new name") << QList<std::optional<QString>>{"Вера"} << QList<Answer>{}
+                                  << QStringList{"Анна", "Антон", "Борис", "Вера", "Пётр"} << QStringList{};
+        QTest::newRow("50 characters") << QList<std::optional<QString>>{fifty} << QList<Answer>{}
+                                       << QStringList{"Анна", "Антон", "Борис", fifty, "Пётр"} << QStringList{};
+        QTest::newRow("51 characters, then cancelled")
+            << QList<std::optional<QString>>{fifty + "ж", std::nullopt} << QList<Answer>{}
+            << QStringList{"Анна", "Антон", "Борис", "Пётр"}
+            << QStringList{"Имя должника не должно быть длинее 50 символов!"};
+        QTest::newRow("taken, another typed")
+            << QList<std::optional<QString>>{"борис", "Глеб"} << QList<Answer>{Answer::Yes}
+            << QStringList{"Анна", "Антон", "Борис", "Глеб", "Пётр"}
+            << QStringList{"Должник с именем 'борис' уже существует. Ввести другое?"};
+        QTest::newRow("taken, given up") << QList<std::optional<QString>>{"Анна"} << QList<Answer>{Answer::No}
+                                         << QStringList{"Анна", "Антон", "Борис", "Пётр"}
+                                         << QStringList{"Должник с именем 'Анна' уже существует. Ввести другое?"};
+    }
+
+    void borrowerNames()
+    {
+        QFETCH(QList<std::optional<QString>>, typed);
+        QFETCH(QList<Answer>, answers);
+        QFETCH(QStringList, names);
+        QFETCH(QStringList, messages);
+        Shelf shelf;
+        for (const std::optional<QString>& name : typed) {
+            shelf.app.prompter.answerInput(name);
+        }
+        for (const Answer answer : answers) {
+            shelf.app.prompter.answer(answer);
+        }
+        frmEditDue dialog(shelf.app.ctx);
+        dialog.cmdAddName();
+        QStringList shown = shelf.app.prompter.texts();
+        QCOMPARE(shown.removeAll("Введите имя должника:"), typed.size()); // asked once per name typed
+        QCOMPARE(shown, messages);
+        Db db(shelf.app.ctx.MainDBPath);
+        QCOMPARE(db.texts("SELECT Имя FROM ИменаДолжников ORDER BY Имя"), names);
+        if (names.size() == 5) {
+            QCOMPARE(dialog.current()->name, typed.last().value()); // the new row is the current one
+        }
+    }
+
+    void deletingABorrower()
+    {
+        Shelf shelf;
+        {
+            Db db(shelf.app.ctx.MainDBPath);
+            lendDisc(db, shelf.disc(), "Пётр", std::nullopt, QDate(2026, 11, 1));
+            db.exec("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, Долг) VALUES (3, 5, 'PC', 0)");
+        }
+        frmEditDue dialog(shelf.app.ctx);
+        auto* grid = dialog.findChild<QTableWidget*>("DBGrid");
+        grid->setCurrentCell(3, 0); // Пётр, the last row, with a disc out
+        shelf.app.prompter.answer(Answer::Yes);
+        dialog.cmdDelete();
+        QCOMPARE(shelf.app.prompter.texts().last(),
+                 "Должник 'Пётр' не может быть удален, т.к. за ним числится один или более долгов.");
+        QCOMPARE(grid->rowCount(), 4);
+
+        grid->setCurrentCell(2, 0); // Борис: a returned loan, which goes with him
+        shelf.app.prompter.answer(Answer::Yes);
+        dialog.cmdDelete();
+        QCOMPARE(shelf.app.prompter.texts().last(),
+                 "Вы действительно хотите удалить должника 'Борис'?\nСтатистическая информация будет также удалена.");
+        QCOMPARE(shelf.scalar("SELECT COUNT(*) FROM Должники WHERE КодИмяДолжника = 3").toInt(), 0);
+        QCOMPARE(dialog.current()->name, "Пётр"); // the next row
+        {
+            Db db(shelf.app.ctx.MainDBPath);
+            returnDisc(db, Category::Audio, shelf.disc().key, QDate(2026, 11, 20));
+        }
+        shelf.app.prompter.answer(Answer::Yes);
+        dialog.cmdDelete();
+        QCOMPARE(dialog.current()->name, "Антон"); // the last row gone: the new last one
+    }
+
+    void phoneOfABorrower()
+    {
+        Shelf shelf;
+        frmEditDue dialog(shelf.app.ctx);
+        dialog.show();
+        auto* phone = dialog.findChild<QLineEdit*>("txtTelephone");
+        QCOMPARE(phone->text(), "нет");
+        phone->setFocus();
+        QTRY_VERIFY(phone->hasFocus());
+        QCOMPARE(phone->text(), ""); // "нет" steps aside for typing
+        type(phone, "+7 (812) 555-01-02-99");
+        QCOMPARE(phone->text(), "+7 (812) 555-01"); // 15 characters, as stored
+        QTest::keyClick(phone, Qt::Key_Return);
+        QCOMPARE(shelf.app.prompter.texts().value(0), "Телефон должника 'Анна' был успешно изменен.");
+        QCOMPARE(shelf.scalar("SELECT Телефон FROM ИменаДолжников WHERE Имя = 'Анна'").toString(), "+7 (812) 555-01");
+    }
+
+    void historyOfADisc()
+    {
+        Shelf shelf;
+        {
+            Db db(shelf.app.ctx.MainDBPath);
+            lendDisc(db, shelf.disc(), "Анна", std::nullopt, QDate(2026, 10, 1));
+            returnDisc(db, Category::Audio, shelf.disc().key, QDate(2026, 10, 15));
+            lendDisc(db, shelf.disc(), "Борис", std::nullopt, QDate(2026, 11, 2));
+            db.exec("INSERT INTO DVD (Номер, Название, Дисков, КодЖанр) VALUES (12, 'Фильм', 1, 1)");
+        }
+        frmDiskHistory dialog(shelf.app.ctx, [](Category, PickMode) { return 0; });
+        dialog.show();
+        auto* number = dialog.findChild<QLineEdit*>("txtNumber");
+        QTest::keyClick(number, Qt::Key_Return);
+        QCOMPARE(shelf.app.prompter.texts().value(0), "Введите номер диска!");
+        type(number, "12");
+        QTest::keyClick(number, Qt::Key_Return);
+        QCOMPARE(dialog.findChild<QLabel*>("lblHistory")->text(), "История диска № 12:");
+        auto* list = dialog.findChild<QTreeWidget*>("lvHistory");
+        QCOMPARE(list->topLevelItemCount(), 2);
+        QCOMPARE(list->topLevelItem(0)->text(0), "Анна");
+        QCOMPARE(list->topLevelItem(0)->text(2), "15.10.2026");
+        QCOMPARE(list->topLevelItem(1)->text(1), "02.11.2026");
+        QCOMPARE(list->topLevelItem(1)->text(2), "нет"); // still out
+
+        dialog.findChild<QWidget*>("optCategory2")->setProperty("checked", true);
+        dialog.cmdShow();
+        QVERIFY(dialog.findChild<QLabel*>("txtNoHistory")->isVisible());
+        QCOMPARE(dialog.findChild<QLabel*>("txtNoHistory")->text(), "Диск № 12 не одалживался!");
+
+        dialog.findChild<QWidget*>("optCategory1")->setProperty("checked", true);
+        dialog.cmdShow();
+        QCOMPARE(shelf.app.prompter.texts().last(), "Диск № 12 отсутствует в каталоге.");
     }
 };
 
