@@ -3,6 +3,7 @@
 #include "catalogue/DictionaryTable.h"
 #include "catalogue/Numbering.h"
 #include "frame/AppContext.h"
+#include "frame/FaultLog.h"
 #include "frame/TextRules.h"
 #include "recognition/Toc.h"
 #include "store/ContentsLists.h"
@@ -40,6 +41,26 @@ QString listField(const CatalogueKind& kind, int k)
     return QStringLiteral("ДискID%1").arg(k);
 }
 
+// Cuts texts to the sizes of their columns and keeps numbers within theirs; the editor's
+// fields hold no more than that already.
+void fitToColumns(DiscRecord& disc)
+{
+    disc.name = CleanText(disc.name).left(kTitleLength);
+    disc.album = CleanText(disc.album).left(kTitleLength);
+    disc.dictionaryName = CleanText(disc.dictionaryName).left(kDictionaryNameLength);
+    disc.year = disc.year.left(kYearLength);
+    disc.description = disc.description.left(kDescriptionLength);
+    for (QString& tracks : disc.tracks) {
+        tracks = tracks.left(2);
+    }
+    for (QString& time : disc.times) {
+        time = time.left(5);
+    }
+    if (!disc.dvdTime.isEmpty()) {
+        disc.dvdTime = QString::number(std::clamp(disc.dvdTime.toInt(), 0, kDvdTimeMaximum));
+    }
+}
+
 } // namespace
 
 QString spinYear(const QString& text, bool up)
@@ -60,6 +81,12 @@ QString spinTracks(const QString& text, bool up)
         return twoDigits(text < QStringLiteral("99") ? value + 1 : value);
     }
     return twoDigits(text == u"00" ? value : std::max(0, value - 1));
+}
+
+QString spinMinutes(const QString& text, bool up)
+{
+    const int value = std::clamp(text.toInt(), 0, kDvdTimeMaximum);
+    return QString::number(up ? std::min(kDvdTimeMaximum, value + 1) : std::max(0, value - 1));
 }
 
 QString spinDiscs(const QString& text, bool up)
@@ -156,20 +183,25 @@ DiscRecord readDisc(const Db& db, const CatalogueKind& kind, int number)
 bool saveDisc(AppContext& ctx, const CatalogueKind& kind, DiscRecord& disc, bool adding, int oldDiscCount,
               const ReductionQuestion& askReduction)
 {
-    disc.name = CleanText(disc.name);
-    disc.album = CleanText(disc.album);
-    disc.dictionaryName = CleanText(disc.dictionaryName);
+    fitToColumns(disc);
     const QString table = quoted(kind.info().table);
     qint64 dictionaryKey = 0;
     {
         Db db(ctx.MainDBPath);
         dictionaryKey = dictionaryKeyOf(db, kind, disc.dictionaryName);
     }
-    if (ctx.ShiftStart > 0) {
-        MoveNumbers(ctx, kind.category, ctx.ShiftStart);
-    }
+    // A pending shift of numbers and the disc's row are written in one transaction, so that
+    // numbers never move for a disc that was not saved.
     Db db(ctx.MainDBPath);
     Transaction transaction(db);
+    const int shiftStart = ctx.ShiftStart;
+    int rowCount = 0;
+    if (shiftStart > 0) {
+        underFaultHandler(ctx, QStringLiteral("vinoraModule, MoveNumbers()"), [&] {
+            ctx.ShiftStart = 0;
+            rowCount = shiftNumbers(db, kind, shiftStart);
+        });
+    }
     QVariant key;
     if (adding) {
         db.exec(QStringLiteral("INSERT INTO ") + table + QStringLiteral(" (Номер, ") +
@@ -205,6 +237,7 @@ bool saveDisc(AppContext& ctx, const CatalogueKind& kind, DiscRecord& disc, bool
                 if (!askReduction(QStringLiteral("Вы изменили общее число дисков c ") +
                                   QString::number(oldDiscCount) + QStringLiteral(" на ") +
                                   QString::number(disc.discs) + tail)) {
+                    ctx.ShiftStart = static_cast<qint16>(shiftStart); // nothing moved: still pending
                     return false;
                 }
                 Db contents(*kind.contents == ContentsKind::Tracks ? ctx.TracksDBPath : ctx.FilesDBPath);
@@ -264,6 +297,9 @@ bool saveDisc(AppContext& ctx, const CatalogueKind& kind, DiscRecord& disc, bool
             values);
     StampCatalogueUpdate(db, kind.category, ctx.clock().today());
     transaction.commit();
+    if (shiftStart > 0) {
+        shiftCovers(ctx, shiftStart, rowCount);
+    }
     if (kind.category != Category::Audio) {
         ctx.AutoDetectTag.clear();
     }

@@ -31,11 +31,19 @@ struct DiscRecord
     QString soundFormats;   // codes of ФорматЗвука, each with a comma behind
 };
 
+// The sizes of the fields as the catalogue's tables hold them.
+inline constexpr int kTitleLength = 60;          // Название, Альбом
+inline constexpr int kYearLength = 5;            // Год
+inline constexpr int kDescriptionLength = 255;   // РасОписание, Описание
+inline constexpr int kDictionaryNameLength = 50; // Стиль, Описание, Жанр
+inline constexpr int kDvdTimeMaximum = 32767;    // Время of a DVD, a 16-bit number of minutes
+
 // The spinners of the editor, on the texts of their fields.
-QString spinYear(const QString& text, bool up);   // "0000" .. "9999"
-QString spinTracks(const QString& text, bool up); // "00" .. "99"
-QString spinDiscs(const QString& text, bool up);  // 1 .. 6
-QString spinTime(const QString& text, bool up);   // "mm:ss", seconds counted to 99
+QString spinYear(const QString& text, bool up);    // "0000" .. "9999"
+QString spinTracks(const QString& text, bool up);  // "00" .. "99"
+QString spinDiscs(const QString& text, bool up);   // 1 .. 6
+QString spinTime(const QString& text, bool up);    // "mm:ss", seconds counted to 99
+QString spinMinutes(const QString& text, bool up); // a DVD's minutes, 0 .. kDvdTimeMaximum
 // The disc count as the field keeps it: 1 to 6, anything else "1".
 int discCount(const QString& text);
 
@@ -51,8 +59,10 @@ using ReductionQuestion = std::function<bool(const QString& text)>;
 
 // Saves the record: the dictionary name is found or added, a pending shift of numbers
 // runs (ShiftStart), the row is added (with the binding of AutoDetectTag) or changed
-// (`oldDiscCount` discs before), the catalogue's change is stamped. False when the user
-// declined the reduction; nothing but a new dictionary name was saved then.
+// (`oldDiscCount` discs before), the catalogue's change is stamped. The shift and the row
+// are one transaction: when the row cannot be written, no number has moved. False when
+// the user declined the reduction; nothing but a new dictionary name was saved then, and
+// a pending shift is still pending.
 bool saveDisc(AppContext& ctx, const CatalogueKind& kind, DiscRecord& disc, bool adding, int oldDiscCount,
               const ReductionQuestion& askReduction);
 

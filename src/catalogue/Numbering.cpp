@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <filesystem>
 
 namespace vinora {
 namespace {
@@ -17,11 +18,14 @@ QString renumberedCover(const AppContext& ctx, int number)
     return QDir(ctx.appFile(QStringLiteral("box"))).filePath(QStringLiteral("dvd_%1.box").arg(number));
 }
 
-void moveFile(const QString& from, const QString& to)
+// Renames a cover, replacing a file of the new name; false, with the cover where it was,
+// when that cannot be done.
+bool moveFile(const QString& from, const QString& to)
 {
-    QFile::remove(to);
-    QFile::copy(from, to);
-    QFile::remove(from);
+    std::error_code error;
+    std::filesystem::rename(std::filesystem::path(QFile::encodeName(from).toStdString()),
+                            std::filesystem::path(QFile::encodeName(to).toStdString()), error);
+    return !error;
 }
 
 // Renumbers the first row (in key order) of number `from`.
@@ -48,7 +52,7 @@ int firstFreeNumber(const Db& db, const CatalogueKind& kind)
     return candidate;
 }
 
-std::optional<QString> discTitle(const Db& db, const CatalogueKind& kind, int number)
+std::optional<QString> discTitle(const Db& db, const CatalogueKind& kind, int number, bool albumAlways)
 {
     const QString album = kind.hasAlbum ? QStringLiteral("Альбом") : QStringLiteral("NULL");
     QSqlQuery row = db.query(QStringLiteral("SELECT Название, ") + album + QStringLiteral(" FROM ") +
@@ -59,7 +63,7 @@ std::optional<QString> discTitle(const Db& db, const CatalogueKind& kind, int nu
         return std::nullopt;
     }
     QString title = row.value(0).toString();
-    if (!row.value(1).toString().isEmpty()) {
+    if (kind.hasAlbum && (albumAlways || !row.value(1).toString().isEmpty())) {
         title += QStringLiteral(" - ") + row.value(1).toString();
     }
     return title;
@@ -73,21 +77,31 @@ void MoveNumbers(AppContext& ctx, Category category, qint16& start)
     underFaultHandler(ctx, QStringLiteral("vinoraModule, MoveNumbers()"), [&] {
         Db db(ctx.MainDBPath);
         Transaction transaction(db);
-        // From the top down, so that no two rows share a number on the way.
-        db.exec(QStringLiteral("UPDATE ") + quoted(kind.info().table) +
-                    QStringLiteral(" SET Номер = -Номер - 1 WHERE Номер >= ?"),
-                {from});
-        db.exec(QStringLiteral("UPDATE ") + quoted(kind.info().table) +
-                QStringLiteral(" SET Номер = -Номер WHERE Номер < 0"));
-        const int count =
-            db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(kind.info().table)).toInt();
+        const int count = shiftNumbers(db, kind, from);
         transaction.commit();
-        for (int i = count; i >= from && i >= 0; --i) {
-            if (QFile::exists(renumberedCover(ctx, i))) {
-                moveFile(renumberedCover(ctx, i), renumberedCover(ctx, i + 1));
-            }
-        }
+        shiftCovers(ctx, from, count);
     });
+}
+
+int shiftNumbers(const Db& db, const CatalogueKind& kind, int start)
+{
+    // Through negative numbers, so that no two rows share a number on the way.
+    db.exec(QStringLiteral("UPDATE ") + quoted(kind.info().table) +
+                QStringLiteral(" SET Номер = -Номер - 1 WHERE Номер >= ?"),
+            {start});
+    db.exec(QStringLiteral("UPDATE ") + quoted(kind.info().table) +
+            QStringLiteral(" SET Номер = -Номер WHERE Номер < 0"));
+    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(kind.info().table)).toInt();
+}
+
+void shiftCovers(const AppContext& ctx, int start, int rowCount)
+{
+    // From the top down, so that no cover lands on its neighbour.
+    for (int i = rowCount; i >= start && i >= 0; --i) {
+        if (QFile::exists(renumberedCover(ctx, i))) {
+            moveFile(renumberedCover(ctx, i), renumberedCover(ctx, i + 1));
+        }
+    }
 }
 
 void moveNumber(AppContext& ctx, const CatalogueKind& kind, int from, int to)
@@ -115,9 +129,18 @@ void swapNumbers(AppContext& ctx, const CatalogueKind& kind, int a, int b)
     const bool hasA = QFile::exists(coverA);
     const bool hasB = QFile::exists(coverB);
     if (hasA && hasB) {
-        moveFile(coverA, temporary);
-        moveFile(coverB, coverA);
-        moveFile(temporary, coverB);
+        // A step that fails takes the steps before it back, so each picture keeps a name.
+        if (!moveFile(coverA, temporary)) {
+            return;
+        }
+        if (!moveFile(coverB, coverA)) {
+            moveFile(temporary, coverA);
+            return;
+        }
+        if (!moveFile(temporary, coverB)) {
+            moveFile(coverA, coverB);
+            moveFile(temporary, coverA);
+        }
     } else if (hasA) {
         moveFile(coverA, coverB);
     } else if (hasB) {

@@ -7,6 +7,7 @@
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
+#include <QDir>
 #include <QLineEdit>
 #include <QRadioButton>
 
@@ -138,6 +139,42 @@ private slots:
         dialog.cmdOK();
         QCOMPARE(n.app.prompter.shown.last().text,
                  "Поменять местами диск № 7:\n'" + title + "' и № 7:\n'" + title + "'?");
+    }
+
+    void coverThatCannotMoveStays_data()
+    {
+        QTest::addColumn<QString>("renumbering");
+        QTest::addColumn<QString>("blocked"); // a folder standing where the cover would go
+        QTest::newRow("move") << "move"
+                              << "dvd_9";
+        QTest::newRow("shift") << "shift"
+                               << "dvd_6";
+        QTest::newRow("swap") << "swap"
+                              << "dvd_0";
+    }
+
+    void coverThatCannotMoveStays()
+    {
+        QFETCH(QString, renumbering);
+        QFETCH(QString, blocked);
+        Numbers n;
+        for (int number = 1; number <= 5; ++number) {
+            n.add(Category::Dvd, number, QStringLiteral("Диск %1").arg(number));
+        }
+        test::writeFile(n.cover("dvd_5"), "five");
+        test::writeFile(n.cover("dvd_2"), "two");
+        QVERIFY(QDir().mkpath(n.cover(blocked)));
+        const CatalogueKind& kind = catalogueKind(Category::Dvd);
+        if (renumbering == "move") {
+            moveNumber(n.app.ctx, kind, 5, 9);
+        } else if (renumbering == "shift") {
+            qint16 start = 5;
+            MoveNumbers(n.app.ctx, Category::Dvd, start);
+        } else {
+            swapNumbers(n.app.ctx, kind, 5, 2);
+        }
+        QCOMPARE(test::readFile(n.cover("dvd_5")), QByteArray("five"));
+        QCOMPARE(test::readFile(n.cover("dvd_2")), QByteArray("two"));
     }
 
     void refusals()
