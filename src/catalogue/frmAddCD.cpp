@@ -1,6 +1,8 @@
 #include "catalogue/frmAddCD.h"
 
+#include "catalogue/EnterKey.h"
 #include "catalogue/Numbering.h"
+#include "catalogue/TitleWidth.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
@@ -82,7 +84,7 @@ frmAddCD::frmAddCD(AppContext& ctx, Category category, QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &frmAddCD::cmdOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(search, &QPushButton::clicked, this, &frmAddCD::cmdSearch);
-    connect(m_txtNumber, &QLineEdit::returnPressed, this, &frmAddCD::cmdOK);
+    onEnter(m_txtNumber, [this] { cmdOK(); });
 
     const QStringList drives = GetCDDrives(m_ctx.ini());
     for (const QString& drive : drives) {
@@ -95,6 +97,7 @@ frmAddCD::frmAddCD(AppContext& ctx, Category category, QWidget* parent)
         m_cmbDrive->setCurrentIndex(static_cast<int>(drives.indexOf(chosenDrive(m_ctx.ini(), drives))));
     }
     connect(m_cmbDrive, &QComboBox::activated, this, &frmAddCD::UpdateDriveInfo);
+    keepTitleVisible(this);
 }
 
 QString frmAddCD::drive() const
@@ -207,7 +210,7 @@ void frmAddCD::cmdOK()
         std::optional<QString> title;
         {
             const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-            title = discTitle(db, catalogueKind(m_category), number);
+            title = discTitle(db, catalogueKind(m_category), number, true);
         }
         if (title &&
             m_ctx.prompter().message(
@@ -251,7 +254,10 @@ bool runAddDisc(AppContext& ctx, Category category, QWidget* parent)
     ctx.DialogDone = false;
     frmAddInCatalogue editor(ctx, category, frmAddInCatalogue::Mode::Add, number, parent);
     ctx.prompter().showModal(editor);
-    ctx.CatalogueQueryFilter.clear();
+    if (category != Category::Audio) {
+        // The computer and DVD paths end so; the audio path leaves the catalogue's filter be.
+        ctx.CatalogueQueryFilter.clear();
+    }
     const bool added = ctx.DialogDone;
     ctx.DialogDone = false;
     return added;

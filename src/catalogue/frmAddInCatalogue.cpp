@@ -1,7 +1,9 @@
 #include "catalogue/frmAddInCatalogue.h"
 
 #include "catalogue/DictionaryTable.h"
+#include "catalogue/EnterKey.h"
 #include "catalogue/SoundFormats.h"
+#include "catalogue/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
@@ -17,6 +19,7 @@
 #include <QDate>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -25,6 +28,7 @@
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <QValidator>
 
 namespace vinora {
 namespace {
@@ -36,6 +40,23 @@ const char* const kChangeCaptions[] = {"Изменение информации 
                                        "Изменение информации DVD диска"};
 const char* const kFormNames[] = {"frmAddInCatalogueAudio", "frmAddInCataloguePC", "frmAddInCatalogueDVD"};
 const char* const kDictionaryFields[] = {"txtStyle", "txtDescription", "txtGenre"};
+
+// The minutes of a DVD: digits up to what the table's 16-bit field holds. A key that would
+// go beyond is refused, as a text field refuses a character beyond its length.
+class MinutesValidator : public QValidator
+{
+public:
+    using QValidator::QValidator;
+    State validate(QString& input, int&) const override
+    {
+        if (input.isEmpty()) {
+            return Intermediate;
+        }
+        bool number = false;
+        const int value = input.toInt(&number);
+        return number && value >= 0 && value <= kDvdTimeMaximum ? Acceptable : Invalid;
+    }
+};
 
 QCompleter* inlineCompleter(const QStringList& words, QObject* parent)
 {
@@ -81,39 +102,54 @@ frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mo
     m_lblNumber = new QLabel(QString::number(number), this);
     m_lblNumber->setObjectName(QStringLiteral("lblNumber"));
     form->addRow(QStringLiteral("Номер:"), m_lblNumber);
-    m_txtName = newLine(QStringLiteral("txtName"));
+    // The fields are made in the order Enter walks through them, which is also the order of Tab.
+    m_txtName = newLine(QStringLiteral("txtName"), kTitleLength);
     form->addRow(m_kind.nameCaption + u':', m_txtName);
     if (m_kind.hasAlbum) {
-        m_txtAlbum = newLine(QStringLiteral("txtAlbum"));
+        m_txtAlbum = newLine(QStringLiteral("txtAlbum"), kTitleLength);
         form->addRow(QStringLiteral("Альбом:"), m_txtAlbum);
     }
-    m_txtYear = newLine(QStringLiteral("txtYear"));
-    form->addRow(QStringLiteral("Год:"), withSpinner(m_txtYear, spinYear));
-    m_txtCDs = newLine(QStringLiteral("txtCDs"));
-    KeyFilter::install(m_txtCDs, DiscCountKeys);
-    form->addRow(QStringLiteral("Дисков:"), withSpinner(m_txtCDs, spinDiscs));
+    // The year and the count of discs; on the audio dialog beside them the tracks and the
+    // time of the disc of the set that cmbCountCD chooses.
+    auto* numbers = new QGridLayout;
+    numbers->setColumnStretch(1, 1);
+    m_txtYear = newLine(QStringLiteral("txtYear"), kYearLength);
+    numbers->addWidget(new QLabel(QStringLiteral("Год:"), this), 0, 0);
+    numbers->addWidget(withSpinner(m_txtYear, spinYear), 0, 1);
     if (category == Category::Audio) {
+        m_txtTrack = newLine(QStringLiteral("txtTrack"), 2);
+        numbers->addWidget(new QLabel(QStringLiteral("Треков:"), this), 0, 2);
+        numbers->addWidget(withSpinner(m_txtTrack, spinTracks), 0, 3);
+        numbers->setColumnStretch(3, 1);
+    }
+    m_txtCDs = newLine(QStringLiteral("txtCDs"), 1);
+    KeyFilter::install(m_txtCDs, DiscCountKeys);
+    numbers->addWidget(new QLabel(QStringLiteral("Дисков:"), this), 1, 0);
+    numbers->addWidget(withSpinner(m_txtCDs, spinDiscs), 1, 1);
+    if (category == Category::Audio) {
+        m_txtTime = newLine(QStringLiteral("txtTime"), 5);
+        numbers->addWidget(new QLabel(QStringLiteral("Время:"), this), 1, 2);
+        numbers->addWidget(withSpinner(m_txtTime, spinTime), 1, 3);
         m_cmbCountCD = new QComboBox(this);
         m_cmbCountCD->setObjectName(QStringLiteral("cmbCountCD"));
-        form->addRow(QStringLiteral("Диск:"), m_cmbCountCD);
-        m_txtTrack = newLine(QStringLiteral("txtTrack"));
-        form->addRow(QStringLiteral("Треков:"), withSpinner(m_txtTrack, spinTracks));
-        m_txtTime = newLine(QStringLiteral("txtTime"));
-        form->addRow(QStringLiteral("Время:"), withSpinner(m_txtTime, spinTime));
+        numbers->addWidget(new QLabel(QStringLiteral("Диск:"), this), 2, 2);
+        numbers->addWidget(m_cmbCountCD, 2, 3);
         connect(m_cmbCountCD, &QComboBox::activated, this, &frmAddInCatalogue::cmbCountCD_Click);
         connect(m_txtTrack, &QLineEdit::textChanged, this, &frmAddInCatalogue::storeDiscValues);
         connect(m_txtTime, &QLineEdit::textChanged, this, &frmAddInCatalogue::storeDiscValues);
     }
+    form->addRow(numbers);
     if (category == Category::Computer) {
-        m_txtDescription = newLine(QStringLiteral("txtDescription2"));
+        m_txtDescription = newLine(QStringLiteral("txtDescription2"), kDescriptionLength);
         form->addRow(QStringLiteral("Описание:"), m_txtDescription);
     }
     if (category == Category::Dvd) {
-        m_txtDescription = newLine(QStringLiteral("txtDescription"));
+        m_txtDescription = newLine(QStringLiteral("txtDescription"), kDescriptionLength);
         form->addRow(QStringLiteral("Описание:"), m_txtDescription);
-        m_txtTime = newLine(QStringLiteral("txtTime"));
-        form->addRow(QStringLiteral("Время, мин:"), m_txtTime);
+        m_txtTime = newLine(QStringLiteral("txtTime"), 5);
+        m_txtTime->setValidator(new MinutesValidator(m_txtTime));
         KeyFilter::install(m_txtTime, DigitKeys);
+        form->addRow(QStringLiteral("Время, мин:"), withSpinner(m_txtTime, spinMinutes));
         m_cmbZone = new QComboBox(this);
         m_cmbZone->setObjectName(QStringLiteral("cmbZone"));
         for (int zone = 0; zone <= 8; ++zone) {
@@ -121,7 +157,7 @@ frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mo
         }
         form->addRow(QStringLiteral("Зона:"), m_cmbZone);
     }
-    m_txtDictionary = newLine(QString::fromLatin1(kDictionaryFields[index]));
+    m_txtDictionary = newLine(QString::fromLatin1(kDictionaryFields[index]), 0);
     form->addRow(m_kind.dictionaryTable + u':', m_txtDictionary);
     if (category == Category::Dvd) {
         m_lvSoundFormat = new QListWidget(this);
@@ -130,16 +166,25 @@ frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mo
     }
     layout->addLayout(form);
 
+    // Enter moves on field by field and saves from the dictionary field; the audio dialog
+    // goes name, album, year, tracks, discs, time, style.
+    m_enterOrder = {m_txtName, m_txtAlbum, m_txtYear, m_txtTrack, m_txtCDs, m_txtDescription};
+    if (category == Category::Audio) {
+        m_enterOrder.append(m_txtTime);
+    } else if (category == Category::Dvd) {
+        m_enterOrder += {m_txtTime, m_cmbZone};
+    }
+    m_enterOrder.append(m_txtDictionary);
+    m_enterOrder.removeAll(nullptr);
+
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("imgButton0"));
-    buttons->button(QDialogButtonBox::Ok)->setAutoDefault(false);
-    buttons->button(QDialogButtonBox::Cancel)->setAutoDefault(false);
+    buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("imgButton1"));
     if (category == Category::Audio) {
         m_cmbDrive = new QComboBox(this);
         m_cmbDrive->setObjectName(QStringLiteral("cmbDrive"));
         m_cmdInfo = new QPushButton(QStringLiteral("С диска..."), this);
         m_cmdInfo->setObjectName(QStringLiteral("imgButton2"));
-        m_cmdInfo->setAutoDefault(false);
         auto* driveRow = new QHBoxLayout;
         driveRow->addWidget(m_cmbDrive, 1);
         driveRow->addWidget(m_cmdInfo);
@@ -150,6 +195,17 @@ frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mo
     connect(buttons, &QDialogButtonBox::accepted, this, &frmAddInCatalogue::cmdAdd);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_txtCDs, &QLineEdit::textChanged, this, &frmAddInCatalogue::txtCDs_Change);
+
+    // Tab follows the order of Enter, then the lists and the buttons.
+    QList<QWidget*> tabOrder = m_enterOrder;
+    tabOrder.insert(tabOrder.indexOf(m_txtDictionary), m_cmbCountCD);
+    tabOrder += {m_lvSoundFormat, m_cmbDrive, m_cmdInfo, buttons->button(QDialogButtonBox::Ok),
+                 buttons->button(QDialogButtonBox::Cancel)};
+    tabOrder.removeAll(nullptr);
+    for (qsizetype i = 1; i < tabOrder.size(); ++i) {
+        setTabOrder(tabOrder[i - 1], tabOrder[i]);
+    }
+    keepTitleVisible(this);
 
     // FormLoad: the lists for completion, the year, the drives.
     underFaultHandler(m_ctx, objectName() + QStringLiteral(", FormLoad()"), [&] {
@@ -199,12 +255,18 @@ frmAddInCatalogue::frmAddInCatalogue(AppContext& ctx, Category category, Mode mo
     for (QLineEdit* field : findChildren<QLineEdit*>()) {
         field->installEventFilter(this);
     }
+    if (m_cmbZone) {
+        m_cmbZone->installEventFilter(this);
+    }
 }
 
-QLineEdit* frmAddInCatalogue::newLine(const QString& objectName)
+QLineEdit* frmAddInCatalogue::newLine(const QString& objectName, int maxLength)
 {
     auto* field = new QLineEdit(this);
     field->setObjectName(objectName);
+    if (maxLength > 0) {
+        field->setMaxLength(maxLength); // what the table's field holds
+    }
     return field;
 }
 
@@ -213,16 +275,25 @@ QWidget* frmAddInCatalogue::withSpinner(QLineEdit* field, QString (*spin)(const 
     auto* box = new QWidget(this);
     auto* row = new QHBoxLayout(box);
     row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
     row->addWidget(field, 1);
+    // The spinner: udYear, udTrack, udCDs, udTime. Its arrows are worked with the mouse or
+    // the arrow keys in the field, and never take the focus from the field.
+    auto* spinner = new QWidget(box);
+    spinner->setObjectName(QStringLiteral("ud") + field->objectName().mid(3));
+    auto* arrows = new QHBoxLayout(spinner);
+    arrows->setContentsMargins(0, 0, 0, 0);
+    arrows->setSpacing(0);
     for (const bool up : {false, true}) {
-        auto* arrow = new QToolButton(box);
+        auto* arrow = new QToolButton(spinner);
         arrow->setArrowType(up ? Qt::UpArrow : Qt::DownArrow);
-        arrow->setObjectName(QStringLiteral("ud") + field->objectName().mid(3) +
-                             (up ? QStringLiteral("Up") : QStringLiteral("Down")));
+        arrow->setFocusPolicy(Qt::NoFocus);
+        arrow->setAutoRepeat(true);
         connect(arrow, &QToolButton::clicked, field,
                 [field, spin, up] { field->setText(spin(field->text(), up)); });
-        row->addWidget(arrow);
+        arrows->addWidget(arrow);
     }
+    row->addWidget(spinner);
     field->setProperty("spin", QVariant::fromValue(reinterpret_cast<quintptr>(spin)));
     return box;
 }
@@ -296,25 +367,38 @@ void frmAddInCatalogue::storeDiscValues()
 
 bool frmAddInCatalogue::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() != QEvent::KeyPress) {
+        return QDialog::eventFilter(watched, event);
+    }
+    const auto* key = static_cast<QKeyEvent*>(event);
+    const qsizetype place = m_enterOrder.indexOf(qobject_cast<QWidget*>(watched));
+    if (place >= 0 && isEnterKey(key->key())) {
+        if (m_enterOrder[place] == m_txtDictionary) {
+            cmdAdd();
+        } else {
+            m_enterOrder[place + 1]->setFocus(Qt::TabFocusReason); // a field so reached has its text selected
+        }
+        return true;
+    }
     auto* field = qobject_cast<QLineEdit*>(watched);
-    if (field && event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
-            if (field == m_txtDictionary) {
-                cmdAdd();
-            } else {
-                focusNextChild();
-            }
-            return true;
-        }
-        const QVariant spin = field->property("spin");
-        if (spin.isValid() && (key->key() == Qt::Key_Up || key->key() == Qt::Key_Down)) {
-            const auto function = reinterpret_cast<QString (*)(const QString&, bool)>(spin.value<quintptr>());
-            field->setText(function(field->text(), key->key() == Qt::Key_Up));
-            return true;
-        }
+    const QVariant spin = field ? field->property("spin") : QVariant();
+    if (spin.isValid() && (key->key() == Qt::Key_Up || key->key() == Qt::Key_Down)) {
+        const auto function = reinterpret_cast<QString (*)(const QString&, bool)>(spin.value<quintptr>());
+        field->setText(function(field->text(), key->key() == Qt::Key_Up));
+        return true;
     }
     return QDialog::eventFilter(watched, event);
+}
+
+void frmAddInCatalogue::keyPressEvent(QKeyEvent* event)
+{
+    // Enter that no field took (a list, the disc of the set) neither saves nor goes on: the
+    // disc is saved from the dictionary field or with OK only.
+    if (isEnterKey(event->key())) {
+        event->accept();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void frmAddInCatalogue::cmdAdd()

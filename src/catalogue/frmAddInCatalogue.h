@@ -32,9 +32,10 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    QLineEdit* newLine(const QString& objectName);
+    QLineEdit* newLine(const QString& objectName, int maxLength);
     QWidget* withSpinner(QLineEdit* field, QString (*spin)(const QString&, bool));
     void showDisc(const DiscRecord& disc);
     void txtCDs_Change();
@@ -62,6 +63,7 @@ private:
     QListWidget* m_lvSoundFormat = nullptr;
     QComboBox* m_cmbDrive = nullptr;
     QPushButton* m_cmdInfo = nullptr;
+    QList<QWidget*> m_enterOrder; // the fields Enter walks through; the last one saves
 };
 
 } // namespace vinora

@@ -1,6 +1,8 @@
 #include "catalogue/frmChangeNumber.h"
 
+#include "catalogue/EnterKey.h"
 #include "catalogue/Numbering.h"
+#include "catalogue/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
@@ -54,9 +56,9 @@ frmChangeNumber::frmChangeNumber(AppContext& ctx, QWidget* parent) : QDialog(par
     layout->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &frmChangeNumber::cmdOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(m_txtNumberOld, &QLineEdit::returnPressed, m_txtNumberNew,
-            [this] { m_txtNumberNew->setFocus(); });
-    connect(m_txtNumberNew, &QLineEdit::returnPressed, this, &frmChangeNumber::cmdOK);
+    onEnter(m_txtNumberOld, [this] { m_txtNumberNew->setFocus(Qt::TabFocusReason); });
+    onEnter(m_txtNumberNew, [this] { cmdOK(); });
+    keepTitleVisible(this);
 }
 
 void frmChangeNumber::cmdOK()

@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QToolButton>
 
 using namespace vinora;
 
@@ -337,6 +338,101 @@ private slots:
             "1A 2New 3B 4C");
     }
 
+    void inputIsCutToWhatTheTableHolds_data()
+    {
+        QTest::addColumn<int>("category");
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("column");
+        QTest::addColumn<QString>("stored");
+        QTest::newRow("audio title") << int(Category::Audio) << "txtName" << QString(61, u'n') << "Название"
+                                     << QString(60, u'n');
+        QTest::newRow("audio album") << int(Category::Audio) << "txtAlbum" << QString(70, u'a') << "Альбом"
+                                     << QString(60, u'a');
+        QTest::newRow("computer title")
+            << int(Category::Computer) << "txtName" << QString(61, u'n') << "Название" << QString(60, u'n');
+        QTest::newRow("DVD title") << int(Category::Dvd) << "txtName" << QString(61, u'n') << "Название"
+                                   << QString(60, u'n');
+        QTest::newRow("DVD time") << int(Category::Dvd) << "txtTime"
+                                  << "99999"
+                                  << "Время"
+                                  << "9999";
+        QTest::newRow("year") << int(Category::Computer) << "txtYear"
+                              << "123456"
+                              << "Год"
+                              << "12345";
+    }
+
+    void inputIsCutToWhatTheTableHolds()
+    {
+        QFETCH(int, category);
+        QFETCH(QString, box);
+        QFETCH(QString, typed);
+        QFETCH(QString, column);
+        QFETCH(QString, stored);
+        const auto which = static_cast<Category>(category);
+        const QString table = quoted(catalogueKind(which).info().table);
+        Editing e;
+        e.addRow(which, 1, "Old one");
+        e.app.ctx.ShiftStart = 1;
+        frmAddInCatalogue editor(e.app.ctx, which, frmAddInCatalogue::Mode::Add, 1);
+        auto* input = editor.findChild<QLineEdit*>(box);
+        input->clear();
+        QTest::keyClicks(input, typed);
+        if (box != "txtName") {
+            field(editor, "txtName")->setText("Name");
+        }
+        editor.cmdAdd();
+        QVERIFY(e.app.ctx.DialogDone);
+        QCOMPARE(e.value("SELECT " + column + " FROM " + table + " WHERE Номер = 1").toString(), stored);
+        QCOMPARE(e.value("SELECT Название FROM " + table + " WHERE Номер = 2").toString(), "Old one");
+    }
+
+    void failedSaveMovesNoNumber()
+    {
+        Editing e;
+        e.addRow(Category::Dvd, 1, "A");
+        e.addRow(Category::Dvd, 2, "B");
+        test::writeFile(e.app.file("box/dvd_1.box"), "cover of A");
+        e.exec("CREATE TRIGGER refused BEFORE INSERT ON DVD BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        e.app.ctx.ShiftStart = 1;
+        frmAddInCatalogue editor(e.app.ctx, Category::Dvd, frmAddInCatalogue::Mode::Add, 1);
+        field(editor, "txtName")->setText("New");
+        QVERIFY_THROWS_EXCEPTION(ProcessEnded, editor.cmdAdd());
+        QVERIFY(cp1251::decode(test::readFile(e.app.file("bugreport.log")))
+                    .contains("frmAddInCatalogueDVD, cmdAdd()"));
+        QCOMPARE(
+            e.value("SELECT group_concat(Номер || Название, ' ') FROM (SELECT * FROM DVD ORDER BY Номер)")
+                .toString(),
+            "1A 2B");
+        QCOMPARE(test::readFile(e.app.file("box/dvd_1.box")), QByteArray("cover of A"));
+        QVERIFY(!QFile::exists(e.app.file("box/dvd_2.box")));
+    }
+
+    void dvdTimeSpinner()
+    {
+        Editing e;
+        frmAddInCatalogue editor(e.app.ctx, Category::Dvd, frmAddInCatalogue::Mode::Add, 1);
+        auto* time = field(editor, "txtTime");
+        auto* spinner = editor.findChild<QWidget*>("udTime");
+        QVERIFY(spinner);
+        const QList<QToolButton*> arrows = spinner->findChildren<QToolButton*>();
+        QCOMPARE(arrows.size(), 2);
+        time->setText("90");
+        for (QToolButton* arrow : arrows) {
+            if (arrow->arrowType() == Qt::UpArrow) {
+                arrow->click();
+            }
+        }
+        QCOMPARE(time->text(), "91");
+        QTest::keyClick(time, Qt::Key_Down);
+        QTest::keyClick(time, Qt::Key_Down);
+        QCOMPARE(time->text(), "89");
+        time->setText("0");
+        QTest::keyClick(time, Qt::Key_Down);
+        QCOMPARE(time->text(), "0");
+    }
+
     void tracksAndTimeFromTheDisc()
     {
         Editing e;
@@ -390,6 +486,16 @@ private slots:
         third.cmdOK();
         QCOMPARE(third.chosenNumber(), 2);
         QCOMPARE(e.app.ctx.ShiftStart, qint16(0));
+
+        // On the audio catalogue the title always has the album, an empty one too.
+        e.addRow(Category::Audio, 2, "Два");
+        frmAddCD audio(e.app.ctx, Category::Audio);
+        audio.show();
+        field(audio, "txtNumber")->setText("2");
+        e.app.prompter.answer(Answer::No);
+        audio.cmdOK();
+        QCOMPARE(e.app.prompter.texts().last(),
+                 "Диск № 2:\n'Два - ' уже существует.\nСместить все номера на 1 начиная с 2-го?");
     }
 
     void addingADiscInTheDrive()

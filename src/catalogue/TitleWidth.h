@@ -1,0 +1,12 @@
+#pragma once
+
+class QWidget;
+
+namespace vinora {
+
+// Keeps a dialog at least as wide as its title bar needs for the whole title (the text, the
+// icon and the window buttons), now and whenever the title changes, so that no window
+// manager cuts the title short. The dialog's top layout must be set.
+void keepTitleVisible(QWidget* dialog);
+
+} // namespace vinora
