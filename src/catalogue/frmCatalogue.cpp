@@ -5,6 +5,7 @@
 #include "catalogue/CatalogueRows.h"
 #include "catalogue/DictionaryTable.h"
 #include "catalogue/SoundFormats.h"
+#include "catalogue/TitleWidth.h"
 #include "catalogue/frmAddCD.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "contents/frmFileList.h"
@@ -83,7 +84,21 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     auto* middle = new QHBoxLayout;
     m_grid = new CatalogueGrid(m_rows, this);
     m_grid->installEventFilter(this);
-    middle->addWidget(m_grid, 3);
+    // The row counter under the grid, wide enough for its longer caption from the start, so
+    // that a filter does not change the window's size.
+    auto* list = new QVBoxLayout;
+    list->addWidget(m_grid, 1);
+    auto* counter = new QHBoxLayout;
+    m_lblCDsCount0 = new QLabel(this);
+    m_lblCDsCount0->setObjectName(QStringLiteral("lblCDsCount0"));
+    m_lblCDsCount0->setMinimumWidth(
+        m_lblCDsCount0->fontMetrics().horizontalAdvance(QStringLiteral("Дисков удовлетворяющих запросу:")));
+    m_lblCDsCount1 = new QLabel(this);
+    m_lblCDsCount1->setObjectName(QStringLiteral("lblCDsCount1"));
+    counter->addWidget(m_lblCDsCount0);
+    counter->addWidget(m_lblCDsCount1, 1);
+    list->addLayout(counter);
+    middle->addLayout(list, 3);
 
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName(QStringLiteral("TabStrip"));
@@ -92,11 +107,11 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     m_txtNumber = addField(QStringLiteral("txtNumber"), QStringLiteral("Номер:"), form);
     m_txtNumber->setReadOnly(false);
     KeyFilter::install(m_txtNumber, DigitKeys);
-    m_txtName = addField(QStringLiteral("txtName"), m_kind.nameCaption + QStringLiteral(" [запрос]:"), form);
+    m_txtName = addField(QStringLiteral("txtName"), m_kind.nameCaption + QStringLiteral(" [запрос]"), form);
     m_txtName->setReadOnly(false);
     m_myGroup.append(m_txtName);
     if (m_kind.hasAlbum) {
-        m_txtAlbum = addField(QStringLiteral("txtAlbum"), QStringLiteral("Альбом [запрос]:"), form);
+        m_txtAlbum = addField(QStringLiteral("txtAlbum"), QStringLiteral("Альбом [запрос]"), form);
         m_txtAlbum->setReadOnly(false);
         m_myGroup.append(m_txtAlbum);
     }
@@ -119,8 +134,12 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
         connect(m_cmbCountCD, &QComboBox::currentTextChanged, this, &frmCatalogue::cmbCountCD_Click);
     }
     if (m_kind.category == Category::Dvd) {
+        // Its text tells how many formats the list holds, as a text of the box.
         m_cmbSoundFormat = new QComboBox(details);
         m_cmbSoundFormat->setObjectName(QStringLiteral("cmbSoundFormat"));
+        m_cmbSoundFormat->setEditable(true);
+        m_cmbSoundFormat->setInsertPolicy(QComboBox::NoInsert);
+        m_cmbSoundFormat->lineEdit()->setReadOnly(true);
         form->addRow(QStringLiteral("Звук:"), m_cmbSoundFormat);
     }
     addField(QStringLiteral("txtDateAdd"), QStringLiteral("Добавлен:"), form);
@@ -130,6 +149,9 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     m_imgDue->setStyleSheet(QStringLiteral("color: #d32f2f; font-size: 18px;"));
     m_lblDue = new QLabel(details);
     m_lblDue->setObjectName(QStringLiteral("lblDue"));
+    // A long name wraps and never widens the window.
+    m_lblDue->setWordWrap(true);
+    m_lblDue->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* due = new QHBoxLayout;
     due->addWidget(m_imgDue);
     due->addWidget(m_lblDue, 1);
@@ -140,17 +162,14 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     m_imgBox = new QLabel(m_tabs);
     m_imgBox->setObjectName(QStringLiteral("imgBox"));
     m_imgBox->setAlignment(Qt::AlignCenter);
+    // A cover is fitted into the tab; its own size never makes the window grow.
+    m_imgBox->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    m_imgBox->installEventFilter(this);
     m_tabs->addTab(m_imgBox, QStringLiteral("Обложка"));
     middle->addWidget(m_tabs, 2);
     layout->addLayout(middle, 1);
 
     auto* bottom = new QHBoxLayout;
-    m_lblCDsCount0 = new QLabel(this);
-    m_lblCDsCount0->setObjectName(QStringLiteral("lblCDsCount0"));
-    m_lblCDsCount1 = new QLabel(this);
-    m_lblCDsCount1->setObjectName(QStringLiteral("lblCDsCount1"));
-    bottom->addWidget(m_lblCDsCount0);
-    bottom->addWidget(m_lblCDsCount1);
     bottom->addStretch(1);
     m_buttons.resize(10, nullptr);
     for (const ButtonDef& def : kButtons) {
@@ -205,6 +224,7 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     });
     connect(&m_timerDue, &QTimer::timeout, this, &frmCatalogue::timerDue_Timer);
     m_timerDue.setInterval(500);
+    keepTitleVisible(this);
 
     Form_Load();
 }
@@ -296,15 +316,20 @@ void frmCatalogue::cmbSorted_Click()
     underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmbSored_Click()"), [this] {
         const CatalogueFilter filter =
             parseFilter(m_kind, m_ctx.CatalogueQueryFilter).value_or(CatalogueFilter{});
-        const BuiltQuery query =
+        m_recordSource =
             buildCatalogueQuery(m_kind, filter, m_cmbSorted->currentIndex(), m_chSortedDESC->isChecked());
-        {
-            WaitCursor hourglass;
-            const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-            m_rows->load(db, query);
-        }
-        m_grid->selectRow(0);
+        Refresh();
     });
+}
+
+void frmCatalogue::Refresh()
+{
+    {
+        WaitCursor hourglass;
+        const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
+        m_rows->load(db, m_recordSource);
+    }
+    m_grid->selectRow(0);
 }
 
 void frmCatalogue::setFilter(const CatalogueFilter& filter)
@@ -360,11 +385,14 @@ void frmCatalogue::setRowButtonsEnabled(bool enabled)
 
 void frmCatalogue::cmdAdd()
 {
-    if (!runAddDisc(m_ctx, m_kind.category, this)) {
-        return;
-    }
-    cmbSorted_Click();
-    goToNumber(m_ctx.LastSavedNumber);
+    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdAdd()"), [this] {
+        if (!runAddDisc(m_ctx, m_kind.category, this)) {
+            return;
+        }
+        // The list on view is read again as it was made, a filtered one included.
+        Refresh();
+        goToNumber(m_ctx.LastSavedNumber);
+    });
 }
 
 void frmCatalogue::cmdChange()
@@ -372,18 +400,22 @@ void frmCatalogue::cmdChange()
     if (m_row < 0 || !button(3)->isEnabled()) {
         return;
     }
-    const int number = m_rows->number(m_row);
-    m_ctx.DialogDone = false;
-    {
-        frmAddInCatalogue editor(m_ctx, m_kind.category, frmAddInCatalogue::Mode::Change, number, this);
-        m_ctx.prompter().showModal(editor);
-    }
-    m_ctx.CatalogueQueryFilter.clear();
-    if (m_ctx.DialogDone) {
+    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdChange()"), [this] {
+        const int number = m_rows->number(m_row);
         m_ctx.DialogDone = false;
-        cmbSorted_Click();
-        goToNumber(number);
-    }
+        {
+            frmAddInCatalogue editor(m_ctx, m_kind.category, frmAddInCatalogue::Mode::Change, number, this);
+            m_ctx.prompter().showModal(editor);
+        }
+        // The filter is let go, while the list on view stays the one it made: the counter
+        // then reads as for the whole catalogue, and the next sort shows the whole catalogue.
+        m_ctx.CatalogueQueryFilter.clear();
+        if (m_ctx.DialogDone) {
+            m_ctx.DialogDone = false;
+            Refresh();
+            goToNumber(number);
+        }
+    });
 }
 
 void frmCatalogue::cmdFiles()
@@ -405,7 +437,7 @@ void frmCatalogue::cmdFiles()
         // A damaged file-list database: told, and the catalogue stays open.
         ReportErrorAndGoOn(m_ctx, QStringLiteral("frmCatalogue, cmdFiles()"), error);
     }
-    cmbSorted_Click();
+    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdFiles()"), [this] { Refresh(); });
     goToNumber(number);
 }
 
@@ -417,9 +449,7 @@ void frmCatalogue::cmdChangeBox()
     const int number = m_rows->number(m_row);
     const QString picture = m_ctx.prompter().openFile(
         QStringLiteral("Добавление обложки для диска № ") + QString::number(number),
-        QStringLiteral(
-            "Файлы изображений (*.jpg;*.gif;*.png;*.bmp)|*.jpg;*.gif;*.png;*.bmp|Все файлы (*.*)|*.*"),
-        QString());
+        QStringLiteral("Файлы изображений (*.jpg;*.gif)|*.jpg;*.gif|Все файлы (*.*)|*.*"), QString());
     if (picture.isEmpty()) {
         return;
     }
@@ -453,10 +483,26 @@ void frmCatalogue::cmdDeleteBox()
     }
     QFile::remove(coverPath(m_ctx, m_kind, number));
     button(9)->setEnabled(false);
+    m_cover = QPixmap();
     m_imgBox->clear();
 }
 
+void frmCatalogue::showCover()
+{
+    // Fitted into the tab once the tab has a size; until then as it is, cut by the tab.
+    const QSize room = m_imgBox->size();
+    m_imgBox->setPixmap(m_cover.isNull() || room.width() < 16 || room.height() < 16
+                            ? m_cover
+                            : m_cover.scaled(room, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+}
+
 void frmCatalogue::dcDatabase_Reposition()
+{
+    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", dcDatabase_Reposition()"),
+                      [this] { showRow(); });
+}
+
+void frmCatalogue::showRow()
 {
     const bool filtered = !m_ctx.CatalogueQueryFilter.isEmpty();
     m_lblCDsCount0->setText(filtered ? QStringLiteral("Дисков удовлетворяющих запросу:")
@@ -474,6 +520,7 @@ void frmCatalogue::dcDatabase_Reposition()
         m_tabs->setCurrentIndex(0);
         m_tabs->setTabText(1, QString());
         m_tabs->setTabEnabled(1, false);
+        m_cmbDictionary->setCurrentIndex(-1);
         m_lblSorted->setEnabled(false);
         m_cmbSorted->setEnabled(false);
         m_chSortedDESC->setEnabled(false);
@@ -516,16 +563,17 @@ void frmCatalogue::dcDatabase_Reposition()
     if (m_ctx.ExternalDBOpen) {
         m_tabs->setTabText(1, QString());
         m_tabs->setTabEnabled(1, false);
+        m_cover = QPixmap();
         m_imgBox->clear();
     } else {
         const QString cover = coverPath(m_ctx, m_kind, m_rows->number(m_row));
-        QPixmap picture;
+        m_cover = QPixmap();
         if (QFileInfo::exists(cover)) {
             WaitCursor hourglass;
-            picture.load(cover);
+            m_cover.load(cover);
         }
-        m_imgBox->setPixmap(picture);
-        button(9)->setEnabled(!picture.isNull() || QFileInfo::exists(cover));
+        showCover();
+        button(9)->setEnabled(!m_cover.isNull() || QFileInfo::exists(cover));
         button(8)->setEnabled(true);
         m_tabs->setTabText(1, QStringLiteral("Обложка"));
         m_tabs->setTabEnabled(1, true);
@@ -546,7 +594,7 @@ void frmCatalogue::dcDatabase_Reposition()
         const QString stored = m_rows->value(m_row, QStringLiteral("ФорматЗвука")).toString();
         const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
         m_cmbSoundFormat->addItems(soundFormatNames(db, stored));
-        m_cmbSoundFormat->setPlaceholderText(QStringLiteral("Звук (%1):").arg(stored.size() / 2));
+        m_cmbSoundFormat->setEditText(QStringLiteral("Звук (%1):").arg(stored.size() / 2));
     }
     for (QWidget* widget : m_myGroup) {
         widget->setEnabled(true);
@@ -632,6 +680,9 @@ void frmCatalogue::txtNumber_Enter()
 
 bool frmCatalogue::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == m_imgBox && event->type() == QEvent::Resize) {
+        showCover();
+    }
     if (watched == m_grid && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         switch (key->key()) {
@@ -674,8 +725,8 @@ void frmCatalogue::cmdDelete()
             }
         }
         deleteDisc(m_ctx, m_kind, m_rows->key(m_row), number, lists);
+        Refresh();
     });
-    cmbSorted_Click();
     m_grid->selectRow(std::min(position, m_rows->size() - 1));
 }
 

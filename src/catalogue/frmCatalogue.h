@@ -4,6 +4,7 @@
 #include "catalogue/CatalogueQuery.h"
 
 #include <QDialog>
+#include <QPixmap>
 #include <QTimer>
 
 class QCheckBox;
@@ -36,6 +37,8 @@ public:
     const CatalogueKind& kind() const { return m_kind; }
 
     void cmbSorted_Click();
+    // Reads the rows again with the query they were last read with, and goes to the first.
+    void Refresh();
     void ShowWholeCatalogue();
     void AutoResp();
     void cmdDelete();
@@ -63,6 +66,8 @@ private:
     void FullDictionary();
     void setFilter(const CatalogueFilter& filter);
     void dcDatabase_Reposition();
+    void showRow();
+    void showCover();
     void CheckDue();
     void cmbCountCD_Click();
     void txtNumber_Enter();
@@ -76,6 +81,8 @@ private:
     AppContext& m_ctx;
     const CatalogueKind& m_kind;
     CatalogueRows* m_rows;
+    BuiltQuery m_recordSource; // the query the rows on view were read with
+    QPixmap m_cover;           // the cover of the disc at hand, as its file holds it
     int m_row = -1;
     bool m_autoRespDone = false;
     QTimer m_timerDue;

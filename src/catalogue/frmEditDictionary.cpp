@@ -1,5 +1,6 @@
 #include "catalogue/frmEditDictionary.h"
 
+#include "catalogue/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "store/Db.h"
@@ -47,6 +48,7 @@ frmEditDictionary::frmEditDictionary(AppContext& ctx, Dictionary dictionary, QWi
     connect(m_change, &QPushButton::clicked, this, &frmEditDictionary::cmdChange);
     connect(close, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_grid, &QListWidget::itemDoubleClicked, this, &frmEditDictionary::cmdChange);
+    keepTitleVisible(this);
     load();
 }
 

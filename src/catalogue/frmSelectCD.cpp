@@ -2,6 +2,7 @@
 
 #include "catalogue/CatalogueGrid.h"
 #include "catalogue/CatalogueRows.h"
+#include "catalogue/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
@@ -49,7 +50,7 @@ frmSelectCD::frmSelectCD(AppContext& ctx, QWidget* parent) : QDialog(parent), m_
     auto* form = new QFormLayout;
     m_txtName = new QLineEdit(this);
     m_txtName->setObjectName(QStringLiteral("txtName"));
-    form->addRow(m_kind->nameCaption + QStringLiteral(" [запрос]:"), m_txtName);
+    form->addRow(m_kind->nameCaption + QStringLiteral(" [запрос]"), m_txtName);
     m_txtNumber = new QLineEdit(this);
     m_txtNumber->setObjectName(QStringLiteral("txtNumber"));
     KeyFilter::install(m_txtNumber, DigitKeys);
@@ -110,6 +111,7 @@ frmSelectCD::frmSelectCD(AppContext& ctx, QWidget* parent) : QDialog(parent), m_
         m_row = row;
         reposition();
     });
+    keepTitleVisible(this);
     cmdList();
 }
 

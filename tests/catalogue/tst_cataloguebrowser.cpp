@@ -1,6 +1,11 @@
 #include "../recognition/DiscFixtures.h"
 #include "catalogue/CatalogueOps.h"
+#include "catalogue/frmAddCD.h"
+#include "catalogue/frmAddInCatalogue.h"
 #include "catalogue/frmCatalogue.h"
+#include "catalogue/frmChangeNumber.h"
+#include "catalogue/frmSelectCD.h"
+#include "frame/Cp1251.h"
 #include "recognition/VolumeIdentity.h"
 #include "store/ContentsLists.h"
 #include "store/Db.h"
@@ -131,6 +136,205 @@ private slots:
         qobject_cast<QPushButton*>(c.control("imgButton5"))->click();
         QCOMPARE(c.rows(), QStringList{"1 Первый"});
         QCOMPARE(c.window->windowTitle(), c.kind().title);
+
+        // A dictionary name that no disc has: the list shows no name either.
+        auto* dictionary = c.control<QComboBox>(c.kind().dictionaryControl);
+        dictionary->setCurrentIndex(1);
+        emit dictionary->activated(1);
+        QCOMPARE(c.rows(), QStringList());
+        QCOMPARE(dictionary->currentText(), QString());
+    }
+
+    void nameFilterCaption_data() { addCategories(); }
+    void nameFilterCaption()
+    {
+        QFETCH(int, category);
+        Catalogue c(static_cast<Category>(category));
+        c.open();
+        QStringList captions;
+        for (const QLabel* label : c.window->findChildren<QLabel*>()) {
+            captions.append(label->text());
+        }
+        QVERIFY(captions.contains(c.kind().nameCaption + " [запрос]"));
+    }
+
+    void filteredListStaysAfterAChangeAndAnAdd_data()
+    {
+        QTest::addColumn<bool>("stored"); // a stored query, or a name typed in
+        QTest::newRow("stored query") << true;
+        QTest::newRow("name typed") << false;
+    }
+
+    void filteredListStaysAfterAChangeAndAnAdd()
+    {
+        QFETCH(bool, stored);
+        Catalogue c(Category::Audio);
+        c.add(1, "Rock one", {}, 27);
+        c.add(2, "Jazz one", {}, 16);
+        c.add(3, "Rock two", {}, 27);
+        if (stored) {
+            c.app.ctx.CatalogueQueryFilter = "AND Стиль = \"Rock\"";
+            c.app.ctx.CatalogueQueryMode = true;
+        }
+        frmCatalogue& w = c.open();
+        if (!stored) {
+            c.typeName("Rock");
+        }
+        QCOMPARE(c.rows(), (QStringList{"1 Rock one", "3 Rock two"}));
+
+        c.app.prompter.handleModal([](QDialog& editor) {
+            editor.findChild<QLineEdit*>("txtName")->setText("Rock first");
+            static_cast<frmAddInCatalogue&>(editor).cmdAdd();
+            return editor.result();
+        });
+        w.cmdChange();
+        QCOMPARE(c.rows(), (QStringList{"1 Rock first", "3 Rock two"}));
+        QCOMPARE(w.windowTitle(), c.kind().queryTitle());
+
+        c.app.prompter.handleModal([](QDialog& first) {
+            first.show();
+            static_cast<frmAddCD&>(first).cmdOK();
+            return first.result();
+        });
+        c.app.prompter.handleModal([](QDialog& editor) {
+            editor.findChild<QLineEdit*>("txtName")->setText("Rock three");
+            editor.findChild<QLineEdit*>("txtStyle")->setText("Rock");
+            static_cast<frmAddInCatalogue&>(editor).cmdAdd();
+            return editor.result();
+        });
+        w.cmdAdd();
+        QCOMPARE(c.rows(), (QStringList{"1 Rock first", "3 Rock two", "4 Rock three"}));
+        QCOMPARE(w.currentRow(), 2);
+        QCOMPARE(w.windowTitle(), c.kind().queryTitle());
+    }
+
+    void faultsNameTheirRoutine_data()
+    {
+        QTest::addColumn<QString>("routine");
+        QTest::newRow("change") << "cmdChange";
+        QTest::newRow("add") << "cmdAdd";
+        QTest::newRow("reposition") << "dcDatabase_Reposition";
+    }
+
+    void faultsNameTheirRoutine()
+    {
+        QFETCH(QString, routine);
+        Catalogue c(routine == "dcDatabase_Reposition" ? Category::Dvd : Category::Audio);
+        c.add(1, "Один");
+        const QString mainDb = c.app.ctx.MainDBPath;
+        // The database is damaged while a dialog is up: a table the browser reads is gone.
+        const auto damage = [mainDb](const QString& table) {
+            Db db(mainDb);
+            db.exec("ALTER TABLE " + table + " RENAME TO Пропавший");
+        };
+        if (routine == "dcDatabase_Reposition") {
+            Db db(mainDb);
+            db.exec("UPDATE DVD SET ФорматЗвука = '1,'");
+        }
+        frmCatalogue& w = c.open();
+        if (routine == "cmdChange") {
+            c.app.prompter.handleModal([&](QDialog& editor) {
+                static_cast<frmAddInCatalogue&>(editor).cmdAdd();
+                damage("Стиль");
+                return editor.result();
+            });
+            QVERIFY_THROWS_EXCEPTION(ProcessEnded, w.cmdChange());
+        } else if (routine == "cmdAdd") {
+            c.app.prompter.handleModal([](QDialog& first) {
+                first.show();
+                static_cast<frmAddCD&>(first).cmdOK();
+                return first.result();
+            });
+            c.app.prompter.handleModal([&](QDialog& editor) {
+                editor.findChild<QLineEdit*>("txtName")->setText("Два");
+                static_cast<frmAddInCatalogue&>(editor).cmdAdd();
+                damage("Стиль");
+                return editor.result();
+            });
+            QVERIFY_THROWS_EXCEPTION(ProcessEnded, w.cmdAdd());
+        } else {
+            damage("ФорматЗвука");
+            const QString picture = m_dir.filePath("cover.png");
+            QImage image(8, 8, QImage::Format_RGB32);
+            image.fill(Qt::green);
+            QVERIFY(image.save(picture));
+            c.app.prompter.answerPath(picture);
+            QVERIFY_THROWS_EXCEPTION(ProcessEnded, w.cmdChangeBox());
+        }
+        const QString log = cp1251::decode(test::readFile(c.app.file("bugreport.log")));
+        QVERIFY2(log.contains(c.kind().formName + ", " + routine + "()"), qPrintable(log));
+    }
+
+    void coverChooserOffersPictures()
+    {
+        // A prompter that notes the chooser's filter and cancels it.
+        struct Chooser : UnattendedPrompter
+        {
+            QString filter;
+            QString openFile(const QString&, const QString& offered, const QString&) override
+            {
+                filter = offered;
+                return {};
+            }
+        } chooser;
+        Catalogue c(Category::Audio);
+        c.add(1, "Один");
+        AppContext ctx(c.app.folder.path(), chooser, c.app.clock);
+        frmCatalogue w(ctx, Category::Audio);
+        w.cmdChangeBox();
+        QCOMPARE(chooser.filter, "Файлы изображений (*.jpg;*.gif)|*.jpg;*.gif|Все файлы (*.*)|*.*");
+    }
+
+    void windowKeepsItsSizeUnderAFilter()
+    {
+        Catalogue c(Category::Computer);
+        c.add(1, "Первый");
+        frmCatalogue& w = c.open();
+        QApplication::processEvents(); // the layout settles
+        const QSize size = w.size();
+        c.typeName("zzz");
+        QApplication::processEvents();
+        QCOMPARE(c.label("lblCDsCount0"), "Дисков удовлетворяющих запросу:");
+        QCOMPARE(w.size(), size);
+    }
+
+    void dialogsShowTheirWholeTitle_data()
+    {
+        QTest::addColumn<QString>("dialog");
+        QTest::newRow("change number") << "frmChangeNumber";
+        QTest::newRow("add") << "frmAddCD";
+        QTest::newRow("editor") << "frmAddInCatalogue";
+        QTest::newRow("picker, filtered") << "frmSelectCD";
+        QTest::newRow("browser, query") << "frmCatalogue";
+    }
+
+    void dialogsShowTheirWholeTitle()
+    {
+        QFETCH(QString, dialog);
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        app.ctx.CatalogueQueryMode = true;
+        std::unique_ptr<QDialog> window;
+        if (dialog == "frmChangeNumber") {
+            window = std::make_unique<frmChangeNumber>(app.ctx);
+        } else if (dialog == "frmAddCD") {
+            window = std::make_unique<frmAddCD>(app.ctx, Category::Computer);
+        } else if (dialog == "frmAddInCatalogue") {
+            window = std::make_unique<frmAddInCatalogue>(app.ctx, Category::Computer,
+                                                         frmAddInCatalogue::Mode::Change, 1);
+        } else if (dialog == "frmSelectCD") {
+            app.ctx.CatalogueQueryFilter = "fullPC";
+            window = std::make_unique<frmSelectCD>(app.ctx);
+            typeChar(window->findChild<QLineEdit*>("txtName"), "x");
+        } else {
+            window = std::make_unique<frmCatalogue>(app.ctx, Category::Computer);
+        }
+        window->show();
+        QFont bold = window->font();
+        bold.setBold(true);
+        // The title's text, and room for a title bar's icon and three buttons.
+        const int needed = QFontMetrics(bold).horizontalAdvance(window->windowTitle()) + 100;
+        QVERIFY2(window->width() >= needed, qPrintable(window->windowTitle()));
     }
 
     void sortTiesFollowTheDirection_data() { addCategories(); }
@@ -443,7 +647,7 @@ private slots:
         QCOMPARE(formats->count(), 2);
         QCOMPARE(formats->itemText(0), "Dolby Digital 5.1");
         QCOMPARE(formats->itemText(1), "DTS");
-        QCOMPARE(formats->placeholderText(), "Звук (2):");
+        QCOMPARE(formats->currentText(), "Звук (2):");
     }
 
     void findsTheDiscInTheDrive()

@@ -5,6 +5,7 @@
 #include "support/TestMain.h"
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -46,6 +47,31 @@ private slots:
         QCOMPARE(picker.rowCount(), rows);
         QCOMPARE(picker.windowTitle(), title);
         QCOMPARE(picker.findChild<QPushButton*>("imgButton0")->isEnabled(), rows > 0);
+    }
+
+    void nameFilterCaption_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QString>("caption");
+        QTest::newRow("audio") << "fullAD"
+                               << "Группа/Исполнитель [запрос]";
+        QTest::newRow("DVD") << "addDVD"
+                             << "Название [запрос]";
+    }
+
+    void nameFilterCaption()
+    {
+        QFETCH(QString, mode);
+        QFETCH(QString, caption);
+        test::TestApp app;
+        addDiscs(app);
+        app.ctx.CatalogueQueryFilter = mode;
+        frmSelectCD picker(app.ctx);
+        QStringList captions;
+        for (const QLabel* label : picker.findChildren<QLabel*>()) {
+            captions.append(label->text());
+        }
+        QVERIFY2(captions.contains(caption), qPrintable(captions.join(" | ")));
     }
 
     void pickTheSecondDiscOfASet()
