@@ -2,6 +2,7 @@
 
 #include "recognition/VolumeIdentity.h"
 #include "store/Category.h"
+#include "ui/BlinkTimer.h"
 
 #include <QFutureWatcher>
 #include <QHash>
@@ -126,7 +127,6 @@ private:
     void driveChosen(int index);
     void openHelpFile(const QString& file, const QString& missingMessage);
     void setStatusPicture(int panel, const QPixmap& picture);
-    void startBlinking(QTimer& timer);
     CategoryBlock& block(Category category) { return m_blocks[static_cast<std::size_t>(category)]; }
 
     AppContext& m_ctx;
@@ -137,8 +137,8 @@ private:
     QComboBox* m_driveSelector = nullptr;
     std::array<CategoryBlock, 3> m_blocks;
     QTimer m_tmrCheckCD;
-    QTimer m_tmrNewCD;
-    QTimer m_tmrFindDue;
+    BlinkTimer m_tmrNewCD;
+    BlinkTimer m_tmrFindDue;
     QTimer m_tmrTime;
     bool m_timeShowsDate = true;
     QString m_driveDiscID;

@@ -1,14 +1,12 @@
 // The dashboard of the main window: counts, dates, loans and their overdue signs, the clock.
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
-#include "frame/NumericPrefix.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/frmMain.h"
 #include "store/LocalDatabase.h"
 #include "ui/ClickableLabel.h"
 #include "ui/WaitCursor.h"
 
-#include <climits>
 
 namespace vinora {
 namespace {
@@ -42,13 +40,10 @@ void frmMain::LoadData()
 
 void frmMain::ConfigureTimers()
 {
-    const auto configure = [this](const char* key, QTimer& timer) {
-        const QString value = m_ctx.ini().read(kOption, QString::fromLatin1(key), 5);
-        if (value.isEmpty()) {
-            return;
+    const auto configure = [this](const char* key, BlinkTimer& timer) {
+        if (m_ctx.ini().has(kOption, QString::fromLatin1(key), 5)) {
+            timer.configure(m_ctx.ini().number(kOption, QString::fromLatin1(key), 5));
         }
-        const double number = m_ctx.ini().number(kOption, QString::fromLatin1(key), 5);
-        timer.setInterval(number == 1 ? 1 : boundedInt(number / 10, 0, INT_MAX));
     };
     configure("tmrDue", m_tmrFindDue);
     configure("tmrCD", m_tmrNewCD);
@@ -76,7 +71,7 @@ void frmMain::CheckDue()
             if (overdue > 0) {
                 block(category).due = true;
                 block(category).dueCount->setText(QString::number(overdue));
-                startBlinking(m_tmrFindDue);
+                m_tmrFindDue.startBlinking();
             }
         }
     });
@@ -103,27 +98,12 @@ void frmMain::CheckCD()
     }
 }
 
-void frmMain::startBlinking(QTimer& timer)
-{
-    // An interval of 0 (a setting below 10) is a timer that never ticks: the sign stays as
-    // it stands, and nothing spins the event loop.
-    if (timer.interval() > 0) {
-        timer.start();
-    }
-}
-
 void frmMain::tmrFindDue_Timer()
 {
-    const bool steady = m_tmrFindDue.interval() == 1;
     for (const Category category : allCategories()) {
-        CategoryBlock& b = block(category);
-        if (!b.due) {
-            continue;
+        if (block(category).due) {
+            m_tmrFindDue.blink({block(category).dueFrame});
         }
-        b.dueFrame->setVisible(steady || b.dueFrame->isHidden());
-    }
-    if (steady) {
-        m_tmrFindDue.stop(); // shown for good: the next CheckDue starts it again
     }
 }
 

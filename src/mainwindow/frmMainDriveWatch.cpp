@@ -121,7 +121,7 @@ void frmMain::showDiscInDrive(Category category, const QString& id)
         b.shareLink->setStyleSheet(QStringLiteral("color: #d32f2f; text-decoration: underline;"));
         b.shareLink->setEnabled(true);
         b.shareLink->show();
-        startBlinking(m_tmrNewCD);
+        m_tmrNewCD.startBlinking();
         for (const Category other : allCategories()) {
             if (other != category) {
                 block(other).newSign->hide();
@@ -142,25 +142,20 @@ void frmMain::showDiscInDrive(Category category, const QString& id)
         b.shareLink->setEnabled(true);
         b.shareLink->show();
     }
-    startBlinking(m_tmrNewCD);
+    m_tmrNewCD.startBlinking();
 }
 
 void frmMain::tmrNewCD_Timer()
 {
     for (const Category category : allCategories()) {
         CategoryBlock& b = block(category);
-        if (!b.blink) {
-            continue;
+        if (b.blink) {
+            const bool steady = m_tmrNewCD.steady();
+            m_tmrNewCD.blink({b.newSign, b.newLabel});
+            if (steady) {
+                return; // a steady display shows the first category flagged only
+            }
         }
-        if (m_tmrNewCD.interval() == 1) {
-            b.newSign->show();
-            b.newLabel->show();
-            m_tmrNewCD.stop(); // steady: shown for good until the signs are reset
-            return;
-        }
-        const bool show = b.newSign->isHidden();
-        b.newSign->setVisible(show);
-        b.newLabel->setVisible(show);
     }
 }
 
