@@ -1,8 +1,8 @@
 #include "catalogue/frmAddCD.h"
 
-#include "catalogue/EnterKey.h"
+#include "ui/EnterKey.h"
 #include "catalogue/Numbering.h"
-#include "catalogue/TitleWidth.h"
+#include "ui/TitleWidth.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"

@@ -1,9 +1,9 @@
 #include "catalogue/frmAddInCatalogue.h"
 
 #include "catalogue/DictionaryTable.h"
-#include "catalogue/EnterKey.h"
+#include "ui/EnterKey.h"
 #include "catalogue/SoundFormats.h"
-#include "catalogue/TitleWidth.h"
+#include "ui/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"

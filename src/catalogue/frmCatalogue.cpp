@@ -5,7 +5,7 @@
 #include "catalogue/CatalogueRows.h"
 #include "catalogue/DictionaryTable.h"
 #include "catalogue/SoundFormats.h"
-#include "catalogue/TitleWidth.h"
+#include "ui/TitleWidth.h"
 #include "catalogue/frmAddCD.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "contents/frmFileList.h"
@@ -267,7 +267,7 @@ void frmCatalogue::Form_Load()
         const QString interval = m_ctx.ini().read(kOption, QStringLiteral("tmrDueCatalogue"), 5);
         if (!interval.isEmpty()) {
             const double value = m_ctx.ini().number(kOption, QStringLiteral("tmrDueCatalogue"), 5);
-            m_timerDue.setInterval(value == 1 ? 1 : std::max(1, static_cast<int>(value / 10)));
+            m_timerDue.configure(value);
         }
         // The commands whose windows are still to come stay off; so do the changing ones
         // while another database is on view.
@@ -636,7 +636,7 @@ void frmCatalogue::CheckDue()
     m_lblDue->setText(QStringLiteral("Должник\n") + loanHolderName(db, m_kind, m_rows->key(m_row)));
     m_imgDue->show();
     m_lblDue->show();
-    m_timerDue.start();
+    m_timerDue.startBlinking();
 }
 
 void frmCatalogue::timerDue_Timer()
@@ -644,9 +644,7 @@ void frmCatalogue::timerDue_Timer()
     if (m_ctx.ExternalDBOpen) {
         return;
     }
-    const bool show = m_timerDue.interval() == 1 || m_imgDue->isHidden();
-    m_imgDue->setVisible(show);
-    m_lblDue->setVisible(show);
+    m_timerDue.blink({m_imgDue, m_lblDue});
 }
 
 bool frmCatalogue::goToNumber(int number)

@@ -2,6 +2,7 @@
 
 #include "catalogue/CatalogueKind.h"
 #include "catalogue/CatalogueQuery.h"
+#include "ui/BlinkTimer.h"
 
 #include <QDialog>
 #include <QPixmap>
@@ -85,7 +86,7 @@ private:
     QPixmap m_cover;           // the cover of the disc at hand, as its file holds it
     int m_row = -1;
     bool m_autoRespDone = false;
-    QTimer m_timerDue;
+    BlinkTimer m_timerDue;
 
     CatalogueGrid* m_grid;
     QComboBox* m_cmbSorted;

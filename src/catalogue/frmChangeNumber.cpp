@@ -1,8 +1,8 @@
 #include "catalogue/frmChangeNumber.h"
 
-#include "catalogue/EnterKey.h"
+#include "ui/EnterKey.h"
 #include "catalogue/Numbering.h"
-#include "catalogue/TitleWidth.h"
+#include "ui/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"

@@ -1,6 +1,6 @@
 #include "catalogue/frmEditDictionary.h"
 
-#include "catalogue/TitleWidth.h"
+#include "ui/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "store/Db.h"

@@ -2,7 +2,7 @@
 
 #include "catalogue/CatalogueGrid.h"
 #include "catalogue/CatalogueRows.h"
-#include "catalogue/TitleWidth.h"
+#include "ui/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"

@@ -131,7 +131,7 @@ QString QtPrompter::chooseFolder(const QString& title, const QString& startFolde
 int QtPrompter::showModal(QDialog& dialog)
 {
     const NormalCursor pointer;
-    widenToTitle(dialog);
+    keepTitleVisible(&dialog);
     return dialog.exec();
 }
 

@@ -1,31 +1,61 @@
 #include "ui/TitleWidth.h"
 
-#include <QApplication>
+#include <QEvent>
 #include <QFontMetrics>
+#include <QLayout>
+#include <QSpacerItem>
 #include <QWidget>
 
 namespace vinora {
 namespace {
-// The frame's icon, its three buttons and the margins around the title, as common
-// desktop themes draw them.
-constexpr int kFrameAllowance = 160;
+
+// A spacer in the dialog's layout as wide as the title needs: the layout, not a fixed
+// minimum, so that the dialog's contents still count towards its smallest size.
+class TitleWidth : public QObject
+{
+public:
+    TitleWidth(QWidget* dialog, QSpacerItem* spacer) : QObject(dialog), m_dialog(dialog), m_spacer(spacer)
+    {
+        update();
+    }
+
+    void update()
+    {
+        QFont font = m_dialog->font();
+        font.setBold(true); // title bars mostly draw their text bold
+        const QFontMetrics metrics(font);
+        // The icon and the three window buttons take about eight lines' height of width.
+        const int width = metrics.horizontalAdvance(m_dialog->windowTitle()) + 8 * metrics.height();
+        m_spacer->changeSize(width, 0, QSizePolicy::Minimum, QSizePolicy::Fixed);
+        m_dialog->layout()->invalidate();
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (watched == m_dialog && event->type() == QEvent::WindowTitleChange) {
+            update();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QWidget* m_dialog;
+    QSpacerItem* m_spacer;
+};
+
 } // namespace
 
-int titleWidth(const QWidget& window)
+void keepTitleVisible(QWidget* dialog)
 {
-    const QFontMetrics metrics(QApplication::font("QMdiSubWindowTitleBar"));
-    return metrics.horizontalAdvance(window.windowTitle()) + kFrameAllowance;
-}
-
-void widenToTitle(QWidget& window)
-{
-    const int needed = titleWidth(window);
-    if (window.minimumWidth() < needed) {
-        window.setMinimumWidth(qMin(needed, window.maximumWidth()));
+    static const char* const kept = "vinoraTitleKept";
+    if (dialog->layout() == nullptr || dialog->property(kept).toBool()) {
+        return;
     }
-    if (window.width() < needed) {
-        window.resize(qMin(needed, window.maximumWidth()), window.height());
-    }
+    dialog->setProperty(kept, true);
+    auto* spacer = new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Fixed);
+    dialog->layout()->addItem(spacer);
+    dialog->installEventFilter(new TitleWidth(dialog, spacer));
 }
 
 } // namespace vinora
