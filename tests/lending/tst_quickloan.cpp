@@ -1,9 +1,11 @@
+#include "frame/Cp1251.h"
 #include "lending/LoanLedger.h"
 #include "lending/frmAddInDue.h"
 #include "lending/frmAddInDueFromMain.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
 #include "support/ScriptedPrompter.h"
+#include "support/TestFolders.h"
 #include "support/TestMain.h"
 
 #include <QComboBox>
@@ -56,6 +58,11 @@ struct Shelf
     {
         Db db(app.ctx.MainDBPath);
         return db.scalar(sql, values);
+    }
+    void exec(const QString& sql) const
+    {
+        Db db(app.ctx.MainDBPath);
+        db.exec(sql);
     }
     int loans() const { return scalar("SELECT COUNT(*) FROM Должники").toInt(); }
     int openLoans() const { return scalar("SELECT COUNT(*) FROM Должники WHERE Долг <> 0").toInt(); }
@@ -404,6 +411,30 @@ private slots:
             QVERIFY(option->isChecked());
             QTRY_VERIFY(window.number()->hasFocus());
         }
+    }
+
+    void faultsAreToldWithTheirPlace_data()
+    {
+        QTest::addColumn<QString>("routine");
+        QTest::addColumn<bool>("adding");
+        QTest::addColumn<QString>("damage");
+        QTest::newRow("finding the disc") << "cmdOK_Click" << true << "DROP TABLE DVD";
+        QTest::newRow("closing the loan") << "getDueName" << false << "DROP TABLE Должники";
+    }
+
+    void faultsAreToldWithTheirPlace()
+    {
+        QFETCH(QString, routine);
+        QFETCH(bool, adding);
+        QFETCH(QString, damage);
+        Shelf shelf;
+        shelf.lend(Category::Dvd, 12, "Анна", QDate(2026, 11, 2));
+        Window window(shelf, Category::Dvd, adding);
+        shelf.exec(damage);
+        window.number()->setText("12");
+        QVERIFY_THROWS_EXCEPTION(ProcessEnded, window.dialog.cmdOK_Click());
+        const QString log = cp1251::decode(test::readFile(shelf.app.file("bugreport.log")));
+        QVERIFY2(log.contains("frmAddInDueFromMain, " + routine + "()"), qPrintable(log));
     }
 };
 
