@@ -6,11 +6,11 @@
 #include "frame/TextRules.h"
 #include "lending/frmAddInDue.h"
 #include "store/Db.h"
+#include "ui/EnterKey.h"
 #include "ui/KeyFilter.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -71,7 +71,7 @@ frmAddInDueFromMain::frmAddInDueFromMain(AppContext& ctx, DiscPicker picker, con
     m_txtNumber->setObjectName(QStringLiteral("txtNumber"));
     KeyFilter::install(m_txtNumber, DigitKeys);
     // Enter runs OK here, and only that: the key goes no further, to the default button.
-    m_txtNumber->installEventFilter(this);
+    onEnter(m_txtNumber, [this] { cmdOK_Click(); });
     numberRow->addWidget(m_txtNumber, 1);
     layout->addLayout(numberRow);
 
@@ -99,18 +99,6 @@ frmAddInDueFromMain::frmAddInDueFromMain(AppContext& ctx, DiscPicker picker, con
         connect(option, &QRadioButton::clicked, m_txtNumber, [this] { m_txtNumber->setFocus(); });
     }
     m_txtNumber->setFocus();
-}
-
-bool frmAddInDueFromMain::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == m_txtNumber && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            cmdOK_Click();
-            return true;
-        }
-    }
-    return QDialog::eventFilter(watched, event);
 }
 
 Category frmAddInDueFromMain::category() const

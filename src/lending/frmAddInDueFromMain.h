@@ -29,9 +29,6 @@ public:
     // True once a disc has been lent or taken back here, so the caller refreshes its lists.
     bool changed() const { return m_changed; }
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     Category category() const;
     bool adding() const;
