@@ -61,7 +61,11 @@ frmDueStat::frmDueStat(AppContext& ctx, const QString& borrower, QWidget* parent
     m_grid->verticalHeader()->hide();
     m_grid->installEventFilter(this);
     layout->addWidget(m_grid, 1);
-    connect(m_grid, &QTableWidget::currentCellChanged, this, &frmDueStat::reposition);
+    connect(m_grid, &QTableWidget::currentCellChanged, this, [this](int row, int, int previousRow, int) {
+        if (row != previousRow) {
+            reposition();
+        }
+    });
 
     auto* record = new QVBoxLayout;
     auto* filters = new QHBoxLayout;
