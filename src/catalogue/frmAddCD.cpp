@@ -1,8 +1,6 @@
 #include "catalogue/frmAddCD.h"
 
-#include "ui/EnterKey.h"
 #include "catalogue/Numbering.h"
-#include "ui/TitleWidth.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
@@ -12,7 +10,9 @@
 #include "recognition/Drives.h"
 #include "recognition/frmSelectCategory.h"
 #include "store/Db.h"
+#include "ui/EnterKey.h"
 #include "ui/KeyFilter.h"
+#include "ui/TitleWidth.h"
 #include "ui/WaitCursor.h"
 
 #include <QCheckBox>

@@ -1,9 +1,7 @@
 #include "catalogue/frmAddInCatalogue.h"
 
 #include "catalogue/DictionaryTable.h"
-#include "ui/EnterKey.h"
 #include "catalogue/SoundFormats.h"
-#include "ui/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
@@ -11,7 +9,9 @@
 #include "recognition/Medium.h"
 #include "store/Db.h"
 #include "store/Schema.h"
+#include "ui/EnterKey.h"
 #include "ui/KeyFilter.h"
+#include "ui/TitleWidth.h"
 #include "ui/WaitCursor.h"
 
 #include <QComboBox>

@@ -5,7 +5,6 @@
 #include "catalogue/CatalogueRows.h"
 #include "catalogue/DictionaryTable.h"
 #include "catalogue/SoundFormats.h"
-#include "ui/TitleWidth.h"
 #include "catalogue/frmAddCD.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "contents/frmFileList.h"
@@ -13,10 +12,12 @@
 #include "frame/FaultLog.h"
 #include "frame/NumericPrefix.h"
 #include "frame/TextRules.h"
+#include "lending/LoanFlows.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/frmSelectCategory.h"
 #include "store/Db.h"
 #include "ui/KeyFilter.h"
+#include "ui/TitleWidth.h"
 #include "ui/WaitCursor.h"
 
 #include <QCheckBox>
@@ -188,6 +189,7 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
     connect(button(1), &QPushButton::clicked, this, &frmCatalogue::cmdAdd);
     connect(button(2), &QPushButton::clicked, this, &frmCatalogue::cmdDelete);
     connect(button(3), &QPushButton::clicked, this, &frmCatalogue::cmdChange);
+    connect(button(4), &QPushButton::clicked, this, &frmCatalogue::cmdDue);
     connect(m_grid, &QTableView::doubleClicked, this, [this] {
         if (m_ctx.ExternalDBOpen) {
             return;
@@ -269,10 +271,9 @@ void frmCatalogue::Form_Load()
             const double value = m_ctx.ini().number(kOption, QStringLiteral("tmrDueCatalogue"), 5);
             m_timerDue.configure(value);
         }
-        // The commands whose windows are still to come stay off; so do the changing ones
-        // while another database is on view.
-        // Loans and track lists come with their own windows.
-        button(4)->setEnabled(false);
+        // The changing commands stay off while another database is on view; track lists
+        // come with their own window.
+        button(4)->setEnabled(!m_ctx.ExternalDBOpen);
         if (m_kind.category == Category::Audio) {
             button(6)->setEnabled(false);
         }
@@ -416,6 +417,19 @@ void frmCatalogue::cmdChange()
             goToNumber(number);
         }
     });
+}
+
+void frmCatalogue::cmdDue()
+{
+    if (m_row < 0 || m_ctx.ExternalDBOpen) {
+        return;
+    }
+    const int number = m_rows->number(m_row);
+    const QString place = m_kind.formName + QStringLiteral(", cmdDue()");
+    if (lendOrTakeBack(m_ctx, m_kind.category, m_rows->key(m_row), place, this)) {
+        underFaultHandler(m_ctx, place, [this] { Refresh(); });
+        goToNumber(number);
+    }
 }
 
 void frmCatalogue::cmdFiles()
@@ -622,6 +636,7 @@ void frmCatalogue::cmbCountCD_Click()
 void frmCatalogue::CheckDue()
 {
     const bool lent = m_rows->value(m_row, QStringLiteral("Должник")).toInt() != 0;
+    button(4)->setText(lent ? QStringLiteral("Вернуть") : QStringLiteral("Должник"));
     if (!lent) {
         setRowButtonsEnabled(true);
         m_imgDue->hide();

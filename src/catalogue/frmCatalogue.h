@@ -70,6 +70,8 @@ private:
     void showRow();
     void showCover();
     void CheckDue();
+    // Lends the disc of the current row, or takes it back when it is out.
+    void cmdDue();
     void cmbCountCD_Click();
     void txtNumber_Enter();
     void txtName_KeyUp();

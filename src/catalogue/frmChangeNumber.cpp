@@ -1,13 +1,13 @@
 #include "catalogue/frmChangeNumber.h"
 
-#include "ui/EnterKey.h"
 #include "catalogue/Numbering.h"
-#include "ui/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
 #include "store/Db.h"
+#include "ui/EnterKey.h"
 #include "ui/KeyFilter.h"
+#include "ui/TitleWidth.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>

@@ -1,10 +1,10 @@
 #include "catalogue/frmEditDictionary.h"
 
-#include "ui/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "store/Db.h"
 #include "store/Schema.h"
+#include "ui/TitleWidth.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>

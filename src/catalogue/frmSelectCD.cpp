@@ -2,12 +2,12 @@
 
 #include "catalogue/CatalogueGrid.h"
 #include "catalogue/CatalogueRows.h"
-#include "ui/TitleWidth.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
 #include "store/Db.h"
 #include "ui/KeyFilter.h"
+#include "ui/TitleWidth.h"
 
 #include <QComboBox>
 #include <QFormLayout>

@@ -148,6 +148,14 @@ void returnDisc(const Db& db, Category category, qint64 key, const QDate& today)
     transaction.commit();
 }
 
+void returnLoan(const Db& db, Category category, qint64 key, qint64 loan, const QDate& today)
+{
+    Transaction transaction(db);
+    setLentMark(db, category, key, false);
+    closeLoan(db, loan, today);
+    transaction.commit();
+}
+
 QString closeNewestLoan(const Db& db, Category category, qint64 key, const QDate& today)
 {
     Transaction transaction(db);

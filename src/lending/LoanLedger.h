@@ -51,6 +51,9 @@ void lendDisc(const Db& db, const LoanDisc& disc, const QString& name, std::opti
 // Takes the disc back: the mark is cleared and the newest loan of the disc closed today
 // (the newest whether or not it is open: an older, closed loan stays as it was).
 void returnDisc(const Db& db, Category category, qint64 key, const QDate& today);
+// Takes back the disc of open loan `loan` (the debtor list's return): the mark is cleared
+// and that loan closed today.
+void returnLoan(const Db& db, Category category, qint64 key, qint64 loan, const QDate& today);
 // Closes the newest loan of the disc today and gives its borrower's name, leaving the
 // disc's mark alone: the quick return asks its question after this and clears the mark
 // only when it is confirmed (cancelled, the disc stays marked with no open loan).

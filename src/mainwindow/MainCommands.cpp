@@ -126,6 +126,14 @@ bool isLiveCommand(const QString& toolId)
         QStringLiteral("ID_QuickDVDNewCD"),
         QStringLiteral("ID_QuickPCCatalog"),
         QStringLiteral("ID_QuickDVDCatalog"),
+        QStringLiteral("ID_Due_List"),
+        QStringLiteral("ID_Due_DiskHistory"),
+        QStringLiteral("ID_Due_Stat"),
+        QStringLiteral("ID_Due_EditNames"),
+        QStringLiteral("ID_Due_Admin"),
+        QStringLiteral("ID_QuickADNewDue"),
+        QStringLiteral("ID_QuickPCNewDue"),
+        QStringLiteral("ID_QuickDVDNewDue"),
     };
     return live.contains(toolId);
 }

@@ -561,6 +561,9 @@ void frmMain::CompactDB()
 
 void frmMain::runCommand(const QString& toolId)
 {
+    if (runLoanCommand(toolId)) {
+        return;
+    }
     if (toolId == u"ID_Catalog_AudioCD" || toolId == u"ID_QuickADCatalog") {
         openCatalogue(Category::Audio);
     } else if (toolId == u"ID_Catalog_PCCD" || toolId == u"ID_QuickPCCatalog") {
@@ -735,10 +738,17 @@ void frmMain::listBarItemClicked(const QString& groupKey, const QString& text)
         {QStringLiteral("Аудио диски"), QStringLiteral("ID_Catalog_AudioCD")},
         {QStringLiteral("Компьютерные диски"), QStringLiteral("ID_Catalog_PCCD")},
         {QStringLiteral("DVD диски"), QStringLiteral("ID_Catalog_DVD")}};
+    static const QHash<QString, QString> loanItems = {
+        {QStringLiteral("Список должников"), QStringLiteral("ID_Due_List")},
+        {QStringLiteral("История дисков"), QStringLiteral("ID_Due_DiskHistory")},
+        {QStringLiteral("Статистика"), QStringLiteral("ID_Due_Stat")},
+        {QStringLiteral("Управление должниками"), QStringLiteral("ID_Due_Admin")}};
     if (catalogueItems.contains(text)) {
         runCommand(catalogueItems.value(text));
     } else if (text == u"Список должников" && m_ctx.ExternalDBOpen) {
         m_ctx.prompter().message(QStringLiteral("qwe"), MessageStyle::Plain);
+    } else if (loanItems.contains(text) && !m_ctx.ExternalDBOpen) {
+        runCommand(loanItems.value(text));
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lending/DiscPicker.h"
 #include "recognition/VolumeIdentity.h"
 #include "store/Category.h"
 #include "ui/BlinkTimer.h"
@@ -59,6 +60,10 @@ public:
 
     // --- commands ---------------------------------------------------------------------
     void runCommand(const QString& toolId);
+    // The loan commands; false for a command of another kind.
+    bool runLoanCommand(const QString& toolId);
+    // The catalogues' disc picker, for the loan windows.
+    DiscPicker discPicker();
     void listBarItemClicked(const QString& groupKey, const QString& text);
     void openCatalogue(Category category, int number = 0);
     // Binds the disc in `drive` to a disc the user picks (the link "Привязать").

@@ -14,12 +14,12 @@ frmSelectCategory::frmSelectCategory(QWidget* parent) : QDialog(parent)
     setObjectName(QStringLiteral("frmSelectCategory"));
     setWindowTitle(QStringLiteral("Категория диска"));
     auto* layout = new QVBoxLayout(this);
-    auto* trouble = new QLabel(
+    auto* trouble = m_lblTrabl = new QLabel(
         QStringLiteral("Обнаружен диск, точное определение категории которого не представляется возможным!"),
         this);
     trouble->setObjectName(QStringLiteral("lblTrabl"));
     trouble->setWordWrap(true);
-    auto* info = new QLabel(QStringLiteral("Укажите верную категорию:"), this);
+    auto* info = m_lblInfo = new QLabel(QStringLiteral("Укажите верную категорию:"), this);
     info->setObjectName(QStringLiteral("lblInfo"));
     m_optAD = new QRadioButton(QStringLiteral("Аудио диск"), this);
     m_optAD->setObjectName(QStringLiteral("optAD"));
@@ -48,6 +48,12 @@ QString frmSelectCategory::category() const
 void frmSelectCategory::choose(const QString& category)
 {
     (category == u"DVD" ? m_optDVD : category == u"PC" ? m_optPC : m_optAD)->setChecked(true);
+}
+
+void frmSelectCategory::ask(const QString& question)
+{
+    m_lblTrabl->setText(question);
+    m_lblInfo->hide();
 }
 
 CategoryChooser frmSelectCategory::chooser(AppContext& ctx, QWidget* parent)
