@@ -1,5 +1,8 @@
 #include "../recognition/DiscFixtures.h"
 #include "frame/Cp1251.h"
+#include "lending/frmAddInDue.h"
+#include "lending/frmAddInDueFromMain.h"
+#include "lending/frmDue.h"
 #include "mainwindow/HelpViewer.h"
 #include "mainwindow/MainCommands.h"
 #include "mainwindow/frmHelp.h"
@@ -19,6 +22,7 @@
 #include <QDialog>
 #include <QTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTextBrowser>
 
@@ -248,6 +252,36 @@ private slots:
         });
         modal.exec();
         QCOMPARE(shownBehind, "Диск № 5:\nКино");
+    }
+
+    void loanCommandsRefreshTheCounters()
+    {
+        Dashboard d;
+        d.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля) VALUES (12, 'Кино', 1, 1)");
+        frmMain& w = d.open();
+        QCOMPARE(d.text("lblCDdueAudio"), "0");
+        // Lent from the logo's menu: the quick loan, ending in the lending dialog.
+        d.app.prompter.handleModal([](QDialog& quick) {
+            quick.findChild<QLineEdit*>("txtNumber")->setText("12");
+            static_cast<frmAddInDueFromMain&>(quick).cmdOK_Click();
+            return 0;
+        });
+        d.app.prompter.answer(Answer::Ok);
+        d.app.prompter.handleModal([](QDialog& lend) {
+            lend.findChild<QComboBox*>("txtFIO")->setEditText("Анна");
+            static_cast<frmAddInDue&>(lend).cmdAdd();
+            return lend.result();
+        });
+        w.runCommand("ID_QuickADNewDue");
+        QCOMPARE(d.text("lblCDdueAudio"), "1");
+        // Taken back in the debtor list.
+        d.app.prompter.handleModal([](QDialog& list) {
+            static_cast<frmDue&>(list).cmdDelete();
+            return 0;
+        });
+        d.app.prompter.answer(Answer::Yes);
+        w.listBarItemClicked("g2", "Список должников");
+        QCOMPARE(d.text("lblCDdueAudio"), "0");
     }
 
     void boundImageIsRecognisedAndUnbound()
