@@ -9,6 +9,7 @@
 #include "recognition/DiscIdentity.h"
 #include "recognition/MountPoints.h"
 #include "recognition/frmSelectCategory.h"
+#include "ui/TextColumnSort.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -71,11 +72,9 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     m_lvFiles->setObjectName(QStringLiteral("lvFiles"));
     m_lvFiles->setColumnCount(2);
     m_lvFiles->setRootIsDecorated(false);
-    // The files come in the list's own order; the view sorts them only as a column click asks.
-    m_lvFiles->setSortingEnabled(false);
-    m_lvFiles->header()->setSectionsClickable(true);
-    m_lvFiles->header()->setSortIndicatorShown(true);
-    m_lvFiles->header()->setSortIndicator(m_sortKey, m_sortOrder);
+    // The files come in the list's own order, which is the first column ascending; a column
+    // click sorts them again.
+    m_sort = std::make_unique<TextColumnSort>(m_lvFiles, 0);
     m_lvFiles->header()->setStretchLastSection(false);
     m_lvFiles->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     m_lvFiles->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
@@ -132,7 +131,6 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     connect(m_lvFiles, &QTreeWidget::itemClicked, this,
             [this](QTreeWidgetItem* item) { selectFile(item->text(0)); });
     connect(m_lvFiles, &QTreeWidget::itemDoubleClicked, this, &frmFileList::lvFiles_DblClick);
-    connect(m_lvFiles->header(), &QHeaderView::sectionClicked, this, &frmFileList::lvFiles_ColumnClick);
     connect(&m_copy, &QFutureWatcher<ExtractedFile>::finished, this, &frmFileList::copied);
     connect(m_cmdMakeChangeDir, &QPushButton::clicked, this, &frmFileList::cmdMakeChangeDir);
     connect(m_cmdMakeChangeFile, &QPushButton::clicked, this, &frmFileList::cmdMakeChangeFile);
@@ -271,7 +269,7 @@ void frmFileList::FillFileList(const QString& path)
         auto* item = new QTreeWidgetItem(m_lvFiles, {file.name, file.size});
         item->setIcon(0, style()->standardIcon(icons[fileImage(file.name)]));
     }
-    sortFiles();
+    m_sort->apply();
     const bool any = m_lvFiles->topLevelItemCount() > 0;
     m_lvFiles->setVisible(any);
     m_txtNoFiles->setVisible(!any);
@@ -279,40 +277,6 @@ void frmFileList::FillFileList(const QString& path)
     m_cmdMakeChangeFile->setEnabled(any);
     m_lvFiles->setHeaderLabels({QStringLiteral("Файлов: ") + QString::number(m_lvFiles->topLevelItemCount()),
                                 QStringLiteral("Размер (Кб)")});
-}
-
-// By the catalogue's comparison of texts, sizes too; rows that compare equal keep the
-// list's order. The first column ascending is the order the list is read in.
-void frmFileList::sortFiles()
-{
-    QList<QTreeWidgetItem*> items;
-    while (m_lvFiles->topLevelItemCount() > 0) {
-        items.append(m_lvFiles->takeTopLevelItem(0));
-    }
-    const int column = m_sortKey;
-    const bool descending = m_sortOrder == Qt::DescendingOrder;
-    std::stable_sort(items.begin(), items.end(),
-                     [column, descending](QTreeWidgetItem* a, QTreeWidgetItem* b) {
-                         const int order = compareText(a->text(column), b->text(column));
-                         return descending ? order > 0 : order < 0;
-                     });
-    m_lvFiles->addTopLevelItems(items);
-    m_lvFiles->header()->setSortIndicator(m_sortKey, m_sortOrder);
-}
-
-void frmFileList::lvFiles_ColumnClick(int column)
-{
-    if (column == m_sortKey) {
-        m_sortOrder = m_sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
-    } else {
-        m_sortKey = column;
-        m_sortOrder = Qt::AscendingOrder;
-    }
-    QTreeWidgetItem* current = m_lvFiles->currentItem();
-    sortFiles();
-    if (current != nullptr) {
-        m_lvFiles->setCurrentItem(current);
-    }
 }
 
 void frmFileList::selectFile(const QString& name)

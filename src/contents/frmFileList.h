@@ -2,6 +2,7 @@
 
 #include "contents/DiscFileExtract.h"
 #include "contents/FileTree.h"
+#include "ui/TextColumnSort.h"
 #include "ui/WaitCursor.h"
 
 #include <QDialog>
@@ -43,7 +44,6 @@ public:
     void deleteListAsk();
     void recreateListAsk();
     void lvFiles_DblClick();
-    void lvFiles_ColumnClick(int column);
 
     QStringList treeTexts() const; // "parent/child" paths of the tree's nodes, in order
     QStringList fileNames() const;
@@ -56,7 +56,6 @@ private:
     void setCommentControls(bool dir, bool file);
     QString currentFolderKey() const;
     StoredFileList storedList() const;
-    void sortFiles();
     void openSelectedFile();
     void openCopyOf(const QString& drive, const QString& file, bool openFile);
     void copied();
@@ -74,8 +73,7 @@ private:
     QLabel* m_txtNoFiles;
     QLabel* m_lblCDSpace;
     QPushButton* m_buttons[4];
-    int m_sortKey = 0; // the column the files are sorted by
-    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
+    std::unique_ptr<TextColumnSort> m_sort; // the column click on the files
 
     std::unique_ptr<QTemporaryDir> m_copies; // files copied out of discs to be opened
     int m_copiesMade = 0;

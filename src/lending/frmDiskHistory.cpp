@@ -64,8 +64,7 @@ frmDiskHistory::frmDiskHistory(AppContext& ctx, DiscPicker picker, QWidget* pare
     m_lvHistory->setObjectName(QStringLiteral("lvHistory"));
     m_lvHistory->setHeaderLabels({QStringLiteral("Имя должника"), QStringLiteral("Брал"), QStringLiteral("Вернул")});
     m_lvHistory->setRootIsDecorated(false);
-    m_lvHistory->setSortingEnabled(true); // a header click sorts, a second one turns the order
-    m_lvHistory->sortByColumn(-1, Qt::AscendingOrder);
+    m_sort = std::make_unique<TextColumnSort>(m_lvHistory); // dates sort as text
     m_lvHistory->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     m_txtNoHistory = new QLabel(this);
     m_txtNoHistory->setObjectName(QStringLiteral("txtNoHistory"));
@@ -135,6 +134,7 @@ void frmDiskHistory::cmdShow()
     for (const HistoryLine& line : std::as_const(lines)) {
         new QTreeWidgetItem(m_lvHistory, {line.name, line.issued, line.returned});
     }
+    m_sort->apply();
     m_txtNoHistory->setText(QStringLiteral("Диск № ") + numberText + QStringLiteral(" не одалживался!"));
     m_historyStack->setCurrentWidget(lines.isEmpty() ? static_cast<QWidget*>(m_txtNoHistory) : m_lvHistory);
 }

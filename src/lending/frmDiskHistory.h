@@ -1,8 +1,10 @@
 #pragma once
 
 #include "lending/DiscPicker.h"
+#include "ui/TextColumnSort.h"
 
 #include <QDialog>
+#include <memory>
 
 class QLabel;
 class QLineEdit;
@@ -35,6 +37,7 @@ private:
     QLabel* m_lblHistory = nullptr;
     QTreeWidget* m_lvHistory = nullptr;
     QLabel* m_txtNoHistory = nullptr;
+    std::unique_ptr<TextColumnSort> m_sort;
     QStackedLayout* m_historyStack = nullptr; // the list, or the text that there is none
 };
 

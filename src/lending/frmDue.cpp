@@ -13,6 +13,7 @@
 #include "lending/frmDueStat.h"
 #include "recognition/frmSelectCategory.h"
 #include "store/Db.h"
+#include "ui/RecordGrid.h"
 #include "ui/EnterKey.h"
 #include "ui/KeyFilter.h"
 
@@ -21,7 +22,6 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -80,16 +80,8 @@ frmDue::frmDue(AppContext& ctx, DiscPicker picker, QWidget* parent)
     connect(m_cmbSorted, &QComboBox::activated, this, &frmDue::cmbSorted_Click);
     connect(m_chSortedDESC, &QCheckBox::clicked, this, &frmDue::cmbSorted_Click);
 
-    m_grid = new QTableWidget(0, 4, this);
-    m_grid->setObjectName(QStringLiteral("DBGrid"));
-    m_grid->setHorizontalHeaderLabels({QStringLiteral("Должник"), QStringLiteral("Категория"),
-                                       QStringLiteral("Дата выдачи"), QStringLiteral("Дата возврата")});
-    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_grid->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    m_grid->verticalHeader()->hide();
-    m_grid->installEventFilter(this);
+    m_grid = recordGrid({QStringLiteral("Должник"), QStringLiteral("Категория"),
+                                       QStringLiteral("Дата выдачи"), QStringLiteral("Дата возврата")}, this);
     layout->addWidget(m_grid, 1);
     connect(m_grid, &QTableWidget::currentCellChanged, this, [this] { dcDatabase_Reposition(); });
     connect(m_grid, &QTableWidget::cellDoubleClicked, this, &frmDue::DBGrid_DblClick);
@@ -487,18 +479,6 @@ void frmDue::DBGrid_DblClick()
     } else {
         cmdChange();
     }
-}
-
-bool frmDue::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == m_grid && event->type() == QEvent::KeyPress && !m_loans.isEmpty()) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Home || key == Qt::Key_End) {
-            m_grid->setCurrentCell(key == Qt::Key_Home ? 0 : static_cast<int>(m_loans.size()) - 1, 0);
-            return true;
-        }
-    }
-    return QDialog::eventFilter(watched, event);
 }
 
 } // namespace vinora

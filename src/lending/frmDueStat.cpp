@@ -6,13 +6,14 @@
 #include "frame/TextRules.h"
 #include "lending/LoanLedger.h"
 #include "store/Db.h"
+#include "ui/RecordGrid.h"
+#include "ui/TextColumnSort.h"
 #include "ui/WaitCursor.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -51,15 +52,7 @@ frmDueStat::frmDueStat(AppContext& ctx, const QString& borrower, QWidget* parent
     setWindowTitle(QStringLiteral("Статистика должников"));
     auto* layout = new QHBoxLayout(this);
 
-    m_grid = new QTableWidget(0, 2, this);
-    m_grid->setObjectName(QStringLiteral("DBGrid"));
-    m_grid->setHorizontalHeaderLabels({QStringLiteral("Имя"), QStringLiteral("Телефон")});
-    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_grid->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    m_grid->verticalHeader()->hide();
-    m_grid->installEventFilter(this);
+    m_grid = recordGrid({QStringLiteral("Имя"), QStringLiteral("Телефон")}, this);
     layout->addWidget(m_grid, 1);
     connect(m_grid, &QTableWidget::currentCellChanged, this, [this](int row, int, int previousRow, int) {
         if (row != previousRow) {
@@ -102,7 +95,7 @@ frmDueStat::frmDueStat(AppContext& ctx, const QString& borrower, QWidget* parent
     m_lvRating->setRootIsDecorated(false);
     m_lvRating->header()->setSectionsClickable(true);
     m_lvRating->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    connect(m_lvRating->header(), &QHeaderView::sectionClicked, this, &frmDueStat::lvRating_ColumnClick);
+    m_sort = std::make_unique<TextColumnSort>(m_lvRating);
     connect(m_lvRating, &QTreeWidget::itemDoubleClicked, this, &frmDueStat::lvRating_DblClick);
     m_txtNoDue = namedLabel("txtNoDue", QStringLiteral("Нет сведений о дисках"), this);
     m_txtNoDue->setAlignment(Qt::AlignCenter);
@@ -190,18 +183,6 @@ std::optional<Borrower> frmDueStat::current() const
     return row >= 0 && row < m_borrowers.size() ? std::optional<Borrower>(m_borrowers[row]) : std::nullopt;
 }
 
-bool frmDueStat::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == m_grid && event->type() == QEvent::KeyPress && !m_borrowers.isEmpty()) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Home || key == Qt::Key_End) {
-            m_grid->setCurrentCell(key == Qt::Key_Home ? 0 : static_cast<int>(m_borrowers.size()) - 1, 0);
-            return true;
-        }
-    }
-    return QDialog::eventFilter(watched, event);
-}
-
 void frmDueStat::reposition()
 {
     setWindowTitle(QStringLiteral("Статистика должников (всего: ") + QString::number(m_borrowers.size()) +
@@ -261,9 +242,7 @@ void frmDueStat::CheckDue()
             new QTreeWidgetItem(m_lvRating, {loanCategoryText(line.category), line.number, line.delay});
         item->setData(0, kCategoryRole, static_cast<int>(line.category));
     }
-    if (m_sortKey >= 0) {
-        sortRating();
-    }
+    m_sort->apply();
     if (record.rating) {
         m_prbRating->setValue(*record.rating);
         m_lblRating->setText(ratingWord(*record.rating));
@@ -298,40 +277,6 @@ void frmDueStat::lvRating_DblClick()
     m_ctx.prompter().message(loanCategoryText(category) + QStringLiteral(" № ") + number +
                                  QStringLiteral(":\n'") + loanDiscTitle(*disc) + u'\'',
                              MessageStyle::Plain);
-}
-
-void frmDueStat::lvRating_ColumnClick(int column)
-{
-    if (column == m_sortKey) {
-        m_sortOrder = m_sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
-    } else {
-        m_sortKey = column;
-        m_sortOrder = Qt::AscendingOrder;
-    }
-    QTreeWidgetItem* current = m_lvRating->currentItem();
-    sortRating();
-    if (current != nullptr) {
-        m_lvRating->setCurrentItem(current);
-    }
-}
-
-// As text, by the catalogue's comparison; rows that compare equal keep their order.
-void frmDueStat::sortRating()
-{
-    QList<QTreeWidgetItem*> items;
-    while (m_lvRating->topLevelItemCount() > 0) {
-        items.append(m_lvRating->takeTopLevelItem(0));
-    }
-    const int column = m_sortKey;
-    const bool descending = m_sortOrder == Qt::DescendingOrder;
-    std::stable_sort(items.begin(), items.end(),
-                     [column, descending](QTreeWidgetItem* a, QTreeWidgetItem* b) {
-                         const int order = compareText(a->text(column), b->text(column));
-                         return descending ? order > 0 : order < 0;
-                     });
-    m_lvRating->addTopLevelItems(items);
-    m_lvRating->header()->setSortIndicatorShown(true);
-    m_lvRating->header()->setSortIndicator(m_sortKey, m_sortOrder);
 }
 
 } // namespace vinora

@@ -2,8 +2,10 @@
 
 #include "lending/BorrowerNames.h"
 #include "lending/BorrowerRating.h"
+#include "ui/TextColumnSort.h"
 
 #include <QDialog>
+#include <memory>
 #include <optional>
 
 class QCheckBox;
@@ -33,24 +35,19 @@ public:
     // The record of the borrower of the current row, by the filters set.
     void CheckDue();
     void lvRating_DblClick();
-    void lvRating_ColumnClick(int column);
     std::optional<Borrower> current() const;
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void load();
     void reposition();
     // No loan to show: the text over the list, "-" in every figure.
     void showNoDue();
-    void sortRating();
     RatingFilter filter() const;
 
     AppContext& m_ctx;
     QList<Borrower> m_borrowers;
-    int m_sortKey = -1; // no column clicked yet: the ledger's order
-    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
+    std::unique_ptr<TextColumnSort> m_sort; // no column clicked yet: the ledger's order
     QTableWidget* m_grid = nullptr;
     QCheckBox* m_chDue = nullptr;
     QRadioButton* m_optSorted[4] = {};

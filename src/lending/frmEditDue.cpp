@@ -6,6 +6,7 @@
 #include "lending/LoanLedger.h"
 #include "lending/PhoneBox.h"
 #include "store/Db.h"
+#include "ui/RecordGrid.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -21,14 +22,7 @@ frmEditDue::frmEditDue(AppContext& ctx, QWidget* parent) : QDialog(parent), m_ct
     setObjectName(QStringLiteral("frmEditDue"));
     setWindowTitle(QStringLiteral("Редактирование имен должников"));
     auto* layout = new QVBoxLayout(this);
-    m_grid = new QTableWidget(0, 2, this);
-    m_grid->setObjectName(QStringLiteral("DBGrid"));
-    m_grid->setHorizontalHeaderLabels({QStringLiteral("Имя"), QStringLiteral("Телефон")});
-    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_grid->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    m_grid->verticalHeader()->hide();
+    m_grid = recordGrid({QStringLiteral("Имя"), QStringLiteral("Телефон")}, this);
     layout->addWidget(m_grid);
     connect(m_grid, &QTableWidget::currentCellChanged, this, &frmEditDue::reposition);
 
