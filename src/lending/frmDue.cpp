@@ -351,14 +351,7 @@ void frmDue::cmdMakeChange_Click()
     if (!loan) {
         return;
     }
-    const QString typed = m_txtTelephone->text() == u"нет" ? QString() : m_txtTelephone->text();
-    underFaultHandler(m_ctx, QStringLiteral("frmDue, cmdMakeChange_Click()"), [&] {
-        const Db db(m_ctx.MainDBPath);
-        m_txtTelephone->setText(setBorrowerPhone(db, loan->borrower, typed));
-    });
-    m_ctx.prompter().message(QStringLiteral("Телефон должника '") + loan->name +
-                                 QStringLiteral("' был успешно изменен."),
-                             MessageStyle::Information);
+    m_txtTelephone->save(m_ctx, loan->borrower, loan->name, QStringLiteral("frmDue, cmdMakeChange_Click()"));
     runQuery(loan->loan);
 }
 

@@ -161,14 +161,7 @@ void frmEditDue::cmdMakeChange()
     if (!borrower) {
         return;
     }
-    const QString typed = m_txtTelephone->text() == u"нет" ? QString() : m_txtTelephone->text();
-    underFaultHandler(m_ctx, QStringLiteral("frmEditDue, cmdMakeChange_Click()"), [&] {
-        const Db db(m_ctx.MainDBPath);
-        m_txtTelephone->setText(setBorrowerPhone(db, borrower->key, typed));
-    });
-    m_ctx.prompter().message(QStringLiteral("Телефон должника '") + borrower->name +
-                                 QStringLiteral("' был успешно изменен."),
-                             MessageStyle::Information);
+    m_txtTelephone->save(m_ctx, borrower->key, borrower->name, QStringLiteral("frmEditDue, cmdMakeChange_Click()"));
     load(borrower->key);
 }
 
