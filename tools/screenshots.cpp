@@ -1,5 +1,6 @@
 // Makes docs/screenshots/catalogue-*.png and editor.png: the three catalogue browsers on a
-// catalogue of a few dozen discs with a cover, and the disc editor, drawn by the windows
+// catalogue of a few dozen discs with a cover, and the disc editor; filelist.png; loans.png
+// and rating.png: the debtor list and the statistics of a dozen loans. The windows draw
 // themselves (no display needed).
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/frmAddInCatalogue.h"
@@ -8,6 +9,9 @@
 #include "contents/frmFileList.h"
 #include "frame/AppContext.h"
 #include "frame/Version.h"
+#include "lending/LoanLedger.h"
+#include "lending/frmDue.h"
+#include "lending/frmDueStat.h"
 #include "recognition/VolumeReader.h"
 #include "store/ContentsLists.h"
 #include "store/Db.h"
@@ -58,6 +62,24 @@ void fill(AppContext& ctx)
     }
     for (const Category category : allCategories()) {
         StampCatalogueUpdate(db, category, QDate::currentDate());
+    }
+}
+
+// A dozen loans: some returned late, some out, two overdue, one without term.
+void lend(AppContext& ctx)
+{
+    const Db db(ctx.MainDBPath);
+    const char* const borrowers[] = {"Андрей Смирнов", "Ольга Кузнецова", "Дмитрий Попов", "Мария Волкова"};
+    const QDate today = QDate::currentDate();
+    for (int i = 0; i < 12; ++i) {
+        const Category category = allCategories()[static_cast<std::size_t>(i % 3)];
+        const LoanDisc disc = *findLoanDisc(db, category, 2 + i);
+        const QString name = QString::fromUtf8(borrowers[i % 4]);
+        const QDate issued = today.addDays(-90 + i * 5);
+        lendDisc(db, disc, name, i == 5 ? std::nullopt : std::optional(issued.addDays(14)), issued);
+        if (i % 3 == 1 && i < 10) {
+            returnDisc(db, category, disc.key, issued.addDays(14 + i * 3)); // 3, 12 and 21 days late
+        }
     }
 }
 
@@ -133,5 +155,17 @@ int main(int argc, char* argv[])
     editor.show();
     QApplication::processEvents();
     editor.grab().save(out + QStringLiteral("/editor.png"));
+
+    lend(ctx);
+    frmDue loans(ctx, [](Category, PickMode) { return 0; });
+    loans.resize(760, 560);
+    loans.show();
+    QApplication::processEvents();
+    loans.grab().save(out + QStringLiteral("/loans.png"));
+    frmDueStat rating(ctx, QStringLiteral("Мария Волкова"));
+    rating.resize(820, 480);
+    rating.show();
+    QApplication::processEvents();
+    rating.grab().save(out + QStringLiteral("/rating.png"));
     return 0;
 }
