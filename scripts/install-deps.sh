@@ -9,7 +9,7 @@ packages=(
   qt6-gtk-platformtheme qt6-xdgdesktopportal-platformtheme qt6-translations-l10n
   libsqlite3-dev sqlite3
   libcdio-dev libiso9660-dev libudf-dev e2fsprogs
-  genisoimage xorriso udftools libcdio-utils libdiscid-dev
+  genisoimage xorriso udftools libcdio-utils libdiscid-dev libuchardet-dev
   xvfb xauth fonts-dejavu-core adwaita-icon-theme
   clang-14 libclang-rt-14-dev
 )

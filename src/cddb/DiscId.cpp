@@ -72,6 +72,7 @@ std::optional<CddbDisc> cddbDiscFromToc(const Toc& toc)
     Msf leadout = Msf::of(toc.trackLength(count - 1));
     leadout.frames += 1;
     leadout = Msf::of(entries.last().totalFrames() + leadout.totalFrames());
+    disc.leadoutFrames = leadout.totalFrames();
     disc.discLength = leadout.wholeSeconds() - entries.first().wholeSeconds();
 
     qint32 sum = 0;

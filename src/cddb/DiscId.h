@@ -27,6 +27,7 @@ struct CddbDisc
     int tracks = 0;
     QList<qint32> offsets;
     int discLength = 0;
+    qint32 leadoutFrames = 0; // the last track's start and length in frames, and one more
     QList<int> trackSeconds; // the length of each track in whole seconds
 };
 
