@@ -4,6 +4,7 @@
 #include <cdio/cdio.h>
 #include <cdio/logging.h>
 #include <cdio/read.h>
+#include <mutex>
 
 namespace vinora {
 namespace {
@@ -39,7 +40,15 @@ std::unique_ptr<Medium> CdioMedium::open(const QString& path, Source source)
         driver = DRIVER_CDRDAO;
         break;
     }
-    CdIo_t* cdio = cdio_open(name.constData(), driver);
+    CdIo_t* cdio = nullptr;
+    {
+        // libcdio's image parsers are not safe to run in two threads at once, so two
+        // threads opening images together (the drive watch and a command) could spoil each
+        // other's reading of a sheet: opens go one at a time.
+        static std::mutex opening;
+        const std::lock_guard<std::mutex> lock(opening);
+        cdio = cdio_open(name.constData(), driver);
+    }
     if (cdio == nullptr) {
         return nullptr;
     }

@@ -255,7 +255,7 @@ std::optional<QList<IsoVolumeReader::Record>> IsoVolumeReader::readDirectory(con
                     record.size = 0; // read from the moved folder's own record when listed
                 }
             }
-            if (record.name.isEmpty()) {
+            if (!usableEntryName(record.name)) {
                 continue;
             }
             // A file of several extents comes as consecutive records, all but the last flagged.

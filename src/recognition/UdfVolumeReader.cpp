@@ -118,7 +118,9 @@ std::optional<QList<VolumeEntry>> UdfVolumeReader::list(const QString& folder)
         const bool isDir = udf_is_dir(entry);
         const quint64 length =
             std::min<quint64>(udf_get_file_length(entry), std::numeric_limits<qint64>::max());
-        entries.append({nameOf(entry), isDir, isDir ? 0 : qint64(length), hidden});
+        if (const QString name = nameOf(entry); usableEntryName(name)) {
+            entries.append({name, isDir, isDir ? 0 : qint64(length), hidden});
+        }
         return true;
     });
     if (!reached) {

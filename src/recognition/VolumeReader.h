@@ -15,6 +15,13 @@ namespace vinora {
 // is taken for a damaged one.
 inline constexpr int kDeepestFolder = 255;
 
+// A name a disc's entry can go by in a path: not empty, no "/" and no NUL. A damaged
+// directory record can hold anything; such an entry is not listed.
+inline bool usableEntryName(const QString& name)
+{
+    return !name.isEmpty() && !name.contains(u'/') && !name.contains(QChar(0));
+}
+
 struct VolumeEntry
 {
     QString name;
