@@ -195,6 +195,35 @@ private slots:
         QCOMPARE(s.received(), (QList<QByteArray>{kHello, queryLine("0badbeef 1 150 100"), kQuit}));
     }
 
+    // A disc read from the drive takes the first close match of the last list decoded.
+    void closeMatchForADiscUsesTheListDecodedBefore()
+    {
+        Session s;
+        const QByteArray closeMatches = "211 Found inexact matches, list follows (until terminating `.')\r\n"
+                                        "jazz 1c11c714 Various / Jazz Manouche CD 1\r\n.\r\n";
+        s.server.reply("cddb query", closeMatches);
+        CddbDisc disc;
+        disc.id = "1c11c715";
+        disc.tracks = 1;
+        disc.offsets = {150};
+        disc.discLength = 4553;
+        QCOMPARE(s.cddb.GetCddb(disc), QString());
+        QCOMPARE(s.messages(), QStringList{"Данные повреждены!"});
+
+        // A new session starts once the server has closed the last one.
+        QTRY_COMPARE(s.socket.state(), QAbstractSocket::UnconnectedState);
+        QString query = QString::fromLatin1(kRockQuery);
+        s.server.reply("cddb query", "211 Found inexact matches, list follows (until terminating `.')\r\n"
+                                     "rock 2b055c04 Tuhonvarjo / Syvyyden Syli\r\n.\r\n");
+        QVERIFY(s.cddb.GetCddbUseQueryString(query).startsWith("Tuhonvarjo / Syvyyden Syli"));
+        s.server.reply("cddb query", closeMatches);
+        QTRY_COMPARE(s.socket.state(), QAbstractSocket::UnconnectedState);
+        QVERIFY(s.cddb.GetCddb(disc).startsWith("Tuhonvarjo / Syvyyden Syli"));
+        QCOMPARE(s.received().mid(7), (QList<QByteArray>{kHello, queryLine("1c11c715 1 150 4553"),
+                                                         readLine("rock", "2b055c04"), kQuit}));
+        QCOMPARE(s.messages(), QStringList{"Данные повреждены!"});
+    }
+
     void servedRecordsDecode_data()
     {
         QTest::addColumn<QByteArray>("query");
