@@ -1,6 +1,7 @@
 // Speed of the catalogue browser on a collection of 20,000 audio discs: opening it with
 // its first screen shown, and one keystroke of the name filter.
 #include "BenchSupport.h"
+#include "BenchWindows.h"
 #include "catalogue/frmCatalogue.h"
 #include "frame/AppContext.h"
 #include "store/Db.h"
@@ -16,9 +17,7 @@ using namespace vinora::bench;
 
 int main(int argc, char* argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+    const OffscreenWindows windows(argc, argv);
     BenchApp bench;
     AppContext& ctx = bench.ctx;
     {

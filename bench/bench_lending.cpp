@@ -1,6 +1,7 @@
 // Speed of the loan windows on a ledger of 10,000 loans to 2,000 borrowers: the debtor list
 // opened and moved along, and the record of a borrower with 500 loans.
 #include "BenchSupport.h"
+#include "BenchWindows.h"
 #include "lending/BorrowerRating.h"
 #include "lending/LoanLedger.h"
 #include "lending/frmDue.h"
@@ -14,9 +15,7 @@ using namespace vinora::bench;
 
 int main(int argc, char* argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+    const OffscreenWindows windows(argc, argv);
     BenchApp bench;
     AppContext& ctx = bench.ctx;
     const QDate today = QDate::currentDate();
