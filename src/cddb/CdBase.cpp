@@ -470,7 +470,7 @@ QString CdBase::GetCddb(const CddbDisc& disc)
     }
 }
 
-int CdBase::Getlscat()
+int CdBase::listAfterHello(QString (CdBase::*step)(), int (CdBase::*count)() const)
 {
     if (!cddbConnect()) {
         return 0;
@@ -481,8 +481,8 @@ int CdBase::Getlscat()
             cddbQuit();
             return 0;
         }
-        if (cddblscat().startsWith(QStringLiteral("210"))) {
-            result = Categories();
+        if ((this->*step)().startsWith(QStringLiteral("210"))) {
+            result = (this->*count)();
         }
     } catch (const AppError&) {
         damagedReply();
@@ -492,26 +492,14 @@ int CdBase::Getlscat()
     return result;
 }
 
+int CdBase::Getlscat()
+{
+    return listAfterHello(&CdBase::cddblscat, &CdBase::Categories);
+}
+
 int CdBase::GetSites()
 {
-    if (!cddbConnect()) {
-        return 0;
-    }
-    int result = 0;
-    try {
-        if (!cddbHello()) {
-            cddbQuit();
-            return 0;
-        }
-        if (cddbSites().startsWith(QStringLiteral("210"))) {
-            result = Sites();
-        }
-    } catch (const AppError&) {
-        damagedReply();
-        return result;
-    }
-    cddbQuit();
-    return result;
+    return listAfterHello(&CdBase::cddbSites, &CdBase::Sites);
 }
 
 QString CdBase::GetMotd()

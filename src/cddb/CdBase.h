@@ -112,6 +112,9 @@ private:
     QString cddbRead(const QString& category, const QString& discId);
     QString cddblscat();
     QString cddbSites();
+    // Connects, greets, runs `step` (a list command) and quits; the list's size from
+    // `count` when the step's status is 210, else 0.
+    int listAfterHello(QString (CdBase::*step)(), int (CdBase::*count)() const);
     QString cddbMotd();
     static int cddbStatusCode(const QString& reply);
 
