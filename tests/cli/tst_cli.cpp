@@ -1,3 +1,4 @@
+#include "../cddb/FakeCddbServer.h"
 #include "../recognition/DiscFixtures.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/VolumeIdentity.h"
@@ -10,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QHostInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -350,7 +352,7 @@ private slots:
         QVERIFY(help.out.startsWith("Usage: vinora-cli VERB [options] [arguments]\n"));
         const QStringList lines = help.out.split('\n');
         const QStringList verbs = {"drives", "add-image", "remove-image", "identify", "toc",
-                                   "scan",   "loans",     "lend",         "return"};
+                                   "scan",   "cddb",      "loans",        "lend",     "return"};
         QStringList listed;
         for (const QString& line : lines) {
             const QString word = line.section(' ', 2, 2);
@@ -400,6 +402,9 @@ private slots:
                    "--number <N>", "--disc <K>", "--files-in-root", "--folders",        "--folders-only",
                    "--lower-case", "--hidden",   "--mp3",           "--filter-exclude", "--filter-include",
                    "--bind",       "--new-id",   "--json"};
+        QTest::newRow("cddb") << "cddb"
+                              << "Usage: vinora-cli cddb [options] DRIVE\n"
+                              << QStringList{"--server <HOST:PORT>", "--timeout <S>", "--email <ADDRESS>"};
         QTest::newRow("loans") << "loans"
                                << "Usage: vinora-cli loans [options]\n"
                                << QStringList{"--json", "days overdue"};
@@ -525,6 +530,47 @@ private slots:
         QCOMPARE(db.scalar("SELECT ДатаВозвратаРеальная FROM Должники WHERE КодДиска = 1 AND Категория = 'AD'")
                      .toString(),
                  today);
+    }
+
+    void cddbRecordOfTheDiscInADrive()
+    {
+        // Tracks of the lengths that give disc id 12025d03, a record the server holds.
+        const QString cue = m_discs.audioCue("country", {11993, 19539, 13880});
+        test::FakeCddbServer server(VINORA_TEST_DATA "/cddb");
+        QVERIFY(server.start());
+        Home home;
+        const auto ask = [&](const QStringList& extra) {
+            QProcess process;
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert("VINORA_HOME", home.path());
+            process.setProcessEnvironment(environment);
+            process.start(QStringLiteral(VINORA_CLI),
+                          QStringList{"cddb", cue, "--server", "127.0.0.1:" + QString::number(server.port()),
+                                      "--email", "tester@example.org"} +
+                              extra);
+            // The server answers from this thread's event loop while the tool runs.
+            [&] { QTRY_VERIFY_WITH_TIMEOUT(process.state() == QProcess::NotRunning, 30000); }();
+            Run run;
+            run.crashed = process.exitStatus() != QProcess::NormalExit;
+            run.code = process.exitCode();
+            run.out = QString::fromUtf8(process.readAllStandardOutput());
+            run.err = QString::fromUtf8(process.readAllStandardError());
+            return run;
+        };
+        const Run found = ask({});
+        QVERIFY2(found.code == 0, qPrintable(found.err));
+        QCOMPARE(found.out, "discid: 12025d03\ncategory: country\nartist: Ernest Ray Everett - Single CD\n"
+                            "album: Ernest Ray Everett - Single CD\n1\tI'm Your Puppet\n2\tMe And Jacky\n"
+                            "3\tIf You Don't Like Country\n");
+        QVERIFY(server.received.contains("cddb hello tester@example.org " + QHostInfo::localHostName().toUtf8() +
+                                         " vinora 1.0\r\n"));
+        QVERIFY(QDir(home.path()).entryList(QDir::Files).isEmpty()); // nothing written
+
+        server.reply("cddb query", "202 No match for disc ID 12025d03.\r\n");
+        const Run none = ask({"--timeout", "5"});
+        QCOMPARE(none.code, 1);
+        QVERIFY2(none.err.contains("На сервере отсутствует описание для этого диска!"), qPrintable(none.err));
+        QCOMPARE(ask({"--timeout", "70"}).code, 2);
     }
 
     void scanWithoutDatabasesMakesNone()
