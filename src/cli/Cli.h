@@ -59,7 +59,7 @@ struct Verb
 QList<Verb> driveVerbs();
 QList<Verb> scanVerbs();
 QList<Verb> loanVerbs();
-QList<Verb> cddbVerbs();
+QList<Verb> audioVerbs();
 
 // Every verb in the order `help` lists them.
 const QList<Verb>& verbs();

@@ -352,7 +352,8 @@ private slots:
         QVERIFY(help.out.startsWith("Usage: vinora-cli VERB [options] [arguments]\n"));
         const QStringList lines = help.out.split('\n');
         const QStringList verbs = {"drives", "add-image", "remove-image", "identify", "toc",
-                                   "scan",   "cddb",      "loans",        "lend",     "return"};
+                                   "scan",   "cddb",      "tracks",       "loans",    "lend",
+                                   "return"};
         QStringList listed;
         for (const QString& line : lines) {
             const QString word = line.section(' ', 2, 2);
@@ -405,6 +406,9 @@ private slots:
         QTest::newRow("cddb") << "cddb"
                               << "Usage: vinora-cli cddb [options] DRIVE\n"
                               << QStringList{"--server <HOST:PORT>", "--timeout <S>", "--email <ADDRESS>"};
+        QTest::newRow("tracks") << "tracks"
+                                << "Usage: vinora-cli tracks [options] NUMBER\n"
+                                << QStringList{"--disc <K>", "--json"};
         QTest::newRow("loans") << "loans"
                                << "Usage: vinora-cli loans [options]\n"
                                << QStringList{"--json", "days overdue"};
@@ -571,6 +575,31 @@ private slots:
         QCOMPARE(none.code, 1);
         QVERIFY2(none.err.contains("На сервере отсутствует описание для этого диска!"), qPrintable(none.err));
         QCOMPARE(ask({"--timeout", "70"}).code, 2);
+    }
+
+    void storedTrackList()
+    {
+        Home home;
+        home.makeDatabases();
+        {
+            Db db(home.mainDb());
+            db.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля, ДискID1) VALUES (12, 'Кино', 2, 1, 'A1B2')");
+            Db tracks(home.tracksDb());
+            ContentsLists(tracks, ContentsKind::Tracks).create("A1B2");
+            tracks.exec("INSERT INTO Треки (ДискID, Номер, Название, Комментарий) VALUES "
+                        "('A1B2', 2, 'Закрой за мной дверь', NULL), ('A1B2', 1, 'Группа крови', 'хит')");
+        }
+        const Run listed = home.cli({"tracks", "12"});
+        QCOMPARE(listed.code, 0);
+        QCOMPARE(listed.out, "1\tГруппа крови\tхит\n2\tЗакрой за мной дверь\t\n");
+        const QJsonArray json = QJsonDocument::fromJson(home.cli({"tracks", "12", "--json"}).out.toUtf8()).array();
+        QCOMPARE(json.size(), 2);
+        QCOMPARE(json.at(1).toObject().value("title").toString(), "Закрой за мной дверь");
+        const Run second = home.cli({"tracks", "12", "--disc", "2"});
+        QCOMPARE(second.code, 1);
+        QCOMPARE(second.err, "vinora-cli: disc 2 of audio disc number 12 has no track list\n");
+        QCOMPARE(home.cli({"tracks", "12", "--disc", "3"}).code, 1); // the set has two discs
+        QCOMPARE(home.cli({"tracks", "99"}).err, "vinora-cli: Диск № 99 отсутствует в каталоге.\n");
     }
 
     void scanWithoutDatabasesMakesNone()
