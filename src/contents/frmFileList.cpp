@@ -401,7 +401,7 @@ void frmFileList::openCopyOf(const QString& drive, const QString& file, bool ope
         return;
     }
     if (!m_copies) {
-        m_copies = std::make_unique<QTemporaryDir>(QDir::temp().filePath(QStringLiteral("vinora-XXXXXX")));
+        m_copies = std::make_unique<QTemporaryDir>(QDir::temp().filePath(QStringLiteral("vinora-")));
     }
     // Each copy in a folder of its own: files of one name from two folders of the disc.
     const QString folder = QDir(m_copies->path()).filePath(QString::number(++m_copiesMade));
