@@ -142,6 +142,19 @@ private slots:
         QCOMPARE(shelf.scalar("SELECT ДатаВозврата FROM Должники").toString(), due.toString());
     }
 
+    void escapeLeavesWithoutALoan()
+    {
+        Shelf shelf;
+        frmAddInDue dialog(shelf.app.ctx, shelf.disc());
+        dialog.show();
+        type(nameBox(dialog), "Борис");
+        QTest::keyClick(nameBox(dialog), Qt::Key_Escape);
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
+        QVERIFY(!shelf.app.ctx.DialogDone);
+        QCOMPARE(shelf.scalar("SELECT COUNT(*) FROM Должники").toInt(), 0);
+        QCOMPARE(shelf.scalar("SELECT Должник FROM Аудио").toInt(), 0);
+    }
+
     void aNameIsRequired()
     {
         Shelf shelf;
