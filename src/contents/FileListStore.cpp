@@ -1,5 +1,6 @@
 #include "contents/FileListStore.h"
 
+#include "contents/ContentsLinks.h"
 #include "frame/AppContext.h"
 #include "store/ContentsLists.h"
 #include "store/Db.h"
@@ -22,17 +23,7 @@ QString clashQuestionText()
 
 bool CheckFileTableOwner(const AppContext& ctx, const QString& id)
 {
-    QStringList where;
-    QVariantList values;
-    for (int k = 1; k <= 6; ++k) {
-        where.append(QStringLiteral("ДискID%1 = ?").arg(k));
-        values.append(id);
-    }
-    const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
-    return db.scalar(QStringLiteral("SELECT COUNT(*) FROM Компьютер WHERE ") +
-                         where.join(QStringLiteral(" OR ")),
-                     values)
-               .toInt() > 0;
+    return listHasOwner(ctx, ContentsKind::Files, id);
 }
 
 bool CreateFileTable(AppContext& ctx, QString& id, bool ask, const ClashQuestion& question)
@@ -64,49 +55,21 @@ bool CreateFileTable(AppContext& ctx, QString& id, bool ask, const ClashQuestion
     }
 }
 
-namespace {
-
-// Writes ДискID<slot> (and ДискID<slot>_d with `share`) of computer disc `number`; a null
-// `id` unties the slot.
-void setDiscIdSlot(AppContext& ctx, int number, int slot, const QString& id, bool share)
-{
-    if (slot < 1 || slot > 6) {
-        return;
-    }
-    const QVariant value = id.isEmpty() ? QVariant() : QVariant(id);
-    const Db db(ctx.MainDBPath);
-    QString set = quoted(QStringLiteral("ДискID%1").arg(slot)) + QStringLiteral(" = ?");
-    QVariantList values{value};
-    if (share) {
-        set += QStringLiteral(", ") + quoted(QStringLiteral("ДискID%1_d").arg(slot)) + QStringLiteral(" = ?");
-        values.append(value);
-    }
-    values.append(number);
-    db.exec(QStringLiteral("UPDATE Компьютер SET ") + set +
-                QStringLiteral(
-                    " WHERE КодКомпьютерныйДиск = (SELECT КодКомпьютерныйДиск FROM Компьютер WHERE Номер = ? "
-                    "ORDER BY 1 LIMIT 1)"),
-            values);
-    ctx.DiscIDSlots[static_cast<std::size_t>(slot - 1)] = id;
-}
-
-} // namespace
-
 void CreateLinkDiskID(AppContext& ctx, int number, int slot, const QString& id, bool share)
 {
-    setDiscIdSlot(ctx, number, slot, id, share);
+    const QVariant value = id.isEmpty() ? QVariant() : QVariant(id);
+    QList<QPair<QString, QVariant>> fields{{QStringLiteral("ДискID%1").arg(slot), value}};
+    if (share) {
+        fields.append({QStringLiteral("ДискID%1_d").arg(slot), value});
+    }
+    writeDiscSlot(ctx, ContentsKind::Files, number, slot, fields);
 }
 
 void DeleteFileList(AppContext& ctx, int number, int slot, const QString& id)
 {
-    {
-        const Db files(ctx.FilesDBPath);
-        const ContentsLists lists(files, ContentsKind::Files);
-        if (lists.exists(id)) {
-            lists.drop(id);
-        }
-    }
-    setDiscIdSlot(ctx, number, slot, QString(), false);
+    dropListIfAny(ctx, ContentsKind::Files, id);
+    writeDiscSlot(ctx, ContentsKind::Files, number, slot,
+                  {{QStringLiteral("ДискID%1").arg(slot), QVariant()}});
 }
 
 FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id))
