@@ -23,19 +23,12 @@ qint64 styleKey(const Db& db, const QString& name)
     return db.scalar(QStringLiteral("SELECT last_insert_rowid()")).toLongLong();
 }
 
-void addDiscRow(AppContext& ctx, const CddbRecord& record, int discLength, const NumberShift& shift)
+void addDiscRow(AppContext& ctx, const CddbRecord& record, int discLength, NumberShift shift)
 {
     const Db db(ctx.MainDBPath);
     Transaction transaction(db);
     const qint64 style = styleKey(db, record.category);
-    const int shiftStart = ctx.ShiftStart;
-    int rowCount = 0;
-    if (shiftStart > 0 && shift.numbers) {
-        underFaultHandler(ctx, QStringLiteral("vinoraModule, MoveNumbers()"), [&] {
-            ctx.ShiftStart = 0;
-            rowCount = shift.numbers(db, shiftStart);
-        });
-    }
+    shift.inTransaction(ctx, db);
     const int slot = ctx.CDDBDiscInSet;
     const bool inSet = slot >= 1 && slot <= 5;
     const QString fields = inSet ? QStringLiteral(", ДискID%1, Записей%1, Время%1").arg(slot) : QString();
@@ -56,15 +49,32 @@ void addDiscRow(AppContext& ctx, const CddbRecord& record, int discLength, const
                 (inSet ? QStringLiteral(", ?, ?, ?") : QString()) + u')',
             values);
     transaction.commit();
-    if (shiftStart > 0 && shift.covers) {
-        shift.covers(shiftStart, rowCount);
-    }
+    shift.afterCommit();
     if (inSet) {
         ctx.DiscIDSlots[static_cast<std::size_t>(slot - 1)] = ctx.CurrentDiscID;
     }
 }
 
 } // namespace
+
+void NumberShift::inTransaction(AppContext& ctx, const Db& db)
+{
+    m_start = ctx.ShiftStart;
+    if (m_start <= 0 || !numbers) {
+        return;
+    }
+    underFaultHandler(ctx, QStringLiteral("vinoraModule, MoveNumbers()"), [&] {
+        ctx.ShiftStart = 0;
+        m_rowCount = numbers(db, m_start);
+    });
+}
+
+void NumberShift::afterCommit() const
+{
+    if (m_start > 0 && covers) {
+        covers(m_start, m_rowCount);
+    }
+}
 
 CddbWrite writeCddbRecord(AppContext& ctx, const CddbRecord& record, int discLength, const NumberShift& shift)
 {

@@ -16,6 +16,15 @@ struct NumberShift
 {
     std::function<int(const Db& db, int start)> numbers;
     std::function<void(int start, int rowCount)> covers;
+
+    // Runs the pending shift on `db` (ctx.ShiftStart is 0 afterwards; a failure goes to the
+    // fault log), for a caller inside its transaction; afterCommit() then moves the covers.
+    void inTransaction(AppContext& ctx, const Db& db);
+    void afterCommit() const;
+
+private:
+    int m_start = 0;
+    int m_rowCount = 0;
 };
 
 enum class CddbWrite { Written, NoTitle };
