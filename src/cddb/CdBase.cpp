@@ -3,6 +3,7 @@
 #include "cddb/ReplyText.h"
 #include "frame/AppContext.h"
 #include "frame/AppError.h"
+#include "frame/FaultLog.h"
 #include "frame/Prompter.h"
 
 #include <QEventLoop>
@@ -21,6 +22,8 @@ const QString kConnectTimedOut = QStringLiteral("Время ожидания с�
 const QString kQueryTimedOut = QStringLiteral("Время ожидания ответа на запрос истекло!");
 const QString kDamaged = QStringLiteral("Данные повреждены!");
 const QString kTimeoutReply = QStringLiteral("600 Timeout");
+const QString kNoDeviceAccess = QStringLiteral("Не возможно получить доступ к устройству!");
+const QString kNoDescription = QStringLiteral("На сервере отсутствует описание для этого диска!");
 
 // The first line of `text` without its line end.
 QString firstLine(const QString& text)
@@ -413,8 +416,7 @@ QString CdBase::queryAndRead(const QString& query, bool givenQuery)
         break;
     }
     case 202:
-        tell(givenQuery ? QStringLiteral("На сервере отсутствует информация о этом диске!")
-                        : QStringLiteral("На сервере отсутствует описание для этого диска!"));
+        tell(givenQuery ? QStringLiteral("На сервере отсутствует информация о этом диске!") : kNoDescription);
         break;
     case 403:
         tell(kDamaged);
@@ -455,6 +457,7 @@ QString CdBase::GetCddb(const CddbDisc& disc)
     m_tracks = disc.tracks;
     m_offsets = disc.offsets;
     m_discLength = disc.discLength;
+    m_trackSeconds = disc.trackSeconds;
     if (!cddbConnect()) {
         return QStringLiteral("000 Failure to Connect");
     }
@@ -528,6 +531,175 @@ void CdBase::cddbSend(const QString& text)
         send(text);
         m_replyBuffer.clear();
     }
+}
+
+// --- the drive -------------------------------------------------------------------------
+
+void CdBase::noteMode()
+{
+    const int mode = m_device.Mode();
+    if (mode != m_lastMode) {
+        m_lastMode = mode;
+        emit deviceStatus(CdDevice::modeText(mode));
+    }
+}
+
+void CdBase::deviceCommand(const QString& command)
+{
+    m_device.Command(command);
+    noteMode();
+}
+
+void CdBase::setFileName(const QString& drive)
+{
+    m_device.setFileName(drive);
+    noteMode();
+}
+
+void CdBase::Refresh()
+{
+    m_device.Refresh();
+    noteMode();
+}
+
+QString CdBase::cddbGetCdid()
+{
+    Refresh();
+    const bool wasOpen = m_device.Mode() != CdDevice::kNotOpen;
+    if (!wasOpen) {
+        deviceCommand(QStringLiteral("Open"));
+    }
+    if (m_device.Mode() == CdDevice::kNotOpen) {
+        tell(kNoDeviceAccess);
+        return {};
+    }
+    const auto closeAgain = [this, wasOpen] {
+        if (!wasOpen) {
+            deviceCommand(QStringLiteral("Close"));
+        }
+    };
+    m_tracks = m_device.Tracks();
+    if (m_tracks == 0) {
+        tell(kNoDescription);
+        closeAgain();
+        return {};
+    }
+    const std::optional<CddbDisc> disc = cddbDiscFromToc(m_device.toc());
+    if (!disc) {
+        // Only a damaged table of contents lists more tracks than a disc can hold.
+        emit aboutToPrompt();
+        ReportErrorAndGoOn(m_ctx, QStringLiteral("CdBase, cddbGetCdid()"),
+                           AppError(err::Overflow, QStringLiteral("A disc of %1 tracks").arg(m_tracks)));
+        m_cdid.clear();
+        closeAgain();
+        return {};
+    }
+    m_cdid = disc->id;
+    m_tracks = disc->tracks;
+    m_offsets = disc->offsets;
+    m_discLength = disc->discLength;
+    m_trackSeconds = disc->trackSeconds;
+    closeAgain();
+    return m_cdid;
+}
+
+QString CdBase::GetQueryString()
+{
+    if (m_waiting) {
+        return {};
+    }
+    m_cdid = cddbGetCdid();
+    if (m_cdid.isEmpty()) {
+        return {};
+    }
+    CddbDisc disc;
+    disc.id = m_cdid;
+    disc.tracks = m_tracks;
+    disc.offsets = m_offsets;
+    disc.discLength = m_discLength;
+    return vinora::GetQueryString(disc);
+}
+
+int CdBase::SongLength(int track, bool fromDevice)
+{
+    if (!fromDevice) {
+        return track >= 1 && track <= m_tracks && track <= m_trackSeconds.size() ? m_trackSeconds[track - 1]
+                                                                                 : 0;
+    }
+    m_device.setTrack(track);
+    if (track < 1 || track > m_device.Tracks()) {
+        return 0;
+    }
+    const quint32 length = m_device.TrackLength();
+    return int(length & 0xFF) * 60 + int((length >> 8) & 0xFF);
+}
+
+void CdBase::Command(const QString& command)
+{
+    static const QStringList known{QStringLiteral("OPEN"),  QStringLiteral("CLOSE"), QStringLiteral("PLAY"),
+                                   QStringLiteral("PAUSE"), QStringLiteral("STOP"),  QStringLiteral("PREV"),
+                                   QStringLiteral("NEXT"),  QStringLiteral("EJECT")};
+    const QString word = command.trimmed().toUpper();
+    if (!known.contains(word)) {
+        return;
+    }
+    deviceCommand(word);
+    if (word == u"OPEN" && m_device.Mode() == CdDevice::kNotOpen) {
+        throw AppError(err::PathFileAccess, kNoDeviceAccess);
+    }
+}
+
+QString CdBase::Position(int kind)
+{
+    m_device.setTrack(1);
+    // Before track 1 (its pregap) counts as its start.
+    qint32 frames = std::max(MsfToFrames(m_device.Position()) - MsfToFrames(m_device.TrackPosition()), 0);
+    const qint32 totalFrames = frames;
+    const quint32 packed = FramesToMsf(frames);
+    const int minutes = int(packed & 0xFF);
+    const int seconds = int((packed >> 8) & 0xFF);
+    switch (kind) {
+    case 1:
+        return QString::number(packed);
+    case 2:
+        return QString::number(totalFrames);
+    case 3:
+        return QString::number(minutes * 60 + seconds);
+    case 4:
+        return QString::number(minutes) + u':' + FrontPad(QString::number(seconds), 2);
+    default:
+        return {};
+    }
+}
+
+int CdBase::CurrentTrack()
+{
+    Refresh();
+    if (m_device.Mode() == CdDevice::kNotOpen) {
+        return 0;
+    }
+    const qint32 position = MsfToFrames(m_device.Position());
+    const int selected = m_device.Track();
+    int current = 0;
+    for (int track = 1; track <= m_device.Tracks(); ++track) {
+        m_device.setTrack(track);
+        const qint32 start = MsfToFrames(m_device.TrackPosition());
+        if (start <= position && position <= start + MsfToFrames(m_device.TrackLength())) {
+            current = track;
+        }
+    }
+    m_device.setTrack(selected);
+    return current;
+}
+
+void CdBase::setCurrentTrack(int track)
+{
+    if (track < 1 || track > m_device.Tracks()) {
+        return;
+    }
+    deviceCommand(QStringLiteral("Stop"));
+    m_device.setTrack(track);
+    deviceCommand(QStringLiteral("Seek"));
 }
 
 } // namespace vinora

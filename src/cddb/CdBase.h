@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cddb/CdDevice.h"
 #include "cddb/CddbRecord.h"
 #include "cddb/DiscId.h"
 
@@ -21,6 +22,9 @@ class AppContext;
 // record, the category and site lists and the message of the day. Every request waits for
 // its reply in a local event loop, so the window's own timers keep running, and a one-shot
 // watchdog restarted for each request ends a wait that gets no answer.
+//
+// The session also holds the audio player of its drive (a device node or a disc image): the
+// disc id and query figures are read from there, and the window plays the disc through it.
 class CdBase : public QObject
 {
     Q_OBJECT
@@ -93,6 +97,37 @@ public:
     // Says goodbye when connected; the server closes the connection.
     void cddbQuit();
 
+    // --- the drive ---------------------------------------------------------------------
+    QString FileName() const { return m_device.FileName(); }
+    void setFileName(const QString& drive);
+    const CdDevice& device() const { return m_device; }
+    // The mode last reported by deviceStatus (0 before the first report).
+    int LastMode() const { return m_lastMode; }
+    // Reads the player's mode again.
+    void Refresh();
+
+    // The disc id of the disc in the drive, which becomes Cdid with its track offsets,
+    // Tracks and DiscLength; empty text, after a message, when the drive cannot be used (a
+    // table of contents of more than 99 tracks goes to the fault log). A drive that was not
+    // open before is closed again.
+    QString cddbGetCdid();
+    // "id tracks offset1 ... offsetN length" of the disc in the drive, its id read anew;
+    // empty while a request waits for its reply, or when there is no id.
+    QString GetQueryString();
+    // The length of track n in whole seconds: read from the drive (selecting the track
+    // there), or the length kept by the last cddbGetCdid; 0 outside 1..Tracks.
+    int SongLength(int track, bool fromDevice);
+    // "OPEN", "CLOSE", "PLAY", "PAUSE", "STOP", "PREV", "NEXT", "EJECT" in any case; other
+    // texts are ignored. Throws AppError when "OPEN" leaves the drive not open.
+    void Command(const QString& command);
+    // The playing position from the start of track 1: 1 packed (as a decimal number), 2 in
+    // frames, 3 in whole seconds, 4 as "m:ss"; empty text for another kind. Selects track 1.
+    QString Position(int kind);
+    // The track the player is at, 0 when the drive is not open.
+    int CurrentTrack();
+    // Stops the player and moves it to the start of track n; ignored outside 1..Tracks.
+    void setCurrentTrack(int track);
+
     QString GetMyHostName() const;
     // Each "\n" typed as two characters becomes a line end.
     static QString NewLineFix(const QString& text);
@@ -102,6 +137,8 @@ signals:
     void sessionStatus(const QString& text);
     // Raised before any message box of the session, so the owner can step aside.
     void aboutToPrompt();
+    // The player's mode in words ("Device is playing"), each time it changes.
+    void deviceStatus(const QString& text);
 
 private:
     enum class Gather { FirstChunk, ToEndMark };
@@ -129,6 +166,11 @@ private:
     // Sends `line` (nothing for the greeting) and waits; false when the watchdog fired.
     bool request(const QString& line, Gather gather);
 
+    // Reports the player's mode when it differs from the one reported last.
+    void noteMode();
+    // The device command, then the report of the mode it leaves.
+    void deviceCommand(const QString& command);
+
     void onReadyRead();
     void onDisconnected();
     void onWatchdog();
@@ -155,6 +197,10 @@ private:
     int m_discLength = 0;
     int m_tracks = 0;
     QList<qint32> m_offsets;
+    QList<int> m_trackSeconds;
+
+    CdDevice m_device;
+    int m_lastMode = 0;
 
     CddbRecord m_record;
     QList<CddbMatch> m_matches; // the close matches of the last 211 reply
