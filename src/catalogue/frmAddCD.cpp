@@ -1,13 +1,19 @@
 #include "catalogue/frmAddCD.h"
 
+#include "catalogue/AudioSources.h"
+#include "catalogue/DiscRecord.h"
 #include "catalogue/Numbering.h"
 #include "catalogue/frmAddInCatalogue.h"
+#include "cddb/CddbServers.h"
+#include "cddb/frmCDDB.h"
+#include "contents/TrackListStore.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/DriveWatch.h"
 #include "recognition/Drives.h"
+#include "recognition/Medium.h"
 #include "recognition/frmSelectCategory.h"
 #include "store/Db.h"
 #include "ui/EnterKey.h"
@@ -62,7 +68,7 @@ frmAddCD::frmAddCD(AppContext& ctx, Category category, QWidget* parent)
         new QCheckBox(QStringLiteral("Определять этот диск, когда он вставлен в дисковод"), this);
     m_chAutoDetect->setObjectName(QStringLiteral("chAutoDetect"));
     layout->addWidget(m_chAutoDetect);
-    // The audio sources: CDDB servers and cdplayer.ini come with the CDDB client.
+    // The audio sources: a CDDB server or cdplayer.ini instead of the editor.
     m_chQuery[0] = new QCheckBox(QStringLiteral("сервер CDDB"), this);
     m_chQuery[1] = new QCheckBox(QStringLiteral("файл cdplayer.ini"), this);
     m_chTrackSave = new QCheckBox(QStringLiteral("Сохранить в cdplayer.ini"), this);
@@ -97,6 +103,9 @@ frmAddCD::frmAddCD(AppContext& ctx, Category category, QWidget* parent)
         m_cmbDrive->setCurrentIndex(static_cast<int>(drives.indexOf(chosenDrive(m_ctx.ini(), drives))));
     }
     connect(m_cmbDrive, &QComboBox::activated, this, &frmAddCD::UpdateDriveInfo);
+    for (int index : {0, 1}) {
+        connect(m_chQuery[index], &QCheckBox::clicked, this, [this, index] { chQuery_Click(index); });
+    }
     keepTitleVisible(this);
 }
 
@@ -112,6 +121,8 @@ void frmAddCD::showEvent(QShowEvent* event)
         return;
     }
     m_activated = true;
+    m_cmbServer->addItems(cddbServerItems(m_ctx.ini()));
+    m_cmbServer->setCurrentIndex(preselectedServer(m_ctx.ini()));
     if (!m_cmbDrive->isEnabled()) {
         m_ctx.prompter().message(QStringLiteral("Устройство для чтения компакт-дисков не найдено!"),
                                  MessageStyle::Exclamation);
@@ -145,6 +156,108 @@ void frmAddCD::UpdateDriveInfo()
     const bool bound = expected && CheckCDID();
     m_chAutoDetect->setChecked(expected && !bound);
     m_chAutoDetect->setEnabled(expected && !bound);
+    if (m_category == Category::Audio) {
+        setAudioSources(expected);
+    }
+}
+
+void frmAddCD::setAudioSources(bool usable)
+{
+    m_chQuery[0]->setEnabled(usable);
+    m_chQuery[1]->setEnabled(usable);
+    m_cmbServer->setEnabled(usable && m_chQuery[0]->isChecked());
+    if (!usable) {
+        m_chQuery[0]->setChecked(false);
+        m_chQuery[1]->setChecked(false);
+        m_chTrackSave->setEnabled(false);
+    }
+}
+
+void frmAddCD::chQuery_Click(int index)
+{
+    if (!m_chQuery[index]->isChecked()) {
+        if (index == 0) {
+            m_chTrackSave->setEnabled(false);
+            m_cmbServer->setEnabled(false);
+        }
+        return;
+    }
+    m_chQuery[1 - index]->setChecked(false);
+    m_chTrackSave->setEnabled(index == 0);
+    m_cmbServer->setEnabled(index == 0);
+}
+
+bool frmAddCD::CheckAudioDisc(int number)
+{
+    const auto refuse = [this](const QString& text) {
+        m_ctx.prompter().message(text, MessageStyle::Exclamation);
+        return false;
+    };
+    if (drive().isEmpty()) {
+        return refuse(QStringLiteral("Устройство для чтения компакт-дисков не найдено!"));
+    }
+    if (GetDiskIDcheck(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this)) !=
+        QStringLiteral("AudioCD")) {
+        return refuse(QStringLiteral(
+            "Вставьте Аудио диск в устройство для чтения компакт-дисков и повторите операцию."));
+    }
+    m_ctx.CurrentDiscID = GetDiskID(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this));
+    if (m_ctx.CurrentDiscID.isEmpty()) {
+        return refuse(
+            QStringLiteral("В устройстве для чтения компакт дисков вставлен диск без идентификационного "
+                           "номера (возможно, что диск записан в формате PacketCD, который не "
+                           "поддерживается программой)!"));
+    }
+    m_ctx.LastSavedNumber = static_cast<qint16>(number);
+    return true;
+}
+
+void frmAddCD::queryServer()
+{
+    if (!CreateTrackTable(m_ctx, m_ctx.CurrentDiscID, true)) {
+        return;
+    }
+    m_ctx.CatalogueQueryFilter = QStringLiteral("cddb:1");
+    m_ctx.CDDBUpdateRow = false;
+    m_ctx.CDDBSaveToIni = m_chTrackSave->isChecked();
+    if (m_chAutoDetect->isChecked()) {
+        m_ctx.AutoDetectTag = QStringLiteral("ad:") + m_ctx.CurrentDiscID;
+    }
+    m_ctx.CDDBDiscInSet = 1;
+    m_ctx.DialogDone = false;
+    hide();
+    frmCDDB query(m_ctx, drive(), m_cmbServer->currentText(), audioNumberShift(m_ctx), parentWidget());
+    m_ctx.prompter().showModal(query);
+    m_ctx.CDDBSaveToIni = false;
+    m_ctx.CatalogueQueryFilter.clear();
+    m_fromSource = true;
+}
+
+void frmAddCD::importFromCdPlayer()
+{
+    WaitCursor hourglass;
+    if (!CreateTrackTable(m_ctx, m_ctx.CurrentDiscID, true)) {
+        return;
+    }
+    const bool found =
+        underFaultHandler(m_ctx, QStringLiteral("frmAddCD, AddNewDisk()"),
+                          [this] { return AddNewDisk(m_ctx, m_chAutoDetect->isChecked(), GetLengthCD()); }) &&
+        underFaultHandler(m_ctx, QStringLiteral("frmAddCD, ImportTrackList()"),
+                          [this] { return importTrackNames(m_ctx, m_ctx.CurrentDiscID).has_value(); });
+    if (found) {
+        m_ctx.DialogDone = true;
+        m_fromSource = true;
+        return;
+    }
+    dropTrackList(m_ctx, m_ctx.CurrentDiscID);
+    m_ctx.prompter().message(QStringLiteral("Информация о этом диске отсутствует в файле cdplayer.ini!"),
+                             MessageStyle::Exclamation);
+}
+
+QString frmAddCD::GetLengthCD() const
+{
+    const std::unique_ptr<Medium> medium = openMedium(drive());
+    return medium ? playingTimeText(medium->toc()) : QString();
 }
 
 bool frmAddCD::CheckCDID()
@@ -220,6 +333,16 @@ void frmAddCD::cmdOK()
                 MessageStyle::YesNoQuestion) == Answer::Yes) {
             m_ctx.ShiftStart = static_cast<qint16>(number);
         }
+        if (m_category == Category::Audio) {
+            for (int index : {0, 1}) {
+                if (m_chQuery[index]->isChecked() && m_chQuery[index]->isEnabled()) {
+                    if (CheckAudioDisc(number)) {
+                        index == 0 ? queryServer() : importFromCdPlayer();
+                    }
+                    return false;
+                }
+            }
+        }
         if (m_chAutoDetect->isChecked()) {
             WaitCursor hourglass;
             m_ctx.CurrentDiscID = GetDiskID(m_ctx, drive(), frmSelectCategory::chooser(m_ctx, this));
@@ -234,6 +357,12 @@ void frmAddCD::cmdOK()
         }
         return true;
     });
+    if (m_fromSource) {
+        m_ctx.ShiftStart = 0;
+        m_ctx.AutoDetectTag.clear();
+        accept();
+        return;
+    }
     if (!goOn) {
         return;
     }
@@ -248,6 +377,11 @@ bool runAddDisc(AppContext& ctx, Category category, QWidget* parent)
         frmAddCD first(ctx, category, parent);
         if (ctx.prompter().showModal(first) != QDialog::Accepted) {
             return false;
+        }
+        if (first.addedFromSource()) {
+            const bool added = ctx.DialogDone;
+            ctx.DialogDone = false;
+            return added;
         }
         number = first.chosenNumber();
     }

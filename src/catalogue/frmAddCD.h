@@ -22,22 +22,32 @@ public:
     frmAddCD(AppContext& ctx, Category category, QWidget* parent = nullptr);
 
     int chosenNumber() const { return m_number; }
+    // True when an audio source (a CDDB server, cdplayer.ini) has taken over the add: the
+    // editor is not wanted, and ctx.DialogDone tells whether a disc was added.
+    bool addedFromSource() const { return m_fromSource; }
 
     void cmdOK();
     void cmdSearch();
     void UpdateDriveInfo();
     bool CheckCDID();
+    bool CheckAudioDisc(int number);
+    void chQuery_Click(int index);
 
 protected:
     void showEvent(QShowEvent* event) override;
 
 private:
     QString drive() const;
+    void queryServer();
+    void importFromCdPlayer();
+    void setAudioSources(bool usable);
+    QString GetLengthCD() const;
 
     AppContext& m_ctx;
     Category m_category;
     int m_number = 0;
     bool m_activated = false;
+    bool m_fromSource = false;
     QLineEdit* m_txtNumber;
     QComboBox* m_cmbDrive;
     QLabel* m_lblInserCD;

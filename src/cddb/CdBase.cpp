@@ -125,6 +125,9 @@ void CdBase::send(const QString& line)
 
 bool CdBase::request(const QString& line, Gather gather)
 {
+    if (m_cancelled) {
+        return false;
+    }
     if (!line.isEmpty()) {
         send(line);
     }
@@ -194,8 +197,21 @@ void CdBase::onWatchdog()
     }
 }
 
+void CdBase::cancel()
+{
+    m_cancelled = true;
+    m_socket.abort();
+    m_timedOut = true;
+    if (m_loop != nullptr) {
+        m_loop->quit();
+    }
+}
+
 void CdBase::tell(const QString& text)
 {
+    if (m_cancelled) {
+        return; // the owner has stopped the session and wants no messages
+    }
     emit aboutToPrompt();
     m_ctx.prompter().message(text, MessageStyle::Exclamation);
 }

@@ -128,6 +128,11 @@ public:
     // Stops the player and moves it to the start of track n; ignored outside 1..Tracks.
     void setCurrentTrack(int track);
 
+    // Ends the request in progress and every later one at once, without a message: the
+    // owner has been closed by hand. The request's caller sees a failure.
+    void cancel();
+    bool cancelled() const { return m_cancelled; }
+
     QString GetMyHostName() const;
     // Each "\n" typed as two characters becomes a line end.
     static QString NewLineFix(const QString& text);
@@ -182,6 +187,7 @@ private:
 
     bool m_waiting = false;
     bool m_timedOut = false;
+    bool m_cancelled = false;
     Gather m_gather = Gather::FirstChunk;
     QByteArray m_replyBytes;
     QString m_replyBuffer;

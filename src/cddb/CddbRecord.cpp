@@ -26,8 +26,9 @@ QString cutAfter(QString& text, qsizetype at)
 
 [[noreturn]] void tooMany(const char* what)
 {
-    throw AppError(err::Overflow, QStringLiteral("A CDDB reply with more than %1 %2").arg(kCddbMaxEntries).arg(
-                                      QString::fromLatin1(what)));
+    throw AppError(err::Overflow, QStringLiteral("A CDDB reply with more than %1 %2")
+                                      .arg(kCddbMaxEntries)
+                                      .arg(QString::fromLatin1(what)));
 }
 
 // The values of key0=, key1=, ... in turn, while the next one stands in `data`.
@@ -144,7 +145,8 @@ QString cddbDecodeEntry(const QString& reply, CddbRecord& record)
     return result;
 }
 
-QString SubmitVerify(const CddbRecord& record, const QString& appName, const QString& revision, int deviceTracks)
+QString SubmitVerify(const CddbRecord& record, const QString& appName, const QString& revision,
+                     int deviceTracks)
 {
     if (record.dataRev < 1) {
         return QStringLiteral("Invalid DataRev number: ") + QString::number(record.dataRev);
@@ -166,13 +168,15 @@ QString SubmitVerify(const CddbRecord& record, const QString& appName, const QSt
     return QStringLiteral("OK");
 }
 
-QString SubmitString(const CddbRecord& record, const QString& appName, const QString& revision, const CddbDisc& disc)
+QString SubmitString(const CddbRecord& record, const QString& appName, const QString& revision,
+                     const CddbDisc& disc)
 {
     const QString verdict = SubmitVerify(record, appName, revision, disc.tracks);
     if (verdict != u"OK") {
         return QStringLiteral("Error: ") + verdict;
     }
-    QStringList lines{QStringLiteral("# xmcd"), QStringLiteral("#"), QStringLiteral("# Track frame offsets:")};
+    QStringList lines{QStringLiteral("# xmcd"), QStringLiteral("#"),
+                      QStringLiteral("# Track frame offsets:")};
     for (const qint32 offset : disc.offsets) {
         lines.append(QStringLiteral("# ") + QString::number(offset));
     }

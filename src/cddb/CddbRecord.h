@@ -22,9 +22,9 @@ struct CddbRecord
 {
     QString category;
     int dataRev = 0;
-    QString title;   // DTITLE
-    QString artist;  // before the first "/" of DTITLE
-    QString cdTitle; // after it
+    QString title;            // DTITLE
+    QString artist;           // before the first "/" of DTITLE
+    QString cdTitle;          // after it
     QStringList songNames;    // TTITLE0.. as songs 1..
     QString extData;          // EXTD
     QStringList extTrackData; // EXTT0.. as songs 1..
@@ -59,8 +59,10 @@ QList<CddbMatch> CloseMatchDecode(const QString& reply);
 QString cddbDecodeEntry(const QString& reply, CddbRecord& record);
 
 // "OK", or what keeps the record from being submitted for a disc of `deviceTracks` tracks.
-QString SubmitVerify(const CddbRecord& record, const QString& appName, const QString& revision, int deviceTracks);
+QString SubmitVerify(const CddbRecord& record, const QString& appName, const QString& revision,
+                     int deviceTracks);
 // The record as a submission ("# xmcd" to "PLAYORDER="), or "Error: " and the reason.
-QString SubmitString(const CddbRecord& record, const QString& appName, const QString& revision, const CddbDisc& disc);
+QString SubmitString(const CddbRecord& record, const QString& appName, const QString& revision,
+                     const CddbDisc& disc);
 
 } // namespace vinora

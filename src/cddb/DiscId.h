@@ -28,7 +28,7 @@ struct CddbDisc
     QList<qint32> offsets;
     int discLength = 0;
     qint32 leadoutFrames = 0; // the last track's start and length in frames, and one more
-    QList<int> trackSeconds; // the length of each track in whole seconds
+    QList<int> trackSeconds;  // the length of each track in whole seconds
 };
 
 // The disc id and query figures of a table of contents, or nothing for a disc without

@@ -20,8 +20,9 @@ std::optional<QString> asUtf8(const QByteArray& bytes)
 QByteArray detectedCharset(const QByteArray& bytes)
 {
     const std::unique_ptr<std::remove_pointer_t<uchardet_t>, void (*)(uchardet_t)> detector(uchardet_new(),
-                                                                                           uchardet_delete);
-    if (!detector || uchardet_handle_data(detector.get(), bytes.constData(), static_cast<size_t>(bytes.size())) != 0) {
+                                                                                            uchardet_delete);
+    if (!detector ||
+        uchardet_handle_data(detector.get(), bytes.constData(), static_cast<size_t>(bytes.size())) != 0) {
         return {};
     }
     uchardet_data_end(detector.get());

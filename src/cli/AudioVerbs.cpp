@@ -1,6 +1,7 @@
 // Audio discs for scripts: the CDDB record of the disc in a drive, asked of a server, and
 // the track list stored for a disc of the catalogue.
 #include "cddb/CdBase.h"
+#include "cddb/CddbServers.h"
 #include "cddb/DiscId.h"
 #include "cli/Cli.h"
 #include "frame/AppContext.h"
@@ -8,12 +9,10 @@
 #include "store/Db.h"
 #include "store/Schema.h"
 
+#include <QCommandLineParser>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSqlQuery>
-
-#include <QCommandLineParser>
-#include <QHostInfo>
 #include <QTcpSocket>
 
 namespace vinora::cli {
@@ -38,20 +37,25 @@ int cddb(AppContext& ctx, const QCommandLineParser& parser)
     const QString drive = parser.positionalArguments().at(0);
     QTcpSocket socket;
     CdBase session(ctx, socket);
+    // The handshake and the time-out as the windows take them from the settings; the
+    // options given here come on top.
+    prepareCddbSession(session, ctx.ini(), QStringLiteral("1"));
     if (parser.isSet(kServer)) {
         const QString server = parser.value(kServer);
-        const qsizetype colon = server.lastIndexOf(u':');
-        if (colon <= 0) {
+        const std::optional<CddbServer> parsed = parseCddbServer(server);
+        if (!parsed || !server.contains(u':')) {
             throw Failure{BadUsage, QStringLiteral("--server takes HOST:PORT, not '") + server + u'\''};
         }
-        session.setServer(server.left(colon));
-        session.setPort(static_cast<quint16>(wholeNumber(server.mid(colon + 1), QStringLiteral("the port"), 1, 65535)));
+        session.setServer(parsed->host);
+        session.setPort(parsed->port);
     }
-    session.setConnectTimeout(
-        1000 * (parser.isSet(kTimeout) ? wholeNumber(parser.value(kTimeout), QStringLiteral("--timeout"), 5, 65) : 30));
-    const QString host = QHostInfo::localHostName();
-    session.setHostName(host);
-    session.setEmail(parser.isSet(kEmail) ? parser.value(kEmail) : qEnvironmentVariable("USER", QStringLiteral("user")) + u'@' + host);
+    if (parser.isSet(kTimeout)) {
+        session.setConnectTimeout(1000 *
+                                  wholeNumber(parser.value(kTimeout), QStringLiteral("--timeout"), 5, 65));
+    }
+    if (parser.isSet(kEmail)) {
+        session.setEmail(parser.value(kEmail));
+    }
 
     const std::unique_ptr<Medium> medium = openMedium(drive);
     const std::optional<CddbDisc> disc = medium ? cddbDiscFromToc(medium->toc()) : std::nullopt;
@@ -77,16 +81,18 @@ int cddb(AppContext& ctx, const QCommandLineParser& parser)
 int tracks(AppContext& ctx, const QCommandLineParser& parser)
 {
     const int number = wholeNumber(parser.positionalArguments().at(0), QStringLiteral("NUMBER"), 1, 32767);
-    const int slot = parser.isSet(kDisc) ? wholeNumber(parser.value(kDisc), QStringLiteral("--disc"), 1, 6) : 1;
+    const int slot =
+        parser.isSet(kDisc) ? wholeNumber(parser.value(kDisc), QStringLiteral("--disc"), 1, 6) : 1;
     ctx.resolveDatabasePaths();
     requireDatabase(ctx.MainDBPath, {QStringLiteral("Аудио")});
     requireDatabase(ctx.TracksDBPath, {QStringLiteral("Списки"), QStringLiteral("Треки")});
     QString listId;
     onDatabase(ctx.MainDBPath, [&] {
         const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
-        QSqlQuery disc = db.query(QStringLiteral("SELECT Дисков, ") + quoted(QStringLiteral("ДискID%1").arg(slot)) +
-                                      QStringLiteral(" FROM Аудио WHERE Номер = ? ORDER BY КодАудиоДиск LIMIT 1"),
-                                  {number});
+        QSqlQuery disc =
+            db.query(QStringLiteral("SELECT Дисков, ") + quoted(QStringLiteral("ДискID%1").arg(slot)) +
+                         QStringLiteral(" FROM Аудио WHERE Номер = ? ORDER BY КодАудиоДиск LIMIT 1"),
+                     {number});
         if (!disc.next()) {
             throw Failure{Refused, QStringLiteral("Диск № ") + QString::number(number) +
                                        QStringLiteral(" отсутствует в каталоге.")};
@@ -97,23 +103,28 @@ int tracks(AppContext& ctx, const QCommandLineParser& parser)
     bool found = false;
     onDatabase(ctx.TracksDBPath, [&] {
         const Db db(ctx.TracksDBPath, Db::Access::ReadOnly);
-        found = !listId.isEmpty() &&
-                db.scalar(QStringLiteral("SELECT COUNT(*) FROM Списки WHERE ДискID = ?"), {listId}).toInt() > 0;
+        found =
+            !listId.isEmpty() &&
+            db.scalar(QStringLiteral("SELECT COUNT(*) FROM Списки WHERE ДискID = ?"), {listId}).toInt() > 0;
         QSqlQuery rows = db.query(
-            QStringLiteral("SELECT Номер, Название, Комментарий FROM Треки WHERE ДискID = ? ORDER BY Номер"), {listId});
+            QStringLiteral("SELECT Номер, Название, Комментарий FROM Треки WHERE ДискID = ? ORDER BY Номер"),
+            {listId});
         while (found && rows.next()) {
             if (parser.isSet(kJson)) {
                 records.append(QJsonObject{{QStringLiteral("number"), rows.value(0).toInt()},
                                            {QStringLiteral("title"), rows.value(1).toString()},
                                            {QStringLiteral("comment"), rows.value(2).toString()}});
             } else {
-                print(QStringList{rows.value(0).toString(), rows.value(1).toString(), rows.value(2).toString()}.join(
-                    u'\t'));
+                print(
+                    QStringList{rows.value(0).toString(), rows.value(1).toString(), rows.value(2).toString()}
+                        .join(u'\t'));
             }
         }
     });
     if (!found) {
-        throw Failure{Refused, QStringLiteral("disc %1 of audio disc number %2 has no track list").arg(slot).arg(number)};
+        throw Failure{
+            Refused,
+            QStringLiteral("disc %1 of audio disc number %2 has no track list").arg(slot).arg(number)};
     }
     if (parser.isSet(kJson)) {
         printJson(records);
