@@ -1,10 +1,12 @@
 // Makes docs/screenshots/catalogue-*.png and editor.png: the three catalogue browsers on a
 // catalogue of a few dozen discs with a cover, and the disc editor; filelist.png; loans.png
-// and rating.png: the debtor list and the statistics of a dozen loans. The windows draw
-// themselves (no display needed).
+// and rating.png: the debtor list and the statistics of a dozen loans; cddb.png: the CDDB
+// query two seconds into its wait for a server. The windows draw themselves (no display
+// needed).
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "catalogue/frmCatalogue.h"
+#include "cddb/frmCDDB.h"
 #include "contents/FileListStore.h"
 #include "contents/frmFileList.h"
 #include "frame/AppContext.h"
@@ -26,7 +28,9 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QTabWidget>
+#include <QTcpServer>
 #include <QTemporaryDir>
+#include <QTimer>
 
 using namespace vinora;
 
@@ -103,6 +107,63 @@ QString makeCover(const QString& folder)
     return path;
 }
 
+// A CUE sheet of three silent audio tracks of `sectors` each.
+QString audioImage(const QString& folder, int sectors)
+{
+    QFile bin(folder + QStringLiteral("/album.bin"));
+    if (!bin.open(QIODevice::WriteOnly) || !bin.resize(qint64(sectors) * 3 * 2352)) {
+        return {};
+    }
+    QString sheet = QStringLiteral("FILE \"album.bin\" BINARY\n");
+    for (int track = 0; track < 3; ++track) {
+        const int start = track * sectors;
+        sheet += QStringLiteral("  TRACK %1 AUDIO\n    INDEX 01 %2:%3:%4\n")
+                     .arg(track + 1, 2, 10, QLatin1Char('0'))
+                     .arg(start / 4500, 2, 10, QLatin1Char('0'))
+                     .arg(start / 75 % 60, 2, 10, QLatin1Char('0'))
+                     .arg(start % 75, 2, 10, QLatin1Char('0'));
+    }
+    QFile cue(folder + QStringLiteral("/album.cue"));
+    if (!cue.open(QIODevice::WriteOnly)) {
+        return {};
+    }
+    cue.write(sheet.toLatin1());
+    return cue.fileName();
+}
+
+// The window as a desktop would frame it: its caption above its contents (offscreen
+// windows have no frame of their own, and this caption is the dialog's clock).
+QImage withCaption(QWidget& window)
+{
+    const QPixmap contents = window.grab();
+    const int bar = 30;
+    QImage framed(contents.width(), contents.height() + bar, QImage::Format_ARGB32);
+    framed.fill(window.palette().color(QPalette::Window).darker(115));
+    QPainter painter(&framed);
+    painter.setPen(window.palette().color(QPalette::WindowText));
+    QFont font = window.font();
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(QRect(0, 0, framed.width(), bar), Qt::AlignCenter, window.windowTitle());
+    painter.drawPixmap(0, bar, contents);
+    return framed;
+}
+
+// The CDDB dialog waiting for a server that has taken the call and says nothing.
+void shootCddbQuery(AppContext& ctx, const QString& folder, const QString& out)
+{
+    QTcpServer silent;
+    silent.listen(QHostAddress::LocalHost);
+    ctx.ini().write(QStringLiteral("CDDBServers"), QStringLiteral("Server3"),
+                    QStringLiteral("localhost:") + QString::number(silent.serverPort()));
+    frmCDDB query(ctx, audioImage(folder, 900), QStringLiteral("3: localhost"));
+    QTimer::singleShot(2300, &query, [&] {
+        withCaption(query).save(out + QStringLiteral("/cddb.png"));
+        query.reject();
+    });
+    query.exec();
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -167,5 +228,6 @@ int main(int argc, char* argv[])
     rating.show();
     QApplication::processEvents();
     rating.grab().save(out + QStringLiteral("/rating.png"));
+    shootCddbQuery(ctx, dir.path(), out);
     return 0;
 }
