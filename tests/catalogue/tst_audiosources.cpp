@@ -131,12 +131,31 @@ private slots:
         QCOMPARE(a.app.ctx.CatalogueQueryFilter, QString());
     }
 
-    void serverWithoutTheDiscLeavesNoTrace()
+    void failedQueryLeavesNoTrace_data()
     {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QByteArray>("reply");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no such disc") << "cddb query" << QByteArray("202 No match for disc ID 12025d03.\r\n")
+                                      << "На сервере отсутствует информация о этом диске!";
+        QByteArray tooManySongs = "210 country 12025d03\r\nDTITLE=A / B\r\n";
+        for (int i = 0; i <= 100; ++i) {
+            tooManySongs += "TTITLE" + QByteArray::number(i) + "=x\r\n";
+        }
+        QTest::newRow("damaged record") << "cddb read" << tooManySongs + ".\r\n"
+                                        << "Данные повреждены!";
+        QTest::newRow("unknown client") << "cddb hello" << QByteArray("500 Unknown developer email\r\n")
+                                        << "Сервер отказал в соединении: 500 Unknown developer email";
+    }
+    void failedQueryLeavesNoTrace()
+    {
+        QFETCH(QString, command);
+        QFETCH(QByteArray, reply);
+        QFETCH(QString, message);
         AddingAudio a(m_country);
-        a.server.reply("cddb query", "202 No match for disc ID 12025d03.\r\n");
+        a.server.reply(command, reply);
         QVERIFY(!a.add([](QDialog& d) { tick(d, "chQuery0"); }));
-        QCOMPARE(a.app.prompter.texts().last(), "На сервере отсутствует информация о этом диске!");
+        QCOMPARE(a.app.prompter.texts(), QStringList{message});
         QCOMPARE(a.rows(), 0);
         QVERIFY(!a.listExists());
     }
