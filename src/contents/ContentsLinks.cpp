@@ -72,6 +72,26 @@ void writeDiscSlot(AppContext& ctx, ContentsKind kind, int number, int slot,
     }
 }
 
+ListCreation createList(const AppContext& ctx, ContentsKind kind, const QString& id, bool ask)
+{
+    const Db contents(contentsPath(ctx, kind));
+    const ContentsLists lists(contents, kind);
+    if (!lists.exists(id)) {
+        lists.create(id);
+        return ListCreation::Created;
+    }
+    if (!ask) {
+        return ListCreation::Exists;
+    }
+    if (listHasOwner(ctx, kind, id)) {
+        return ListCreation::Owned;
+    }
+    // A list that no disc owns is an orphan: it makes room without a question.
+    lists.drop(id);
+    lists.create(id);
+    return ListCreation::Created;
+}
+
 void dropListIfAny(const AppContext& ctx, ContentsKind kind, const QString& id)
 {
     const Db contents(contentsPath(ctx, kind));

@@ -23,6 +23,13 @@ bool listHasOwner(const AppContext& ctx, ContentsKind kind, const QString& id);
 void writeDiscSlot(AppContext& ctx, ContentsKind kind, int number, int slot,
                    const QList<QPair<QString, QVariant>>& fields);
 
+enum class ListCreation { Created, Exists, Owned };
+
+// Makes the empty list `id`. When a list of that id is there: Exists without `ask`; with
+// `ask`, a list that no catalogue row owns is an orphan and is made again (Created), one that
+// a row owns gives Owned and stays as it is.
+ListCreation createList(const AppContext& ctx, ContentsKind kind, const QString& id, bool ask);
+
 // Drops list `id` from its contents database when it is there.
 void dropListIfAny(const AppContext& ctx, ContentsKind kind, const QString& id);
 

@@ -29,22 +29,9 @@ bool CheckFileTableOwner(const AppContext& ctx, const QString& id)
 bool CreateFileTable(AppContext& ctx, QString& id, bool ask, const ClashQuestion& question)
 {
     for (;;) {
-        {
-            const Db files(ctx.FilesDBPath);
-            const ContentsLists lists(files, ContentsKind::Files);
-            if (!lists.exists(id)) {
-                lists.create(id);
-                return true;
-            }
-            if (!ask) {
-                return false;
-            }
-            if (!CheckFileTableOwner(ctx, id)) {
-                // A list that no disc owns is an orphan: it makes room without a question.
-                lists.drop(id);
-                lists.create(id);
-                return true;
-            }
+        const ListCreation creation = createList(ctx, ContentsKind::Files, id, ask);
+        if (creation != ListCreation::Owned) {
+            return creation == ListCreation::Created;
         }
         if (!question(clashQuestionText())) {
             return false;

@@ -33,22 +33,9 @@ bool CheckTrackTableOwner(const AppContext& ctx, const QString& id)
 
 bool CreateTrackTable(AppContext& ctx, const QString& id, bool ask)
 {
-    {
-        const Db tracks(ctx.TracksDBPath);
-        const ContentsLists lists(tracks, ContentsKind::Tracks);
-        if (!lists.exists(id)) {
-            lists.create(id);
-            return true;
-        }
-        if (!ask) {
-            return false;
-        }
-        if (!CheckTrackTableOwner(ctx, id)) {
-            // A list that no disc owns is an orphan: it makes room without a question.
-            lists.drop(id);
-            lists.create(id);
-            return true;
-        }
+    const ListCreation creation = createList(ctx, ContentsKind::Tracks, id, ask);
+    if (creation != ListCreation::Owned) {
+        return creation == ListCreation::Created;
     }
     ctx.prompter().message(
         QStringLiteral("Серийный номер этого диска совпадает с уже существующим серийным номером!"),
