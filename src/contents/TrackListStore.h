@@ -12,6 +12,10 @@ class AppContext;
 // The names the catalogue cuts server and file texts to before storing them.
 inline constexpr int kCutLength = 50;
 
+// The columns of a track list: Название and Комментарий.
+inline constexpr int kTrackNameLength = 255;
+inline constexpr int kTrackCommentLength = 50;
+
 // A disc's playing time as the catalogue writes it: whole minutes in two digits, ":", and the
 // seconds taken modulo 61 (so 120 seconds read "02:59"). A time beyond 99 minutes, which no
 // audio CD holds, reads "99:59" so that it fits the five characters of Время.
@@ -44,5 +48,28 @@ void writeTrackNames(const AppContext& ctx, const QString& id, const QList<QVari
 // by its key ("0" for the first), "- нет -" when the key is empty or missing. The count, or
 // nothing (and no rows) when the file does not know the disc.
 std::optional<int> importTrackNames(const AppContext& ctx, const QString& id);
+
+// One row of a track list as it is stored; Null name or comment is an invalid QVariant.
+struct StoredTrack
+{
+    qint64 row = 0; // the row's own key, for changing it
+    int number = 0;
+    QVariant name;
+    QVariant comment;
+};
+
+// The rows of list `id` by Номер.
+QList<StoredTrack> readTrackList(const AppContext& ctx, const QString& id);
+
+// Название or Комментарий of row `row` of list `id`: an empty text is stored as Null, a long
+// one cut to the column.
+void setTrackName(const AppContext& ctx, const QString& id, qint64 row, const QString& name);
+void setTrackComment(const AppContext& ctx, const QString& id, qint64 row, const QString& comment);
+
+// Writes list `id` to the section of that disc in cdplayer.ini: the record's artist and
+// title, numtracks and one key per row in stored order (a Null name as ""). Comments stay
+// in the catalogue.
+void saveTrackListToCdPlayer(const AppContext& ctx, const QString& id, const QString& artist,
+                             const QString& title);
 
 } // namespace vinora
