@@ -8,6 +8,7 @@
 #include "catalogue/frmAddCD.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "contents/frmFileList.h"
+#include "contents/frmTrackList.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/NumericPrefix.h"
@@ -195,16 +196,13 @@ frmCatalogue::frmCatalogue(AppContext& ctx, Category category, QWidget* parent)
             return;
         }
         if (m_kind.doubleClickSetting && m_ctx.ini().number(kOption, QStringLiteral("DblClick"), 5) == 1) {
-            // The disc's list; track lists of audio discs come with their own window.
-            if (m_kind.category == Category::Computer) {
-                cmdFiles();
-            }
+            cmdList();
             return;
         }
         cmdChange();
     });
-    if (m_kind.category == Category::Computer) {
-        connect(button(6), &QPushButton::clicked, this, &frmCatalogue::cmdFiles);
+    if (m_kind.contents) {
+        connect(button(6), &QPushButton::clicked, this, &frmCatalogue::cmdList);
     }
     connect(button(5), &QPushButton::clicked, this, &frmCatalogue::ShowWholeCatalogue);
     connect(button(8), &QPushButton::clicked, this, &frmCatalogue::cmdChangeBox);
@@ -271,12 +269,8 @@ void frmCatalogue::Form_Load()
             const double value = m_ctx.ini().number(kOption, QStringLiteral("tmrDueCatalogue"), 5);
             m_timerDue.configure(value);
         }
-        // The changing commands stay off while another database is on view; track lists
-        // come with their own window.
+        // The changing commands stay off while another database is on view.
         button(4)->setEnabled(!m_ctx.ExternalDBOpen);
-        if (m_kind.category == Category::Audio) {
-            button(6)->setEnabled(false);
-        }
         button(1)->setEnabled(!m_ctx.ExternalDBOpen);
         button(2)->setEnabled(!m_ctx.ExternalDBOpen);
         button(3)->setEnabled(!m_ctx.ExternalDBOpen);
@@ -375,7 +369,7 @@ void frmCatalogue::setRowButtonsEnabled(bool enabled)
 {
     button(2)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
     button(3)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
-    if (m_kind.category == Category::Computer) {
+    if (m_kind.contents) {
         button(6)->setEnabled(enabled && !m_ctx.ExternalDBOpen);
     }
     if (!enabled || m_ctx.ExternalDBOpen) {
@@ -432,26 +426,53 @@ void frmCatalogue::cmdDue()
     }
 }
 
+void frmCatalogue::cmdList()
+{
+    if (m_kind.category == Category::Computer) {
+        cmdFiles();
+    } else if (m_kind.category == Category::Audio) {
+        cmdTracks();
+    }
+}
+
 void frmCatalogue::cmdFiles()
 {
-    if (m_row < 0 || m_kind.category != Category::Computer) {
+    showDiscContents(QStringLiteral("cmdFiles()"), [this](int number) {
+        frmFileList list(m_ctx, number, m_rows->value(m_row, QStringLiteral("Название")).toString(),
+                         m_rows->value(m_row, QStringLiteral("Дисков")).toInt(), this);
+        m_ctx.prompter().showModal(list);
+    });
+}
+
+void frmCatalogue::cmdTracks()
+{
+    showDiscContents(QStringLiteral("cmdTracks()"), [this](int number) {
+        frmTrackList list(m_ctx, number, m_rows->value(m_row, QStringLiteral("Название")).toString(),
+                          m_rows->value(m_row, QStringLiteral("Альбом")).toString(),
+                          m_rows->value(m_row, QStringLiteral("Дисков")).toInt(), this);
+        m_ctx.prompter().showModal(list);
+    });
+}
+
+void frmCatalogue::showDiscContents(const QString& routine, const std::function<void(int number)>& showList)
+{
+    if (m_row < 0 || !m_kind.contents) {
         return;
     }
     for (int k = 1; k <= 6; ++k) {
+        // An empty ДискID is a disc without a list.
         m_ctx.DiscIDSlots[static_cast<std::size_t>(k - 1)] =
             m_rows->value(m_row, QStringLiteral("ДискID%1").arg(k)).toString();
     }
     m_ctx.CurrentDiscID = m_ctx.DiscIDSlots[0];
     const int number = m_rows->number(m_row);
     try {
-        frmFileList list(m_ctx, number, m_rows->value(m_row, QStringLiteral("Название")).toString(),
-                         m_rows->value(m_row, QStringLiteral("Дисков")).toInt(), this);
-        m_ctx.prompter().showModal(list);
+        showList(number);
     } catch (const AppError& error) {
-        // A damaged file-list database: told, and the catalogue stays open.
-        ReportErrorAndGoOn(m_ctx, QStringLiteral("frmCatalogue, cmdFiles()"), error);
+        // A damaged contents database: told, and the catalogue stays open.
+        ReportErrorAndGoOn(m_ctx, QStringLiteral("frmCatalogue, ") + routine, error);
     }
-    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", cmdFiles()"), [this] { Refresh(); });
+    underFaultHandler(m_ctx, m_kind.formName + QStringLiteral(", ") + routine, [this] { Refresh(); });
     goToNumber(number);
 }
 

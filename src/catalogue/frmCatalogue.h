@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QPixmap>
 #include <QTimer>
+#include <functional>
 
 class QCheckBox;
 class QComboBox;
@@ -45,7 +46,9 @@ public:
     void cmdDelete();
     void cmdAdd();
     void cmdChange();
-    void cmdFiles(); // the file list of a computer disc
+    void cmdList();   // the list of the disc at hand: cmdFiles or cmdTracks, as the catalogue has
+    void cmdFiles();  // the file list of a computer disc
+    void cmdTracks(); // the track list of an audio disc
     void cmdChangeBox();
     void cmdDeleteBox();
     // Positions on the row of `number`; false when there is none.
@@ -78,6 +81,9 @@ private:
     void txtAlbum_Enter();
     void timerDue_Timer();
     void setRowButtonsEnabled(bool enabled);
+    // Hands the set's list ids to the list window that `showList` shows for the disc at hand,
+    // then reads the catalogue again: a list made there changes the row.
+    void showDiscContents(const QString& routine, const std::function<void(int number)>& showList);
     QLineEdit* addField(const QString& objectName, const QString& caption, QFormLayout* form);
     QPushButton* button(int index) const;
 
