@@ -1,0 +1,731 @@
+#include "../recognition/DiscFixtures.h"
+#include "catalogue/frmCatalogue.h"
+#include "contents/CdPlayerIni.h"
+#include "contents/TrackListStore.h"
+#include "contents/frmTrackList.h"
+#include "contents/frmTrackListOption.h"
+#include "frame/Cp1251.h"
+#include "recognition/Drives.h"
+#include "recognition/VolumeIdentity.h"
+#include "store/ContentsLists.h"
+#include "store/Db.h"
+#include "store/Reanimator.h"
+#include "store/Schema.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestFolders.h"
+#include "support/TestMain.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QTableWidget>
+
+using namespace vinora;
+
+namespace {
+
+using Rows = QList<QVariant>; // the Название column of a list, Null as an invalid QVariant
+
+// An audio catalogue with disc № 7, a set of two discs by "Исполнитель", album "Альбом".
+struct Tracks
+{
+    test::TestApp app;
+
+    Tracks()
+    {
+        Reanimator(app.ctx, 0);
+        Db db(app.ctx.MainDBPath);
+        db.exec("INSERT INTO Аудио (Номер, Название, Альбом, Дисков, КодСтиля) "
+                "VALUES (7, 'Исполнитель', 'Альбом', 2, 1)");
+    }
+    // Puts a disc image in the drive; its list id comes back.
+    QString insert(const QString& image)
+    {
+        addVirtualDrive(app.ctx.ini(), image);
+        setChosenDrive(app.ctx.ini(), image);
+        return QString::number(readVolumeInfo(image).serial, 16).toUpper();
+    }
+    // A list made by hand for disc 1 of № 7.
+    void makeList(const QString& id, const Rows& names, const Rows& comments = {})
+    {
+        {
+            Db tracks(app.ctx.TracksDBPath);
+            ContentsLists(tracks, ContentsKind::Tracks).create(id);
+        }
+        writeTrackNames(app.ctx, id, names);
+        Db tracks(app.ctx.TracksDBPath);
+        for (int i = 0; i < comments.size(); ++i) {
+            tracks.exec("UPDATE Треки SET Комментарий = ? WHERE ДискID = ? AND Номер = ?",
+                        {comments[i], id, i + 1});
+        }
+        Db db(app.ctx.MainDBPath);
+        db.exec("UPDATE Аудио SET ДискID1 = ?", {id});
+        app.ctx.DiscIDSlots[0] = id;
+    }
+    std::unique_ptr<frmTrackList> open()
+    {
+        auto list = std::make_unique<frmTrackList>(app.ctx, 7, "Исполнитель", "Альбом", 2);
+        list->show();
+        return list;
+    }
+    QVariant disc(const QString& field) const
+    {
+        Db db(app.ctx.MainDBPath);
+        return db.scalar("SELECT " + quoted(field) + " FROM Аудио WHERE Номер = 7");
+    }
+    Rows stored(const QString& id, const QString& field = "Название") const
+    {
+        Rows rows;
+        for (const StoredTrack& track : readTrackList(app.ctx, id)) {
+            rows.append(field == "Название" ? track.name : track.comment);
+        }
+        return rows;
+    }
+    bool listExists(const QString& id) const
+    {
+        Db tracks(app.ctx.TracksDBPath);
+        return ContentsLists(tracks, ContentsKind::Tracks).exists(id);
+    }
+    QString cdPlayer(const QString& section, const QString& key) const
+    {
+        return cdPlayerIni(app.ctx).read(section, key, 256);
+    }
+};
+
+template <typename T = QWidget> T* control(const QWidget& window, const QString& name)
+{
+    T* found = window.findChild<T*>(name);
+    if (!found) {
+        qFatal("no control %s", qPrintable(name));
+    }
+    return found;
+}
+
+// A click on a button, or on the box of a check box (a click beside its text misses it).
+void click(const QWidget& window, const QString& name)
+{
+    QWidget* widget = control(window, name);
+    const bool checkBox = qobject_cast<QCheckBox*>(widget) != nullptr;
+    QTest::mouseClick(widget, Qt::LeftButton, {}, checkBox ? QPoint(6, widget->height() / 2) : QPoint());
+}
+
+// Types one character, Cyrillic included, into a widget.
+void typeChar(QWidget* widget, const QString& character)
+{
+    QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, character, Qt::NoModifier);
+    QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, character, Qt::NoModifier);
+}
+
+void typeText(QLineEdit* field, const QString& text)
+{
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClick(field, Qt::Key_Delete);
+    for (const QChar ch : text) {
+        typeChar(field, QString(ch));
+    }
+}
+
+// The options dialog as the user meets it: shown, boxes ticked by clicks, then the start.
+std::function<int(QDialog&)> tickAndStart(const QStringList& ticks)
+{
+    return [ticks](QDialog& dialog) {
+        dialog.show();
+        for (const QString& tick : ticks) {
+            click(dialog, tick);
+        }
+        click(dialog, "cmdOK");
+        return dialog.isVisible() ? -1 : dialog.result(); // -1: the dialog stayed
+    };
+}
+
+QByteArray cp1251Bytes(std::initializer_list<int> codes)
+{
+    QByteArray bytes;
+    for (int code : codes) {
+        bytes.append(static_cast<char>(code));
+    }
+    return bytes;
+}
+
+} // namespace
+
+class tst_tracklists : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    test::DiscFixtures m_discs{m_dir.path()};
+    int m_images = 0;
+
+private slots:
+    void timeTexts_data()
+    {
+        QTest::addColumn<int>("seconds");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("120 s") << 120 << "02:59";
+        QTest::newRow("122 s") << 122 << "02:00";
+        QTest::newRow("61 s") << 61 << "01:00";
+        QTest::newRow("0 s") << 0 << "00:00";
+    }
+    void timeTexts()
+    {
+        QFETCH(int, seconds);
+        QFETCH(QString, text);
+        QCOMPARE(trackTimeText(seconds), text);
+    }
+
+    // A new list through the options dialog: each way gives its rows, the disc's count and
+    // time on the catalogue row and, when asked, the section of cdplayer.ini.
+    void makingAList_data()
+    {
+        QTest::addColumn<QList<int>>("sectors");
+        QTest::addColumn<QStringList>("ticks");
+        QTest::addColumn<QList<std::optional<QString>>>("answers");
+        QTest::addColumn<QString>("iniBefore"); // %ID% stands for the disc's id
+        QTest::addColumn<Rows>("rows");
+        QTest::addColumn<int>("records");
+        QTest::addColumn<QString>("time");
+        QTest::addColumn<QStringList>("iniAfter"); // artist, title, numtracks, keys 0..; empty: no section
+
+        QTest::newRow("nameless, saved to cdplayer.ini")
+            << QList<int>{3000, 3000, 3000} << QStringList{"chTrackWithoutName", "chTrackSave"}
+            << QList<std::optional<QString>>{} << QString() << Rows{"Запись 1", "Запись 2", "Запись 3"} << 3
+            << "02:59" << QStringList{"Исполнитель", "Альбом", "3", "Запись 1", "Запись 2", "Запись 3"};
+        QTest::newRow("nameless, not saved")
+            << QList<int>{3000, 3000, 4575} << QStringList{"chTrackWithoutName"}
+            << QList<std::optional<QString>>{} << QString() << Rows{"Запись 1", "Запись 2", "Запись 3"} << 3
+            << "02:19" << QStringList{};
+        QTest::newRow("by hand, a box cancelled in the middle")
+            << QList<int>{3000, 3000, 3150} << QStringList{"chTrackSave"}
+            << QList<std::optional<QString>>{"Утро", std::nullopt, QString(300, u'ж')} << QString()
+            << Rows{"Утро", QVariant(), QString(255, u'ж')} << 3 << "02:00"
+            << QStringList{"Исполнитель", "Альбом", "3", "Утро", "", QString(300, u'ж')};
+        QTest::newRow("by hand, an empty answer")
+            << QList<int>{4575, 4575} << QStringList{} << QList<std::optional<QString>>{"", "Вечер"}
+            << QString() << Rows{QVariant(), "Вечер"} << 2 << "02:00" << QStringList{};
+        QTest::newRow("from cdplayer.ini: numtracks counts, a missing key is '- нет -'")
+            << QList<int>{1500, 1500, 1575} << QStringList{"chTrackImport"} << QList<std::optional<QString>>{}
+            << QString("[%ID%]\r\nEntryType=1\r\nartist=A\r\ntitle=T\r\nnumtracks=4\r\n0=Один\r\n1=Два\r\n"
+                       "3=Четыре\r\n")
+            << Rows{"Один", "Два", "- нет -", "Четыре"} << 4 << "01:00"
+            << QStringList{"A", "T", "4", "Один", "Два", "", "Четыре"};
+    }
+    void makingAList()
+    {
+        QFETCH(QList<int>, sectors);
+        QFETCH(QStringList, ticks);
+        QFETCH(QList<std::optional<QString>>, answers);
+        QFETCH(QString, iniBefore);
+        QFETCH(Rows, rows);
+        QFETCH(int, records);
+        QFETCH(QString, time);
+        QFETCH(QStringList, iniAfter);
+
+        Tracks t;
+        const QString id = t.insert(m_discs.audioCue("make" + QString::number(++m_images), sectors));
+        if (!iniBefore.isEmpty()) {
+            test::writeFile(t.app.file("cdplayer.ini"), cp1251::encode(iniBefore.replace("%ID%", id)));
+        }
+        for (const std::optional<QString>& answer : answers) {
+            t.app.prompter.answerInput(answer);
+        }
+        auto list = t.open();
+        QVERIFY(list->trackNames().isEmpty());
+        QVERIFY(!control(*list, "DBGrid")->isVisible());
+        QVERIFY(!control(*list, "txtTrackName")->isEnabled());
+        QString caption;
+        bool listHidden = false;
+        t.app.prompter.handleModal([&](QDialog& dialog) {
+            caption = dialog.windowTitle();
+            listHidden = !list->isVisible();
+            return tickAndStart(ticks)(dialog);
+        });
+        click(*list, "imgButton1");
+
+        QCOMPARE(caption, "Параметры сканирования диска № 7 (CD1)");
+        QVERIFY(listHidden);
+        QVERIFY(list->isVisible());
+        QVERIFY(t.app.prompter.unanswered());
+        QCOMPARE(t.stored(id), rows);
+        QCOMPARE(list->trackNames().size(), rows.size());
+        QCOMPARE(list->trackNames().first(), rows.first().toString());
+        QVERIFY(control(*list, "DBGrid")->isVisible());
+        QVERIFY(!control(*list, "imgButton1")->isEnabled());
+        for (const QString& live :
+             QStringList{"imgButton2", "imgButton3", "imgButton4", "txtTrackName", "cmdMakeChangeComm"}) {
+            QVERIFY2(control(*list, live)->isEnabled(), qPrintable(live));
+        }
+        QCOMPARE(t.disc("ДискID1").toString(), id);
+        QCOMPARE(t.disc("Записей1").toInt(), records);
+        QCOMPARE(t.disc("Время1").toString(), time);
+        QCOMPARE(t.app.ctx.DiscIDSlots[0], id);
+        QVERIFY(!t.app.ctx.DialogDone);
+        if (!ticks.contains("chTrackWithoutName") && !ticks.contains("chTrackImport")) {
+            QCOMPARE(t.app.prompter.texts().first(),
+                     "Введите название 1-го из " + QString::number(sectors.size()) + " треков:");
+        }
+        if (iniAfter.isEmpty()) {
+            QVERIFY(!QFile::exists(t.app.file("cdplayer.ini")));
+            return;
+        }
+        QCOMPARE(t.cdPlayer(id, "EntryType"), "1");
+        QStringList section{t.cdPlayer(id, "artist"), t.cdPlayer(id, "title"), t.cdPlayer(id, "numtracks")};
+        for (int i = 0; i < iniAfter.size() - 3; ++i) {
+            section.append(cdPlayerIni(t.app.ctx).read(id, QString::number(i), 1024));
+        }
+        QCOMPARE(section, iniAfter);
+    }
+
+    // The import finds nothing: the dialog says so and stays, and no list is left behind.
+    void importOfAnUnknownDisc()
+    {
+        Tracks t;
+        const QString id = t.insert(m_discs.audioCue("unknown", {1500, 1500}));
+        test::writeFile(t.app.file("cdplayer.ini"), "[ABC]\r\nnumtracks=1\r\n0=x\r\n");
+        auto list = t.open();
+        int result = 0;
+        t.app.prompter.handleModal([&](QDialog& dialog) {
+            result = tickAndStart({"chTrackImport"})(dialog);
+            return result;
+        });
+        click(*list, "imgButton1");
+        QCOMPARE(result, -1);
+        QCOMPARE(t.app.prompter.texts().last(), "Информация о этом диске отсутствует в файле cdplayer.ini!");
+        QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Exclamation);
+        QVERIFY(!t.listExists(id));
+        QVERIFY(t.disc("ДискID1").isNull());
+        QVERIFY(control(*list, "imgButton1")->isEnabled());
+        QVERIFY(list->trackNames().isEmpty());
+    }
+
+    // The ticks rule each other as the user clicks them.
+    void tickRules_data()
+    {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<QString>("ticked");  // the boxes ticked afterwards
+        QTest::addColumn<QString>("enabled"); // of chCDDB cmbServer chTrackImport chTrackSave
+        QTest::newRow("at the start") << QStringList{} << ""
+                                      << "chCDDB chTrackImport chTrackSave";
+        QTest::newRow("CDDB") << QStringList{"chCDDB"} << "chCDDB"
+                              << "chCDDB cmbServer chTrackImport chTrackSave";
+        QTest::newRow("CDDB off again") << QStringList{"chCDDB", "chCDDB"} << ""
+                                        << "chCDDB chTrackImport chTrackSave";
+        QTest::newRow("import") << QStringList{"chTrackImport"} << "chTrackImport"
+                                << "chCDDB chTrackImport";
+        QTest::newRow("import after CDDB") << QStringList{"chCDDB", "chTrackImport"} << "chTrackImport"
+                                           << "chCDDB chTrackImport";
+        QTest::newRow("CDDB after import") << QStringList{"chTrackImport", "chCDDB"} << "chCDDB"
+                                           << "chCDDB cmbServer chTrackImport chTrackSave";
+        QTest::newRow("nameless") << QStringList{"chCDDB", "chTrackWithoutName"}
+                                  << "chCDDB chTrackWithoutName"
+                                  << "chTrackSave";
+        QTest::newRow("nameless off again")
+            << QStringList{"chCDDB", "chTrackWithoutName", "chTrackWithoutName"} << "chCDDB"
+            << "chCDDB cmbServer chTrackImport chTrackSave";
+        QTest::newRow("import after nameless")
+            << QStringList{"chTrackWithoutName", "chTrackImport"} << "chTrackWithoutName"
+            << "chTrackSave";
+    }
+    void tickRules()
+    {
+        QFETCH(QStringList, clicks);
+        QFETCH(QString, ticked);
+        QFETCH(QString, enabled);
+        Tracks t;
+        t.insert(m_discs.audioCue("ticks", {1500, 1500}));
+        frmTrackListOption options(t.app.ctx, 7, 1, "Исполнитель", "Альбом");
+        options.show();
+        QCOMPARE(options.windowTitle(), "Параметры сканирования");
+        QCOMPARE(control<QLabel>(options, "lblInserCD")->text(), "Аудио диск");
+        auto* servers = control<QComboBox>(options, "cmbServer");
+        QCOMPARE(servers->count(), 7);
+        QCOMPARE(servers->currentIndex(), 0);
+        for (const QString& box : clicks) {
+            click(options, box);
+        }
+        QStringList tickedNow;
+        QStringList enabledNow;
+        for (const QString& name :
+             QStringList{"chCDDB", "chTrackImport", "chTrackWithoutName", "chTrackSave"}) {
+            if (control<QCheckBox>(options, name)->isChecked()) {
+                tickedNow.append(name);
+            }
+        }
+        for (const QString& name : QStringList{"chCDDB", "cmbServer", "chTrackImport", "chTrackSave"}) {
+            if (control(options, name)->isEnabled()) {
+                enabledNow.append(name);
+            }
+        }
+        QCOMPARE(tickedNow.join(' '), ticked);
+        QCOMPARE(enabledNow.join(' '), enabled);
+    }
+
+    // A data disc leaves only the nameless way, which the start then refuses.
+    void dataDiscDisablesTheWays()
+    {
+        Tracks t;
+        t.insert(m_discs.iso("data.iso", {"-J", "-V", "DATA"}));
+        frmTrackListOption options(t.app.ctx, 7, 1, "Исполнитель", "Альбом");
+        options.show();
+        QCOMPARE(control<QLabel>(options, "lblInserCD")->text(), "Компьютерный диск");
+        for (const QString& name : QStringList{"chCDDB", "cmbServer", "chTrackImport", "chTrackSave"}) {
+            QVERIFY2(!control(options, name)->isEnabled(), qPrintable(name));
+        }
+        QVERIFY(control(options, "chTrackWithoutName")->isEnabled());
+    }
+
+    // Each refusal of the start is a message; the dialog stays, or closes after a clash.
+    void refusals_data()
+    {
+        QTest::addColumn<QString>("disc"); // "iso", "owned" or "none"
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<bool>("stays");
+        QTest::newRow("no audio disc")
+            << "iso"
+            << "Вставьте Аудио диск в устройство для чтения компакт-дисков и повторите операцию." << true;
+        QTest::newRow("a disc of another set")
+            << "owned"
+            << "Серийный номер этого диска совпадает с уже существующим серийным номером!" << false;
+        QTest::newRow("no drive") << "none"
+                                  << "Устройство для чтения компакт-дисков не найдено!" << true;
+    }
+    void refusals()
+    {
+        QFETCH(QString, disc);
+        QFETCH(QString, message);
+        QFETCH(bool, stays);
+        if (disc == "none" && !physicalDrives().isEmpty()) {
+            QSKIP("this machine has an optical drive");
+        }
+        Tracks t;
+        QString id;
+        if (disc == "iso") {
+            t.insert(m_discs.iso("refused.iso", {"-J"}));
+        } else if (disc == "owned") {
+            id = t.insert(m_discs.audioCue("owned", {1500, 1575}));
+            Db db(t.app.ctx.MainDBPath);
+            db.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля, ДискID1) VALUES (8, 'Другой', 1, "
+                    "1, ?)",
+                    {id});
+            Db tracks(t.app.ctx.TracksDBPath);
+            ContentsLists(tracks, ContentsKind::Tracks).create(id);
+            tracks.exec("INSERT INTO Треки (ДискID, Номер, Название) VALUES (?, 1, 'Чужой')", {id});
+        }
+        auto list = t.open();
+        int result = 0;
+        t.app.prompter.handleModal([&](QDialog& dialog) {
+            result = tickAndStart({"chTrackWithoutName"})(dialog);
+            return result;
+        });
+        click(*list, "imgButton1");
+        QCOMPARE(t.app.prompter.texts().last(), message);
+        QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Exclamation);
+        QCOMPARE(result, stays ? -1 : int(QDialog::Rejected));
+        QVERIFY(t.disc("ДискID1").isNull());
+        QVERIFY(control(*list, "imgButton1")->isEnabled());
+        QVERIFY(list->isVisible());
+        if (disc == "owned") {
+            QCOMPARE(t.stored(id), Rows{"Чужой"}); // the other set's list is untouched
+        }
+    }
+
+    // Enter in the name box stores the cleaned name and goes on to the next track; after the
+    // last track it goes back to the first.
+    void typingNames_data()
+    {
+        QTest::addColumn<int>("key"); // the key that picks the row: Home or End
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<int>("row");
+        QTest::addColumn<QVariant>("stored");
+        QTest::addColumn<int>("next");
+        QTest::newRow("first goes to the second")
+            << int(Qt::Key_Home) << "Рассвет" << 0 << QVariant("Рассвет") << 1;
+        QTest::newRow("last wraps to the first")
+            << int(Qt::Key_End) << "Закат" << 2 << QVariant("Закат") << 0;
+        QTest::newRow("quotes and brackets cleaned")
+            << int(Qt::Key_Home) << "Он сказал \"да\" [live]" << 0 << QVariant("Он сказал 'да' (live)") << 1;
+        QTest::newRow("empty is Null") << int(Qt::Key_End) << "" << 2 << QVariant() << 0;
+    }
+    void typingNames()
+    {
+        QFETCH(int, key);
+        QFETCH(QString, typed);
+        QFETCH(int, row);
+        QFETCH(QVariant, stored);
+        QFETCH(int, next);
+        Tracks t;
+        t.makeList("1A2B", {"Первый", "Второй", "Третий"}, {"к1", QVariant(), "к3"});
+        auto list = t.open();
+        auto* grid = control<QTableWidget>(*list, "DBGrid");
+        auto* name = control<QLineEdit>(*list, "txtTrackName");
+        auto* comment = control<QLineEdit>(*list, "txtComment");
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key(key));
+        QCOMPARE(list->currentTrack(), row);
+        QCOMPARE(comment->text(), row == 0 ? "к1" : "к3");
+        typeText(name, typed);
+        QTest::keyClick(name, Qt::Key_Return);
+
+        Rows expected{"Первый", "Второй", "Третий"};
+        expected[row] = stored;
+        QCOMPARE(t.stored("1A2B"), expected);
+        QCOMPARE(list->trackNames()[row], stored.toString());
+        QCOMPARE(list->currentTrack(), next);
+        QCOMPARE(name->text(), expected[next].toString());
+        QCOMPARE(name->selectedText(), name->text());
+        QCOMPARE(list->focusWidget(), name);
+        QVERIFY(t.app.prompter.shown.isEmpty());
+    }
+
+    // Enter in the comment box stores it (50 characters at most) and says so.
+    void comments_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QVariant>("stored");
+        QTest::newRow("a comment") << "Живой [концерт]" << QVariant("Живой (концерт)");
+        QTest::newRow("cut to 50 by the box") << QString(60, u'ю') << QVariant(QString(50, u'ю'));
+        QTest::newRow("empty is Null") << "" << QVariant();
+    }
+    void comments()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QVariant, stored);
+        Tracks t;
+        t.makeList("C0", {"Первый", "Второй"}, {"старый", "старый"});
+        auto list = t.open();
+        auto* grid = control<QTableWidget>(*list, "DBGrid");
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key_End);
+        auto* comment = control<QLineEdit>(*list, "txtComment");
+        typeText(comment, typed);
+        QTest::keyClick(comment, Qt::Key_Enter);
+        QCOMPARE(t.stored("C0", "Комментарий"), (Rows{"старый", stored}));
+        QCOMPARE(t.app.prompter.texts(), QStringList{"Комментарий к треку 'Второй' успешно изменен."});
+        QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Information);
+        QCOMPARE(list->currentTrack(), 1); // a comment does not walk on
+        QCOMPARE(t.stored("C0"), (Rows{"Первый", "Второй"}));
+    }
+
+    // A letter typed in the grid goes to the next track whose name begins with it.
+    void firstLetterSearch_data()
+    {
+        QTest::addColumn<QStringList>("keys");
+        QTest::addColumn<QList<int>>("rows"); // the current row after each key
+        QTest::newRow("same letter goes on, then round")
+            << QStringList{"а", "а", "а", "а"} << QList<int>{0, 2, 5, 0};
+        QTest::newRow("capital Cyrillic as small") << QStringList{"Г", "Г"} << QList<int>{4, 4};
+        QTest::newRow("Latin") << QStringList{"g"} << QList<int>{3};
+        QTest::newRow("a new letter starts at the top")
+            << QStringList{"а", "а", "б", "а"} << QList<int>{0, 2, 1, 0};
+        QTest::newRow("digit") << QStringList{"1"} << QList<int>{6};
+        QTest::newRow("no such name: the row stays") << QStringList{"б", "я"} << QList<int>{1, 1};
+    }
+    void firstLetterSearch()
+    {
+        QFETCH(QStringList, keys);
+        QFETCH(QList<int>, rows);
+        Tracks t;
+        t.makeList("5EA", {"Альфа", "бета", "астра", "Gamma", "гамма", "Ария", "1999"});
+        auto list = t.open();
+        auto* grid = control<QTableWidget>(*list, "DBGrid");
+        grid->setFocus();
+        QList<int> visited;
+        for (const QString& key : keys) {
+            typeChar(grid, key);
+            visited.append(list->currentTrack());
+        }
+        QCOMPARE(visited, rows);
+        QCOMPARE(control<QLineEdit>(*list, "txtTrackName")->text(), list->trackNames()[rows.last()]);
+    }
+
+    // The list goes to cdplayer.ini after a question: code page 1251, the comments left out,
+    // keys of an earlier, longer list kept.
+    void savingToCdPlayer()
+    {
+        Tracks t;
+        test::writeFile(t.app.file("cdplayer.ini"),
+                        "[Other]\r\nartist=x\r\n[BEEF]\r\nEntryType=1\r\nartist=old\r\nnumtracks=5\r\n"
+                        "0=a\r\n1=b\r\n2=c\r\n3=d\r\n4=e\r\n");
+        t.makeList("BEEF", {"Жёлтый", QVariant(), "Синий"}, {"без комментария", QVariant(), QVariant()});
+        auto list = t.open();
+        const QByteArray before = test::readFile(t.app.file("cdplayer.ini"));
+
+        t.app.prompter.answer(Answer::No);
+        click(*list, "imgButton4");
+        QCOMPARE(
+            t.app.prompter.texts(),
+            QStringList{
+                "Вы уверены, что хотите сохранить информацию о треках диска № 7 в файл 'cdplayer.ini'?"});
+        QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::YesNoQuestion);
+        QCOMPARE(test::readFile(t.app.file("cdplayer.ini")), before);
+
+        t.app.prompter.answer(Answer::Yes);
+        click(*list, "imgButton4");
+        QCOMPARE(t.app.prompter.texts().last(), "Данные диска № 7 успешно сохранены в файле 'cdplayer.ini'.");
+        QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Information);
+        const QByteArray bytes = test::readFile(t.app.file("cdplayer.ini"));
+        // "artist=Исполнитель" and "0=Жёлтый" in code page 1251
+        QVERIFY(bytes.contains(QByteArray("artist=").append(
+            cp1251Bytes({0xC8, 0xF1, 0xEF, 0xEE, 0xEB, 0xED, 0xE8, 0xF2, 0xE5, 0xEB, 0xFC}))));
+        QVERIFY(bytes.contains(QByteArray("0=").append(cp1251Bytes({0xC6, 0xB8, 0xEB, 0xF2, 0xFB, 0xE9}))));
+        QVERIFY(!bytes.contains("\xEA\xEE\xEC\xEC")); // "комм"
+        QCOMPARE(t.cdPlayer("BEEF", "EntryType"), "1");
+        QCOMPARE(t.cdPlayer("BEEF", "title"), "Альбом");
+        QCOMPARE(t.cdPlayer("BEEF", "numtracks"), "3");
+        QCOMPARE(t.cdPlayer("BEEF", "1"), "");
+        QCOMPARE(t.cdPlayer("BEEF", "2"), "Синий");
+        QCOMPARE(t.cdPlayer("BEEF", "3"), "d");
+        QCOMPARE(t.cdPlayer("BEEF", "4"), "e");
+        QCOMPARE(t.cdPlayer("Other", "artist"), "x");
+    }
+
+    // Delete asks first; re-create deletes without another question and makes the list anew.
+    void deletingAndRecreating_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<Answer>("answer");
+        QTest::addColumn<QString>("question");
+        QTest::addColumn<Rows>("rows"); // the list afterwards; empty: none
+        QTest::newRow("delete, no") << "imgButton2" << Answer::No
+                                    << "Вы действительно хотите удалить информация о треках диска № 7?"
+                                    << Rows{"Старый"};
+        QTest::newRow("delete, yes") << "imgButton2" << Answer::Yes
+                                     << "Вы действительно хотите удалить информация о треках диска № 7?"
+                                     << Rows{};
+        QTest::newRow("re-create, no") << "imgButton3" << Answer::No
+                                       << "Текущий список треков будет удален! Продолжить?" << Rows{"Старый"};
+        QTest::newRow("re-create, yes")
+            << "imgButton3" << Answer::Yes << "Текущий список треков будет удален! Продолжить?"
+            << Rows{"Запись 1", "Запись 2"};
+    }
+    void deletingAndRecreating()
+    {
+        QFETCH(QString, button);
+        QFETCH(Answer, answer);
+        QFETCH(QString, question);
+        QFETCH(Rows, rows);
+        Tracks t;
+        const QString id = t.insert(m_discs.audioCue("recreate", {1500, 3075}));
+        t.makeList(id, {"Старый"});
+        auto list = t.open();
+        QCOMPARE(list->trackNames(), QStringList{"Старый"});
+        QVERIFY(!control(*list, "imgButton1")->isEnabled());
+        t.app.prompter.answer(answer);
+        if (rows.size() == 2) {
+            t.app.prompter.handleModal(tickAndStart({"chTrackWithoutName"}));
+        }
+        click(*list, button);
+        QCOMPARE(t.app.prompter.texts().first(), question);
+        QCOMPARE(t.app.prompter.shown.first().style,
+                 button == "imgButton2" ? MessageStyle::YesNoQuestion : MessageStyle::YesNoExclamation);
+        QCOMPARE(t.stored(id), rows);
+        QCOMPARE(t.listExists(id), !rows.isEmpty());
+        QCOMPARE(t.disc("ДискID1").toString(), rows.isEmpty() ? QString() : id);
+        QCOMPARE(list->trackNames().size(), rows.size());
+        QCOMPARE(control(*list, "DBGrid")->isVisible(), !rows.isEmpty());
+        QCOMPARE(control(*list, "imgButton1")->isEnabled(), rows.isEmpty());
+        QCOMPARE(control(*list, "imgButton4")->isEnabled(), !rows.isEmpty());
+        QCOMPARE(control(*list, "txtTrackName")->isEnabled(), !rows.isEmpty());
+        if (rows.size() == 2) {
+            QCOMPARE(t.disc("Записей1").toInt(), 2);
+            QCOMPARE(t.disc("Время1").toString(), "01:00");
+        }
+    }
+
+    // The set's second disc has a list of its own, chosen in the disc box.
+    void discsOfASet()
+    {
+        Tracks t;
+        t.makeList("D1", {"Первый диск"});
+        {
+            Db tracks(t.app.ctx.TracksDBPath);
+            ContentsLists(tracks, ContentsKind::Tracks).create("D2");
+        }
+        writeTrackNames(t.app.ctx, "D2", {"Второй диск", "ещё"});
+        t.app.ctx.DiscIDSlots[1] = "D2";
+        auto list = t.open();
+        auto* discs = control<QComboBox>(*list, "cmbCountCD");
+        QVERIFY(discs->isEnabled());
+        QCOMPARE(discs->count(), 2);
+        QCOMPARE(control<QLabel>(*list, "lblNumber")->text(), "7");
+        QCOMPARE(control<QLabel>(*list, "lblName")->text(), "Исполнитель");
+        QCOMPARE(control<QLabel>(*list, "lblAlbum")->text(), "Альбом");
+        QCOMPARE(list->windowTitle(), "Треки");
+        QCOMPARE(list->trackNames(), QStringList{"Первый диск"});
+        QCOMPARE(t.app.ctx.CurrentDiscID, "D1");
+        discs->setFocus();
+        QTest::keyClick(discs, Qt::Key_Down);
+        QCOMPARE(t.app.ctx.CurrentDiscID, "D2");
+        QCOMPARE(list->trackNames(), (QStringList{"Второй диск", "ещё"}));
+        QCOMPARE(control<QLineEdit>(*list, "txtTrackName")->text(), "Второй диск");
+        t.app.ctx.DiscIDSlots[1].clear();
+        QTest::keyClick(discs, Qt::Key_Up);
+        QTest::keyClick(discs, Qt::Key_Down);
+        QCOMPARE(t.app.ctx.CurrentDiscID, "");
+        QCOMPARE(control<QLineEdit>(*list, "txtTrackName")->text(), "");
+        QVERIFY(!control(*list, "DBGrid")->isVisible());
+        QVERIFY(control(*list, "imgButton1")->isEnabled());
+        QVERIFY(!control(*list, "imgButton2")->isEnabled());
+        QVERIFY(!control(*list, "cmdMakeChange")->isEnabled());
+    }
+
+    // The audio catalogue opens the track list of the disc at hand by its list button, and by
+    // a double click when DblClick is 1; a list made there shows on the catalogue row.
+    void catalogueOpensTheTrackList_data()
+    {
+        QTest::addColumn<bool>("doubleClick");
+        QTest::newRow("list button") << false;
+        QTest::newRow("double click, DblClick=1") << true;
+    }
+    void catalogueOpensTheTrackList()
+    {
+        QFETCH(bool, doubleClick);
+        Tracks t;
+        const QString id = t.insert(m_discs.audioCue("catalog", {1500, 1500, 1500}));
+        {
+            Db db(t.app.ctx.MainDBPath);
+            db.exec("UPDATE Аудио SET ДискID2 = 'OLD2'");
+        }
+        if (doubleClick) {
+            t.app.ctx.ini().write("Option", "DblClick", "1");
+        }
+        frmCatalogue catalogue(t.app.ctx, Category::Audio);
+        catalogue.show();
+        QCOMPARE(catalogue.rowCount(), 1);
+        QVERIFY(control(catalogue, "imgButton6")->isEnabled());
+        QStringList seen;
+        t.app.prompter.handleModal([&](QDialog& dialog) {
+            auto* list = qobject_cast<frmTrackList*>(&dialog);
+            if (!list) {
+                return 0;
+            }
+            seen << control<QLabel>(dialog, "lblNumber")->text() << control<QLabel>(dialog, "lblName")->text()
+                 << control<QLabel>(dialog, "lblAlbum")->text()
+                 << QString::number(control<QComboBox>(dialog, "cmbCountCD")->count())
+                 << t.app.ctx.DiscIDSlots[0] << t.app.ctx.DiscIDSlots[1];
+            t.app.prompter.handleModal(tickAndStart({"chTrackWithoutName"}));
+            list->cmdCreate();
+            seen << list->trackNames().join(',');
+            return 0;
+        });
+        if (doubleClick) {
+            auto* grid = control<QTableView>(catalogue, "DBGrid");
+            const QPoint at = grid->visualRect(grid->model()->index(0, 0)).center();
+            QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, at);
+            QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, at);
+        } else {
+            click(catalogue, "imgButton6");
+        }
+        QCOMPARE(seen,
+                 (QStringList{"7", "Исполнитель", "Альбом", "2", "", "OLD2", "Запись 1,Запись 2,Запись 3"}));
+        QCOMPARE(t.disc("ДискID1").toString(), id);
+        QCOMPARE(control<QLineEdit>(catalogue, "txtTrecks")->text(), "3");
+    }
+};
+
+VINORA_TEST_MAIN(tst_tracklists)
+#include "tst_tracklists.moc"
