@@ -2,6 +2,7 @@
 
 #include "cddb/CddbServers.h"
 #include "cddb/DiscId.h"
+#include "cddb/frmCDDB.h"
 #include "contents/CdPlayerIni.h"
 #include "contents/TrackListStore.h"
 #include "frame/AppContext.h"
@@ -207,7 +208,7 @@ void frmTrackListOption::ShowDiscKind()
 
 void frmTrackListOption::cmdOK()
 {
-    underFaultHandler(m_ctx, QStringLiteral("frmTrackListOption, cmdOK()"), [this] {
+    goingOn(m_ctx, QStringLiteral("frmTrackListOption, cmdOK()"), [this] {
         const QString drive = this->drive();
         if (drive.isEmpty()) {
             m_ctx.prompter().message(kNoDrive, MessageStyle::Exclamation);
@@ -236,12 +237,51 @@ void frmTrackListOption::cmdOK()
             reject(); // the disc has a list already; the clash was told
             return;
         }
+        if (m_chCDDB->isEnabled() && m_chCDDB->isChecked()) {
+            queryCddb(drive);
+            return;
+        }
         if (m_chTrackImport->isEnabled() && m_chTrackImport->isChecked()) {
             ImportTrackList(drive);
             return;
         }
         makeTrackList(drive);
     });
+}
+
+void frmTrackListOption::queryCddb(const QString& drive)
+{
+    // The CDDB dialog stores its answer as these values ask: the track list of a disc already
+    // in the catalogue. They are the caller's again afterwards.
+    struct Handover
+    {
+        AppContext& ctx;
+        QString filter = ctx.CatalogueQueryFilter;
+        bool updateRow = ctx.CDDBUpdateRow;
+        qint16 number = ctx.LastSavedNumber;
+        qint16 slot = ctx.CDDBDiscInSet;
+        bool saveToIni = ctx.CDDBSaveToIni;
+        ~Handover()
+        {
+            ctx.CatalogueQueryFilter = filter;
+            ctx.CDDBUpdateRow = updateRow;
+            ctx.LastSavedNumber = number;
+            ctx.CDDBDiscInSet = slot;
+            ctx.CDDBSaveToIni = saveToIni;
+        }
+    } handover{m_ctx};
+    m_ctx.CatalogueQueryFilter = QStringLiteral("cddb:2");
+    m_ctx.CDDBUpdateRow = true;
+    m_ctx.LastSavedNumber = static_cast<qint16>(m_number);
+    m_ctx.CDDBDiscInSet = static_cast<qint16>(m_slot);
+    m_ctx.CDDBSaveToIni = m_chTrackSave->isChecked();
+    m_ctx.DialogDone = false;
+    hide();
+    {
+        frmCDDB query(m_ctx, drive, m_cmbServer->currentText(), {}, this);
+        m_ctx.prompter().showModal(query);
+    }
+    done(m_ctx.DialogDone ? Accepted : Rejected);
 }
 
 void frmTrackListOption::ImportTrackList(const QString& drive)

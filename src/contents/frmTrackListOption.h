@@ -30,6 +30,7 @@ private:
     void chTrackWithoutName_Click();
     void ShowDiscKind();
     QString drive() const;
+    void queryCddb(const QString& drive);
     void ImportTrackList(const QString& drive);
     void makeTrackList(const QString& drive);
     // The rows of a new list of `tracks` tracks, named as the ticks say; false when they could
