@@ -1,3 +1,4 @@
+#include "../cddb/FakeCddbServer.h"
 #include "../recognition/DiscFixtures.h"
 #include "catalogue/frmCatalogue.h"
 #include "contents/CdPlayerIni.h"
@@ -5,6 +6,7 @@
 #include "contents/frmTrackList.h"
 #include "contents/frmTrackListOption.h"
 #include "frame/Cp1251.h"
+#include "frame/IniFile.h"
 #include "recognition/Drives.h"
 #include "recognition/VolumeIdentity.h"
 #include "store/ContentsLists.h"
@@ -22,6 +24,7 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTableWidget>
+#include <QTimer>
 
 using namespace vinora;
 
@@ -278,6 +281,31 @@ private slots:
             section.append(cdPlayerIni(t.app.ctx).read(id, QString::number(i), 1024));
         }
         QCOMPARE(section, iniAfter);
+    }
+
+    // The window steps aside while the options are open, and is still open when they close.
+    void windowStaysOpenAfterTheOptions()
+    {
+        Tracks t;
+        const QString id = t.insert(m_discs.audioCue("aside", {1500, 1500}));
+        frmTrackList list(t.app.ctx, 7, "Исполнитель", "Альбом", 2);
+        bool hiddenMeanwhile = false;
+        t.app.prompter.handleModal([&](QDialog& dialog) {
+            hiddenMeanwhile = !list.isVisible();
+            return tickAndStart({"chTrackWithoutName"})(dialog);
+        });
+        bool openAfterwards = false;
+        QTimer::singleShot(0, &list, [&] {
+            click(list, "imgButton1");
+            QTimer::singleShot(50, &list, [&] {
+                openAfterwards = list.isVisible();
+                list.reject();
+            });
+        });
+        list.exec();
+        QVERIFY(hiddenMeanwhile);
+        QVERIFY(openAfterwards);
+        QCOMPARE(t.stored(id), (Rows{"Запись 1", "Запись 2"}));
     }
 
     // The import finds nothing: the dialog says so and stays, and no list is left behind.
@@ -634,6 +662,132 @@ private slots:
             QCOMPARE(t.disc("Записей1").toInt(), 2);
             QCOMPARE(t.disc("Время1").toString(), "01:00");
         }
+    }
+
+    // The CDDB way, for the second disc of the set: the server's names become the list and the
+    // existing catalogue row gets the disc's place; a disc the server does not know leaves
+    // nothing behind.
+    void cddbWay_data()
+    {
+        QTest::addColumn<bool>("known");
+        QTest::addColumn<bool>("saveToIni");
+        QTest::newRow("known, database only") << true << false;
+        QTest::newRow("known, and cdplayer.ini") << true << true;
+        QTest::newRow("not known") << false << false;
+    }
+    void cddbWay()
+    {
+        QFETCH(bool, known);
+        QFETCH(bool, saveToIni);
+        Tracks t;
+        test::FakeCddbServer server{VINORA_TEST_DATA "/cddb"};
+        QVERIFY(server.start());
+        if (!known) {
+            server.reply("cddb query", "202 No match for disc ID 12025d03.\r\n");
+        }
+        t.app.ctx.ini().write("CDDBServers", "Server2", "127.0.0.1:" + QString::number(server.port()));
+        t.app.ctx.ini().write("Option", "ServerCDDB", "1");
+        t.app.ctx.ini().write("Option", "ServerTimeout", "5");
+        const QString id = t.insert(m_discs.audioCue("country", {11993, 19539, 13880}));
+        t.app.ctx.CatalogueQueryFilter = "Название LIKE 'И*'"; // the catalogue's own filter
+        auto list = t.open();
+        auto* discs = control<QComboBox>(*list, "cmbCountCD");
+        discs->setFocus();
+        QTest::keyClick(discs, Qt::Key_Down);
+
+        QStringList handedOver;
+        bool optionsHidden = false;
+        QString server2;
+        t.app.prompter.handleModal([&](QDialog& dialog) {
+            dialog.show();
+            click(dialog, "chCDDB");
+            if (saveToIni) {
+                click(dialog, "chTrackSave");
+            }
+            server2 = control<QComboBox>(dialog, "cmbServer")->currentText();
+            t.app.prompter.handleModal([&](QDialog& query) {
+                optionsHidden = !dialog.isVisible();
+                handedOver << t.app.ctx.CatalogueQueryFilter << QString::number(t.app.ctx.CDDBUpdateRow)
+                           << QString::number(t.app.ctx.LastSavedNumber)
+                           << QString::number(t.app.ctx.CDDBDiscInSet)
+                           << QString::number(t.app.ctx.CDDBSaveToIni);
+                return query.exec();
+            });
+            click(dialog, "cmdOK");
+            return dialog.result();
+        });
+        click(*list, "imgButton1");
+
+        QCOMPARE(server2, "2: 127.0.0.1:" + QString::number(server.port()));
+        QVERIFY(optionsHidden);
+        QCOMPARE(handedOver, (QStringList{"cddb:2", "1", "7", "2", saveToIni ? "1" : "0"}));
+        QCOMPARE(t.app.ctx.CatalogueQueryFilter, "Название LIKE 'И*'");
+        QVERIFY(!t.app.ctx.CDDBUpdateRow);
+        QCOMPARE(t.app.ctx.CDDBDiscInSet, 0);
+        QVERIFY(!t.app.ctx.DialogDone);
+        QCOMPARE(Db(t.app.ctx.MainDBPath).scalar("SELECT count(*) FROM Аудио").toInt(), 1);
+        QVERIFY(t.disc("ДискID1").isNull());
+        if (!known) {
+            QVERIFY(!t.app.prompter.texts().isEmpty());
+            QVERIFY(!t.listExists(id));
+            QVERIFY(t.disc("ДискID2").isNull());
+            QVERIFY(control(*list, "imgButton1")->isEnabled());
+            QVERIFY(list->trackNames().isEmpty());
+            return;
+        }
+        const QStringList songs{"I'm Your Puppet", "Me And Jacky", "If You Don't Like Country"};
+        QCOMPARE(t.app.prompter.texts(), QStringList{});
+        QCOMPARE(list->trackNames(), songs);
+        QCOMPARE(t.stored(id), (Rows{songs[0], songs[1], songs[2]}));
+        QCOMPARE(t.disc("ДискID2").toString(), id);
+        QCOMPARE(t.disc("Записей2").toInt(), 3);
+        QCOMPARE(t.disc("Время2").toString(), "10:56");
+        QCOMPARE(t.disc("Название").toString(), "Исполнитель"); // the row keeps its own names
+        QCOMPARE(t.app.ctx.DiscIDSlots[1], id);
+        QVERIFY(!control(*list, "imgButton1")->isEnabled());
+        QCOMPARE(QFile::exists(t.app.file("cdplayer.ini")), saveToIni);
+        if (saveToIni) {
+            QCOMPARE(t.cdPlayer(id, "numtracks"), "3");
+            QCOMPARE(t.cdPlayer(id, "2"), songs[2]);
+        }
+    }
+
+    // A file or a database that refuses is told, with the routine in the fault log, and the
+    // window goes on.
+    void refusedFilesAreTold_data()
+    {
+        QTest::addColumn<QString>("refusing");
+        QTest::addColumn<QString>("place");
+        QTest::newRow("cdplayer.ini cannot be written") << "cdplayer.ini"
+                                                        << "frmTrackList, cmdSave()";
+        QTest::newRow("damaged tracks database") << "tracks database"
+                                                 << "frmTrackList, ViewTrackList()";
+    }
+    void refusedFilesAreTold()
+    {
+        QFETCH(QString, refusing);
+        QFETCH(QString, place);
+        Tracks t;
+        t.makeList("F00D", {"Один"});
+        std::unique_ptr<frmTrackList> list;
+        if (refusing == "cdplayer.ini") {
+            list = t.open();
+            t.app.prompter.answer(Answer::Yes);
+            IniFile::failWriteForTests(1, ENOSPC);
+            click(*list, "imgButton4");
+            IniFile::failWriteForTests(0, 0);
+            QVERIFY(!QFile::exists(t.app.file("cdplayer.ini")));
+        } else {
+            test::writeFile(t.app.ctx.TracksDBPath, "not a database");
+            list = t.open();
+            QVERIFY(list->trackNames().isEmpty());
+            QVERIFY(!control(*list, "DBGrid")->isVisible());
+        }
+        QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Stop);
+        QVERIFY(t.app.prompter.texts().last().startsWith("ОШИБКА."));
+        QVERIFY(t.app.prompter.texts().last().contains("Действие не выполнено."));
+        QVERIFY(cp1251::decode(test::readFile(t.app.file("bugreport.log"))).contains(place));
+        QVERIFY(control(*list, "imgButton0")->isEnabled());
     }
 
     // The set's second disc has a list of its own, chosen in the disc box.
