@@ -25,21 +25,6 @@ namespace {
 
 constexpr int kNameColumn = 1;
 
-// Runs `work` as routine `place`: a database or a file that refuses is told, the window goes
-// on and false comes back; anything else is a fault.
-template <typename Work> bool goingOn(const AppContext& ctx, const QString& place, Work&& work)
-{
-    return underFaultHandler(ctx, place, [&] {
-        try {
-            work();
-            return true;
-        } catch (const AppError& error) {
-            ReportErrorAndGoOn(ctx, place, error);
-            return false;
-        }
-    });
-}
-
 } // namespace
 
 frmTrackList::frmTrackList(AppContext& ctx, int number, const QString& name, const QString& album, int discs,
@@ -165,8 +150,8 @@ void frmTrackList::ViewTrackList()
 {
     WaitCursor hourglass;
     QList<StoredTrack> tracks;
-    goingOn(m_ctx, QStringLiteral("frmTrackList, ViewTrackList()"),
-            [&] { tracks = readTrackList(m_ctx, m_ctx.CurrentDiscID); });
+    underErrorReport(m_ctx, QStringLiteral("frmTrackList, ViewTrackList()"),
+                     [&] { tracks = readTrackList(m_ctx, m_ctx.CurrentDiscID); });
     m_tracks = tracks;
     {
         const QSignalBlocker quiet(m_grid);
@@ -221,8 +206,8 @@ void frmTrackList::cmdMakeChange_Click()
     const int row = m_grid->currentRow();
     m_txtTrackName->setText(CleanText(m_txtTrackName->text()));
     const QString name = m_txtTrackName->text();
-    if (!goingOn(m_ctx, QStringLiteral("frmTrackList, cmdMakeChange_Click()"),
-                 [&] { setTrackName(m_ctx, m_ctx.CurrentDiscID, track->row, name); })) {
+    if (!underErrorReport(m_ctx, QStringLiteral("frmTrackList, cmdMakeChange_Click()"),
+                          [&] { setTrackName(m_ctx, m_ctx.CurrentDiscID, track->row, name); })) {
         return;
     }
     m_tracks[row].name = name.isEmpty() ? QVariant() : QVariant(name);
@@ -244,8 +229,8 @@ void frmTrackList::cmdMakeChangeComm_Click()
     const int row = m_grid->currentRow();
     m_txtComment->setText(CleanText(m_txtComment->text()));
     const QString comment = m_txtComment->text();
-    if (!goingOn(m_ctx, QStringLiteral("frmTrackList, cmdMakeChangeComm_Click()"),
-                 [&] { setTrackComment(m_ctx, m_ctx.CurrentDiscID, track->row, comment); })) {
+    if (!underErrorReport(m_ctx, QStringLiteral("frmTrackList, cmdMakeChangeComm_Click()"),
+                          [&] { setTrackComment(m_ctx, m_ctx.CurrentDiscID, track->row, comment); })) {
         return;
     }
     m_tracks[row].comment = comment.isEmpty() ? QVariant() : QVariant(comment);
@@ -298,7 +283,7 @@ void frmTrackList::cmdSave()
             MessageStyle::YesNoQuestion) != Answer::Yes) {
         return;
     }
-    const bool saved = goingOn(m_ctx, QStringLiteral("frmTrackList, cmdSave()"), [this] {
+    const bool saved = underErrorReport(m_ctx, QStringLiteral("frmTrackList, cmdSave()"), [this] {
         WaitCursor hourglass;
         saveTrackListToCdPlayer(m_ctx, m_ctx.CurrentDiscID, m_lblName->text(), m_lblAlbum->text());
     });
@@ -322,7 +307,7 @@ void frmTrackList::setVisible(bool visible)
 void frmTrackList::cmdCreate()
 {
     const bool stepAside = isVisible() && !isMaximized();
-    goingOn(m_ctx, QStringLiteral("frmTrackList, cmdCreate()"), [&] {
+    underErrorReport(m_ctx, QStringLiteral("frmTrackList, cmdCreate()"), [&] {
         m_ctx.DialogDone = false;
         const int slot = std::clamp(m_cmbCountCD->currentText().toInt(), 1, 6);
         frmTrackListOption options(m_ctx, m_number, slot, m_lblName->text(), m_lblAlbum->text(), this);
@@ -349,8 +334,8 @@ void frmTrackList::cmdCreate()
 void frmTrackList::cmdDeleteList()
 {
     const int slot = std::clamp(m_cmbCountCD->currentText().toInt(), 1, 6);
-    goingOn(m_ctx, QStringLiteral("frmTrackList, cmdDeleteList()"),
-            [&] { DeleteTrackList(m_ctx, m_number, slot, m_ctx.CurrentDiscID); });
+    underErrorReport(m_ctx, QStringLiteral("frmTrackList, cmdDeleteList()"),
+                     [&] { DeleteTrackList(m_ctx, m_number, slot, m_ctx.CurrentDiscID); });
 }
 
 void frmTrackList::deleteListAsk()

@@ -30,21 +30,6 @@ const QString kNoDrive = QStringLiteral("Устройство для чтени�
 const QString kInsertAudio =
     QStringLiteral("Вставьте Аудио диск в устройство для чтения компакт-дисков и повторите операцию.");
 
-// Runs `work` as routine `place`: a database or a file that refuses is told, the dialog goes
-// on and false comes back; anything else is a fault.
-template <typename Work> bool goingOn(const AppContext& ctx, const QString& place, Work&& work)
-{
-    return underFaultHandler(ctx, place, [&] {
-        try {
-            work();
-            return true;
-        } catch (const AppError& error) {
-            ReportErrorAndGoOn(ctx, place, error);
-            return false;
-        }
-    });
-}
-
 // What a new list takes from the disc itself: its audio tracks (the disc's ".cda files") and
 // its playing time in seconds.
 struct DiscFigures
@@ -137,7 +122,7 @@ frmTrackListOption::frmTrackListOption(AppContext& ctx, int number, int slot, QS
 
 void frmTrackListOption::Form_Load()
 {
-    goingOn(m_ctx, QStringLiteral("frmTrackListOption, Form_Load()"), [this] {
+    underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, Form_Load()"), [this] {
         m_cmbServer->addItems(cddbServerItems(m_ctx.ini()));
         m_cmbServer->setCurrentIndex(preselectedServer(m_ctx.ini()));
         const QStringList drives = GetCDDrives(m_ctx.ini());
@@ -208,7 +193,7 @@ void frmTrackListOption::ShowDiscKind()
 
 void frmTrackListOption::cmdOK()
 {
-    goingOn(m_ctx, QStringLiteral("frmTrackListOption, cmdOK()"), [this] {
+    underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, cmdOK()"), [this] {
         const QString drive = this->drive();
         if (drive.isEmpty()) {
             m_ctx.prompter().message(kNoDrive, MessageStyle::Exclamation);
@@ -229,8 +214,8 @@ void frmTrackListOption::cmdOK()
             return;
         }
         bool made = false;
-        if (!goingOn(m_ctx, QStringLiteral("frmTrackListOption, cmdOK()"),
-                     [&] { made = CreateTrackTable(m_ctx, m_ctx.CurrentDiscID, true); })) {
+        if (!underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, cmdOK()"),
+                              [&] { made = CreateTrackTable(m_ctx, m_ctx.CurrentDiscID, true); })) {
             return;
         }
         if (!made) {
@@ -292,12 +277,12 @@ void frmTrackListOption::ImportTrackList(const QString& drive)
     {
         WaitCursor hourglass;
         figures = discFigures(drive);
-        read = figures && goingOn(m_ctx, QStringLiteral("frmTrackListOption, ImportTrackList()"),
-                                  [&] { count = importTrackNames(m_ctx, m_ctx.CurrentDiscID); });
+        read = figures && underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, ImportTrackList()"),
+                                           [&] { count = importTrackNames(m_ctx, m_ctx.CurrentDiscID); });
     }
     if (!figures) {
-        goingOn(m_ctx, QStringLiteral("frmTrackListOption, ImportTrackList()"),
-                [this] { dropTrackList(m_ctx, m_ctx.CurrentDiscID); });
+        underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, ImportTrackList()"),
+                         [this] { dropTrackList(m_ctx, m_ctx.CurrentDiscID); });
         m_ctx.prompter().message(kInsertAudio, MessageStyle::Exclamation);
         return;
     }
@@ -305,8 +290,8 @@ void frmTrackListOption::ImportTrackList(const QString& drive)
         return;
     }
     if (!count) {
-        goingOn(m_ctx, QStringLiteral("frmTrackListOption, ImportTrackList()"),
-                [this] { dropTrackList(m_ctx, m_ctx.CurrentDiscID); });
+        underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, ImportTrackList()"),
+                         [this] { dropTrackList(m_ctx, m_ctx.CurrentDiscID); });
         m_ctx.prompter().message(QStringLiteral("Информация о этом диске отсутствует в файле cdplayer.ini!"),
                                  MessageStyle::Exclamation);
         return;
@@ -328,8 +313,8 @@ void frmTrackListOption::makeTrackList(const QString& drive)
         made = figures && CreateTrackList(figures->tracks);
     }
     if (!figures) {
-        goingOn(m_ctx, QStringLiteral("frmTrackListOption, CreateTrackList()"),
-                [this] { dropTrackList(m_ctx, m_ctx.CurrentDiscID); });
+        underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, CreateTrackList()"),
+                         [this] { dropTrackList(m_ctx, m_ctx.CurrentDiscID); });
         m_ctx.prompter().message(kInsertAudio, MessageStyle::Exclamation);
         return;
     }
@@ -362,7 +347,7 @@ bool frmTrackListOption::CreateTrackList(int tracks)
         names.append(named ? QVariant(answer->left(kTrackNameLength)) : QVariant());
         iniNames.append(named ? *answer : QString());
     }
-    return goingOn(m_ctx, QStringLiteral("frmTrackListOption, CreateTrackList()"), [&] {
+    return underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, CreateTrackList()"), [&] {
         writeTrackNames(m_ctx, m_ctx.CurrentDiscID, names);
         if (toIni) {
             writeCdPlayerDisc(cdPlayerIni(m_ctx), m_ctx.CurrentDiscID, {m_artist, m_album, iniNames});
@@ -372,8 +357,9 @@ bool frmTrackListOption::CreateTrackList(int tracks)
 
 bool frmTrackListOption::CreateLinkDiskID(int tracks, int seconds)
 {
-    return goingOn(m_ctx, QStringLiteral("frmTrackListOption, CreateLinkDiskID()"),
-                   [&] { linkTrackList(m_ctx, m_number, m_slot, m_ctx.CurrentDiscID, tracks, seconds); });
+    return underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, CreateLinkDiskID()"), [&] {
+        linkTrackList(m_ctx, m_number, m_slot, m_ctx.CurrentDiscID, tracks, seconds);
+    });
 }
 
 } // namespace vinora

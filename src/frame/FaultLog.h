@@ -41,4 +41,19 @@ auto underFaultHandler(const AppContext& ctx, const QString& place, Work&& work)
     }
 }
 
+// Runs `work` for a window that outlives a refused file or database: an AppError is
+// reported with ReportErrorAndGoOn and gives false; anything else goes to ReportFault.
+template <typename Work> bool underErrorReport(const AppContext& ctx, const QString& place, Work&& work)
+{
+    return underFaultHandler(ctx, place, [&] {
+        try {
+            work();
+            return true;
+        } catch (const AppError& error) {
+            ReportErrorAndGoOn(ctx, place, error);
+            return false;
+        }
+    });
+}
+
 } // namespace vinora
