@@ -8,4 +8,4 @@ cd "$(dirname "$0")/.."
 build=${1:-build}
 cmake --build "$build" --target vinora-screenshots -j "$(nproc)" >/dev/null
 "$build/tools/vinora-screenshots" docs/screenshots
-echo "docs/screenshots/catalogue-*.png, editor.png, filelist.png, loans.png, rating.png and cddb.png written"
+echo "docs/screenshots/catalogue-*.png, editor.png, filelist.png, loans.png, rating.png, tracklist.png and cddb.png written"

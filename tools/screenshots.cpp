@@ -1,14 +1,16 @@
 // Makes docs/screenshots/catalogue-*.png and editor.png: the three catalogue browsers on a
 // catalogue of a few dozen discs with a cover, and the disc editor; filelist.png; loans.png
-// and rating.png: the debtor list and the statistics of a dozen loans; cddb.png: the CDDB
-// query two seconds into its wait for a server. The windows draw themselves (no display
-// needed).
+// and rating.png: the debtor list and the statistics of a dozen loans; tracklist.png: the
+// track list of an audio disc; cddb.png: the CDDB query two seconds into its wait for a server. The windows
+// draw themselves (no display needed).
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "catalogue/frmCatalogue.h"
 #include "cddb/frmCDDB.h"
 #include "contents/FileListStore.h"
+#include "contents/TrackListStore.h"
 #include "contents/frmFileList.h"
+#include "contents/frmTrackList.h"
 #include "frame/AppContext.h"
 #include "frame/Version.h"
 #include "lending/LoanLedger.h"
@@ -211,6 +213,35 @@ int main(int argc, char* argv[])
         list.show();
         QApplication::processEvents();
         list.grab().save(out + QStringLiteral("/filelist.png"));
+    }
+    {
+        // The track list of audio disc 1 (Кино, "Группа крови").
+        const char* const songs[] = {"Группа крови",
+                                     "Закрой за мной дверь, я ухожу",
+                                     "Война",
+                                     "Спокойная ночь",
+                                     "Мама, мы все тяжело больны",
+                                     "Попробуй спеть вместе со мной",
+                                     "Песня без слов",
+                                     "Бошетунмай",
+                                     "Звезда по имени Солнце",
+                                     "Легенда",
+                                     "Прохожий"};
+        QList<QVariant> names;
+        for (const char* song : songs) {
+            names.append(QString::fromUtf8(song));
+        }
+        const QString id = QStringLiteral("2C1F0B0B");
+        CreateTrackTable(ctx, id, false);
+        writeTrackNames(ctx, id, names);
+        setTrackComment(ctx, id, readTrackList(ctx, id).at(8).row, QStringLiteral("Лучшая песня альбома"));
+        linkTrackList(ctx, 1, 1, id, static_cast<int>(names.size()), 2732);
+        ctx.DiscIDSlots = {id};
+        ctx.CurrentDiscID = id;
+        frmTrackList tracks(ctx, 1, QStringLiteral("Кино"), QStringLiteral("Группа крови"), 1);
+        tracks.show();
+        QApplication::processEvents();
+        tracks.grab().save(out + QStringLiteral("/tracklist.png"));
     }
     frmAddInCatalogue editor(ctx, Category::Audio, frmAddInCatalogue::Mode::Change, 1);
     editor.show();
