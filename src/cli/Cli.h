@@ -60,6 +60,7 @@ QList<Verb> driveVerbs();
 QList<Verb> scanVerbs();
 QList<Verb> loanVerbs();
 QList<Verb> audioVerbs();
+QList<Verb> searchVerbs();
 
 // Every verb in the order `help` lists them.
 const QList<Verb>& verbs();

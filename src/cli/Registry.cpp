@@ -196,7 +196,7 @@ int dispatch(const QStringList& arguments)
 
 const QList<Verb>& verbs()
 {
-    static const QList<Verb> all = driveVerbs() + scanVerbs() + audioVerbs() + loanVerbs();
+    static const QList<Verb> all = driveVerbs() + scanVerbs() + audioVerbs() + searchVerbs() + loanVerbs();
     return all;
 }
 

@@ -352,8 +352,8 @@ private slots:
         QVERIFY(help.out.startsWith("Usage: vinora-cli VERB [options] [arguments]\n"));
         const QStringList lines = help.out.split('\n');
         const QStringList verbs = {"drives", "add-image", "remove-image", "identify", "toc",
-                                   "scan",   "cddb",      "tracks",       "loans",    "lend",
-                                   "return"};
+                                   "scan",   "cddb",      "tracks",       "search",   "loans",
+                                   "lend",   "return"};
         QStringList listed;
         for (const QString& line : lines) {
             const QString word = line.section(' ', 2, 2);
@@ -409,6 +409,9 @@ private slots:
         QTest::newRow("tracks") << "tracks"
                                 << "Usage: vinora-cli tracks [options] NUMBER\n"
                                 << QStringList{"--disc <K>", "--json"};
+        QTest::newRow("search") << "search"
+                                << "Usage: vinora-cli search [options] TEXT\n"
+                                << QStringList{"--tracks", "--folders", "--comments", "--whole"};
         QTest::newRow("loans") << "loans"
                                << "Usage: vinora-cli loans [options]\n"
                                << QStringList{"--json", "days overdue"};
@@ -600,6 +603,56 @@ private slots:
         QCOMPARE(second.err, "vinora-cli: disc 2 of audio disc number 12 has no track list\n");
         QCOMPARE(home.cli({"tracks", "12", "--disc", "3"}).code, 1); // the set has two discs
         QCOMPARE(home.cli({"tracks", "99"}).err, "vinora-cli: Диск № 99 отсутствует в каталоге.\n");
+    }
+
+    // Files by name, folders by path or comment, tracks by title: a line per hit in catalogue
+    // order, status 1 with the window's message when nothing is found.
+    void searchTheContents()
+    {
+        Home home;
+        home.makeDatabases();
+        {
+            Db db(home.mainDb());
+            db.exec("UPDATE Компьютер SET Дисков = 2, ДискID1 = 'F1', ДискID2 = 'F2' WHERE Номер = 3");
+            db.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля, ДискID1) "
+                    "VALUES (12, 'Кино', 1, 1, 'A1')");
+            Db files(home.filesDb());
+            const ContentsLists lists(files, ContentsKind::Files);
+            lists.create("F1");
+            lists.create("F2");
+            files.exec(
+                "INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES "
+                "('F1', '\\', '\\', '0', NULL), ('F1', 'Ёлка.txt', '\\', '1', NULL), "
+                "('F2', '\\Ёлки\\', '\\Ёлки\\', '0', 'зима'), ('F2', 'ёлка.jpg', '\\Ёлки\\', '2', NULL)");
+            Db tracks(home.tracksDb());
+            ContentsLists(tracks, ContentsKind::Tracks).create("A1");
+            tracks.exec("INSERT INTO Треки (ДискID, Номер, Название) VALUES ('A1', 1, 'Группа крови')");
+        }
+        const Run files = home.cli({"search", "ЁЛК"});
+        QCOMPARE(files.code, 0);
+        QCOMPARE(files.err, QString());
+        QCOMPARE(files.out, "3\t1\t\\\tЁлка.txt\n3\t2\t\\Ёлки\\\tёлка.jpg\n");
+        const QString folder = "3\t2\t\\Ёлки\\\t\\Ёлки\\\n";
+        QCOMPARE(home.cli({"search", "ёлки", "--folders"}).out, folder);
+        QCOMPARE(home.cli({"search", "ЗИМА", "--folders", "--comments", "--whole"}).out, folder);
+        QCOMPARE(home.cli({"search", "группа*", "--tracks", "--whole"}).out, "12\t1\t\tГруппа крови\n");
+
+        const QList<std::pair<QStringList, QString>> nothing = {
+            {{"search", "ёлка", "--whole"}, "Нет таких файлов!"},
+            {{"search", "зима", "--folders"}, "Нет таких папок!"},
+            {{"search", "ёлка", "--tracks"}, "Нет таких треков!"},
+        };
+        for (const auto& [arguments, message] : nothing) {
+            const Run run = home.cli(arguments);
+            QCOMPARE(run.code, 1);
+            QCOMPARE(run.out, QString());
+            QCOMPARE(run.err, "vinora-cli: " + message + "\n");
+        }
+        QVERIFY(QFile::remove(home.tracksDb()));
+        const Run missing = home.cli({"search", "x", "--tracks"});
+        QCOMPARE(missing.code, 1);
+        QVERIFY2(missing.err.startsWith("vinora-cli: the database '" + home.tracksDb() + "' does not exist"),
+                 qPrintable(missing.err));
     }
 
     void scanWithoutDatabasesMakesNone()
