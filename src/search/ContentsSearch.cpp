@@ -152,7 +152,7 @@ QString searchPattern(const QString& text, bool whole)
 {
     QString pattern = whole ? QString() : QStringLiteral("*");
     for (const QChar ch : text) {
-        // The other specials of the pattern language lose their meaning in brackets.
+        // "#" (any digit) and "[" (a set) stand for themselves inside brackets.
         if (ch == u'#' || ch == u'[') {
             pattern += u'[' + QString(ch) + u']';
         } else {
