@@ -11,8 +11,8 @@
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
 #include "recognition/DiscIdentity.h"
+#include "recognition/DriveChoice.h"
 #include "recognition/DriveWatch.h"
-#include "recognition/Drives.h"
 #include "recognition/Medium.h"
 #include "recognition/frmSelectCategory.h"
 #include "store/Db.h"
@@ -92,15 +92,8 @@ frmAddCD::frmAddCD(AppContext& ctx, Category category, QWidget* parent)
     connect(search, &QPushButton::clicked, this, &frmAddCD::cmdSearch);
     onEnter(m_txtNumber, [this] { cmdOK(); });
 
-    const QStringList drives = GetCDDrives(m_ctx.ini());
-    for (const QString& drive : drives) {
-        m_cmbDrive->addItem(drive);
-    }
-    if (drives.isEmpty()) {
+    if (!fillDriveChoice(*m_cmbDrive, m_ctx.ini())) {
         m_cmbDrive->addItem(QStringLiteral("---"));
-        m_cmbDrive->setEnabled(false);
-    } else {
-        m_cmbDrive->setCurrentIndex(static_cast<int>(drives.indexOf(chosenDrive(m_ctx.ini(), drives))));
     }
     connect(m_cmbDrive, &QComboBox::activated, this, &frmAddCD::UpdateDriveInfo);
     for (int index : {0, 1}) {

@@ -5,7 +5,7 @@
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "recognition/DiscIdentity.h"
-#include "recognition/Drives.h"
+#include "recognition/DriveChoice.h"
 #include "recognition/frmSelectCategory.h"
 
 #include <QCheckBox>
@@ -98,15 +98,11 @@ frmFileListOption::frmFileListOption(AppContext& ctx, int number, int slot, QWid
     if (savingOptions()) {
         loadSavedOptions();
     }
-    const QStringList drives = GetCDDrives(m_ctx.ini());
-    if (drives.isEmpty()) {
+    if (fillDriveChoice(*m_cmbDrive, m_ctx.ini())) {
+        cmbDrive_Click();
+    } else {
         m_ctx.prompter().message(QStringLiteral("Устройство для чтения компакт-дисков не найдено!"),
                                  MessageStyle::Exclamation);
-        m_cmbDrive->setEnabled(false);
-    } else {
-        m_cmbDrive->addItems(drives);
-        m_cmbDrive->setCurrentIndex(static_cast<int>(drives.indexOf(chosenDrive(m_ctx.ini(), drives))));
-        cmbDrive_Click();
     }
 }
 

@@ -9,7 +9,7 @@
 #include "frame/FaultLog.h"
 #include "frame/ProgramInfo.h"
 #include "recognition/DiscIdentity.h"
-#include "recognition/Drives.h"
+#include "recognition/DriveChoice.h"
 #include "recognition/Medium.h"
 #include "recognition/frmSelectCategory.h"
 #include "ui/WaitCursor.h"
@@ -125,14 +125,10 @@ void frmTrackListOption::Form_Load()
     underErrorReport(m_ctx, QStringLiteral("frmTrackListOption, Form_Load()"), [this] {
         m_cmbServer->addItems(cddbServerItems(m_ctx.ini()));
         m_cmbServer->setCurrentIndex(preselectedServer(m_ctx.ini()));
-        const QStringList drives = GetCDDrives(m_ctx.ini());
-        if (drives.isEmpty()) {
+        if (!fillDriveChoice(*m_cmbDrive, m_ctx.ini())) {
             m_ctx.prompter().message(kNoDrive, MessageStyle::Exclamation);
-            m_cmbDrive->setEnabled(false);
             return;
         }
-        m_cmbDrive->addItems(drives);
-        m_cmbDrive->setCurrentIndex(static_cast<int>(drives.indexOf(chosenDrive(m_ctx.ini(), drives))));
         ShowDiscKind();
     });
 }

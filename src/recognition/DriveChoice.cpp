@@ -1,0 +1,21 @@
+#include "recognition/DriveChoice.h"
+
+#include "recognition/Drives.h"
+
+#include <QComboBox>
+
+namespace vinora {
+
+bool fillDriveChoice(QComboBox& selector, const IniFile& ini)
+{
+    const QStringList drives = GetCDDrives(ini);
+    if (drives.isEmpty()) {
+        selector.setEnabled(false);
+        return false;
+    }
+    selector.addItems(drives);
+    selector.setCurrentIndex(static_cast<int>(drives.indexOf(chosenDrive(ini, drives))));
+    return true;
+}
+
+} // namespace vinora
