@@ -5,7 +5,7 @@
 #include "catalogue/CatalogueQuery.h"
 #include "frame/AppError.h"
 #include "frame/IniFile.h"
-#include "mainwindow/QueryShortcuts.h"
+#include "search/QueryShortcuts.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,9 +1,8 @@
-#include "mainwindow/QueryShortcuts.h"
+#include "search/QueryShortcuts.h"
 
 #include "frame/IniFile.h"
 #include "frame/NumericPrefix.h"
 
-#include <QList>
 #include <algorithm>
 #include <climits>
 
@@ -16,39 +15,48 @@ const QString kName = QStringLiteral("Name");
 const QString kNum = QStringLiteral("Num");
 constexpr int kBuffer = 55;
 
-// The numbered sections the file holds, 1..count, ascending. Count is only what the file
-// claims; the loops below go over these, so a Count of 9999 over three shortcuts costs three.
-QList<int> numberedSections(const IniDocument& doc, int count)
+} // namespace
+
+ShortcutList shortcutList(const IniDocument& doc, int bufferLength)
 {
-    QList<int> numbers;
+    ShortcutList list;
+    list.counted = !doc.read(kQuery, kCount, bufferLength).isEmpty();
+    list.count = boundedInt(doc.number(kQuery, kCount, bufferLength), 0, INT_MAX - 1);
     for (const QString& name : doc.sectionNames()) {
         bool isNumber = false;
         const int n = name.toInt(&isNumber);
         // Only the decimal form the list writes: "01" or "+1" is not section 1.
-        if (isNumber && n >= 1 && n <= count && QString::number(n) == name) {
-            numbers.append(n);
+        if (isNumber && n >= 1 && n <= list.count && QString::number(n) == name) {
+            list.numbers.append(n);
         }
     }
-    std::sort(numbers.begin(), numbers.end());
-    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-    return numbers;
+    std::sort(list.numbers.begin(), list.numbers.end());
+    list.numbers.erase(std::unique(list.numbers.begin(), list.numbers.end()), list.numbers.end());
+    return list;
 }
 
-int countOf(const IniDocument& doc, int bufferLength)
+int shortcutNumber(const IniDocument& doc, const ShortcutList& list, const QString& name)
 {
-    return boundedInt(doc.number(kQuery, kCount, bufferLength), 0, INT_MAX - 1);
+    const auto holdsName = [&](int n) {
+        return doc.read(QString::number(n), kName, kBuffer).trimmed() == name;
+    };
+    const int num = boundedInt(doc.number(name, kNum, kBuffer), 0, INT_MAX);
+    if (list.numbers.contains(num) && holdsName(num)) {
+        return num;
+    }
+    const auto found = std::find_if(list.numbers.begin(), list.numbers.end(), holdsName);
+    return found == list.numbers.end() ? 0 : *found;
 }
-
-} // namespace
 
 QStringList shortcutNames(const IniFile& queryIni)
 {
     const IniDocument doc = queryIni.load();
+    const ShortcutList list = shortcutList(doc, kBuffer);
     QStringList names;
-    if (doc.read(kQuery, kCount, kBuffer).isEmpty()) {
+    if (!list.counted) {
         return names;
     }
-    for (const int n : numberedSections(doc, countOf(doc, kBuffer))) {
+    for (const int n : list.numbers) {
         const QString name = doc.read(QString::number(n), kName, kBuffer).trimmed();
         if (!name.isEmpty()) {
             names.append(name);
@@ -78,28 +86,19 @@ bool deleteShortcut(const IniFile& queryIni, const QString& name)
 {
     bool counted = true;
     queryIni.update([&](IniDocument& doc) {
-        if (doc.read(kQuery, kCount, 5).isEmpty()) {
+        const ShortcutList list = shortcutList(doc, 5);
+        if (!list.counted) {
             counted = false;
             return;
         }
-        const int count = countOf(doc, 5);
-        const QList<int> present = numberedSections(doc, count);
-        const auto holdsName = [&](int n) {
-            return doc.read(QString::number(n), kName, kBuffer).trimmed() == name;
-        };
-        // Its place in the list: Num when that section names it, else where the list has it.
-        int num = boundedInt(doc.number(name, kNum, kBuffer), 0, INT_MAX);
-        if (!present.contains(num) || !holdsName(num)) {
-            const auto found = std::find_if(present.begin(), present.end(), holdsName);
-            num = found == present.end() ? 0 : *found;
-        }
+        const int num = shortcutNumber(doc, list, name);
         doc.removeSection(name);
         if (num == 0) {
             return; // not in the list: nothing to renumber
         }
-        doc.write(kQuery, kCount, QString::number(std::max(count - 1, 0)));
+        doc.write(kQuery, kCount, QString::number(std::max(list.count - 1, 0)));
         doc.removeSection(QString::number(num));
-        for (const int n : present) {
+        for (const int n : list.numbers) {
             if (n <= num) {
                 continue;
             }
