@@ -1,10 +1,12 @@
-// query.ini from outside, through the shortcut list, the shortcut's filter and the deletion
-// with renumbering. The list is bounded by the sections the file holds; a deletion takes
-// exactly the deleted name out of the list; a filter that is accepted renders only fields of
-// the catalogue, known operators and bound values.
+// query.ini from outside, through the shortcut list, the shortcut's filter, the editor's
+// reading of its conditions and the deletion with renumbering. The list is bounded by the
+// sections the file holds; a deletion takes exactly the deleted name out of the list; a
+// filter that is accepted renders only fields of the catalogue, known operators and bound
+// values; a condition the editor reads back is written again as the same condition.
 #include "catalogue/CatalogueQuery.h"
 #include "frame/AppError.h"
 #include "frame/IniFile.h"
+#include "search/QueryFragments.h"
 #include "search/QueryShortcuts.h"
 
 #include <QDir>
@@ -74,6 +76,14 @@ void checkFilter(const QString& text)
     }
 }
 
+void checkReadBack(const QString& fragment)
+{
+    const std::optional<QueryCondition> condition = readFragment(fragment);
+    if (condition && readFragment(conditionFragment(*condition)) != condition) {
+        fail("a condition read back is not written as the same condition");
+    }
+}
+
 bool isNumberName(const QString& name)
 {
     bool ok = false;
@@ -105,9 +115,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         if (const auto query = shortcutQuery(ini, name)) {
             checkFilter(query->condition);
         }
+        if (const auto stored = storedShortcut(ini, name)) {
+            for (const QueryCondition& condition : stored->shortcut.conditions) {
+                if (!condition.field.isEmpty()) {
+                    checkReadBack(conditionFragment(condition));
+                }
+            }
+        }
     }
     if (bytes.size() < 2048) {
         checkFilter(QString::fromUtf8(bytes));
+        checkReadBack(QString::fromUtf8(bytes));
     }
     if (names.isEmpty()) {
         return 0;

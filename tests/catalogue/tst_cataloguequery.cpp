@@ -25,6 +25,8 @@ private slots:
                                               << "AND Год <> \"1999\"";
         QTest::newRow("doubled quote") << 0 << "AND Название = \"say \"\"hi\"\"\""
                                        << "AND Название = \"say \"\"hi\"\"\"";
+        QTest::newRow("doubled apostrophe") << 0 << "And Название LIKE '*O''Brien*'"
+                                            << "AND Название LIKE \"*O'Brien*\"";
         QTest::newRow("genre of DVD") << 2 << "AND Жанр = \"Комедия\""
                                       << "AND Жанр = \"Комедия\"";
         QTest::newRow("number LIKE") << 0 << "And Номер LIKE 12"
