@@ -108,6 +108,8 @@ bool isLiveCommand(const QString& toolId)
         QStringLiteral("ID_Help_Index"),
         QStringLiteral("ID_Help_About"),
         QStringLiteral("ID_Catalog_ChangeCategory"),
+        QStringLiteral("ID_ToolbarEditAdd"),
+        QStringLiteral("ID_ToolbarEditChange"),
         QStringLiteral("ID_ToolbarEditDel"),
         QStringLiteral("ID_DB_DiskImageAdd"),
         QStringLiteral("ID_DB_DiskImageRemove"),

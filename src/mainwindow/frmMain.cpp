@@ -20,6 +20,7 @@
 #include "recognition/Drives.h"
 #include "recognition/frmSelectCategory.h"
 #include "search/QueryShortcuts.h"
+#include "search/frmCreateQuery.h"
 #include "store/Compaction.h"
 #include "store/Db.h"
 #include "store/InfoStamp.h"
@@ -608,6 +609,10 @@ void frmMain::runCommand(const QString& toolId)
         } else if (!add.isEmpty() && m_actions.value(add)->isEnabled()) {
             runCommand(add);
         }
+    } else if (toolId == u"ID_ToolbarEditAdd") {
+        addShortcut();
+    } else if (toolId == u"ID_ToolbarEditChange") {
+        changeShortcut(m_shortcutUnderMouse);
     } else if (toolId == u"ID_ToolbarEditDel") {
         deleteShortcut(m_shortcutUnderMouse);
     } else if (toolId == u"ID_DB_DiskImageAdd") {
@@ -698,6 +703,33 @@ void frmMain::showShortcutMenu(QListWidget* group, const QPoint& at)
     m_menus.value(QStringLiteral("ID_ToolbarEdit"))->popup(group->viewport()->mapToGlobal(at));
 }
 
+void frmMain::addShortcut()
+{
+    underErrorReport(m_ctx, QStringLiteral("frmMain, ID_ToolbarEditAdd"), [this] {
+        frmCreateQuery editor(m_ctx, this);
+        m_ctx.prompter().showModal(editor);
+    });
+    loadShortcuts();
+}
+
+void frmMain::changeShortcut(const QString& shortcut)
+{
+    if (shortcut.isEmpty()) {
+        return;
+    }
+    underErrorReport(m_ctx, QStringLiteral("frmMain, ID_ToolbarEditChange"), [&] {
+        frmCreateQuery editor(m_ctx, this);
+        if (!editor.editShortcut(shortcut)) {
+            m_ctx.prompter().message(QStringLiteral("Запрос с именем '") + shortcut +
+                                         QStringLiteral("' ее найден!"),
+                                     MessageStyle::Exclamation);
+            return;
+        }
+        m_ctx.prompter().showModal(editor);
+    });
+    loadShortcuts();
+}
+
 void frmMain::deleteShortcut(const QString& shortcut)
 {
     if (shortcut.isEmpty()) {
@@ -709,7 +741,12 @@ void frmMain::deleteShortcut(const QString& shortcut)
     if (answer != Answer::Yes) {
         return;
     }
-    if (!vinora::deleteShortcut(m_ctx.queryIni(), shortcut)) {
+    bool counted = true;
+    if (!underErrorReport(m_ctx, QStringLiteral("frmMain, ID_ToolbarEditDel"),
+                          [&] { counted = vinora::deleteShortcut(m_ctx.queryIni(), shortcut); })) {
+        return;
+    }
+    if (!counted) {
         m_ctx.prompter().message(QStringLiteral("Ошибка удаления ярлыка!"), MessageStyle::Exclamation);
         return;
     }

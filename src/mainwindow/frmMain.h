@@ -72,6 +72,9 @@ public:
     void AddListbars();
     void LoadToolbars();
     void loadShortcuts();
+    // The commands of the shortcuts' pop-up menu on the shortcut `name`.
+    void addShortcut();
+    void changeShortcut(const QString& name);
     void deleteShortcut(const QString& name);
 
     // --- for tests and the screenshot script ------------------------------------------
