@@ -552,6 +552,16 @@ private slots:
         QVERIFY(t.s.app.prompter.texts()[0].startsWith("ОШИБКА."));
         QCOMPARE(t.s.bytes(), before);
         QCOMPARE(t.w.listBarItems("g4"), QStringList());
+
+        t.s.store(kThree);
+        t.w.loadShortcuts();
+        t.s.app.prompter.answer(Answer::Yes);
+        IniFile::failWriteForTests(1, ENOSPC);
+        t.w.deleteShortcut("Рок");
+        IniFile::failWriteForTests(0, 0);
+        QVERIFY(t.s.app.prompter.texts().last().startsWith("ОШИБКА."));
+        QCOMPARE(t.s.bytes(), cp1251::encode(kThree));
+        QCOMPARE(t.w.listBarItems("g4"), (QStringList{"Рок", "Джаз", "Игры"}));
     }
 };
 
