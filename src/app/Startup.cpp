@@ -5,6 +5,7 @@
 #include "store/BackupSet.h"
 #include "store/DatabaseHealth.h"
 #include "store/Reanimator.h"
+#include "store/SearchIndex.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -130,7 +131,16 @@ bool Main(AppContext& ctx, QLockFile& instanceLock, const std::function<void()>&
         if (showSplash) {
             showSplash();
         }
-        return createMissingDatabases(ctx) && offerWayOutOfDamagedDatabases(ctx);
+        if (!createMissingDatabases(ctx) || !offerWayOutOfDamagedDatabases(ctx)) {
+            return false;
+        }
+        // Databases of earlier versions get their search index once; without it a search
+        // still works, reading every row.
+        underErrorReport(ctx, QStringLiteral("vinoraModule, Main()"), [&] {
+            addMissingSearchIndex(ctx.FilesDBPath, ContentsKind::Files);
+            addMissingSearchIndex(ctx.TracksDBPath, ContentsKind::Tracks);
+        });
+        return true;
     });
 }
 

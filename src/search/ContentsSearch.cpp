@@ -6,6 +6,7 @@
 #include "store/ContentsLists.h"
 #include "store/Db.h"
 #include "store/Schema.h"
+#include "store/SearchIndex.h"
 #include "store/SqlFunctions.h"
 
 #include <QFileInfo>
@@ -21,6 +22,7 @@ namespace {
 constexpr int kDiscsInSet = 6;
 // How often (in engine steps) a running statement looks at the stop flag.
 constexpr int kStopCheckSteps = 1000;
+const QString kDiscs = QStringLiteral("temp.search_discs");
 
 QString field(const char* name)
 {
@@ -41,39 +43,51 @@ bool onlyStars(const QString& text)
     return std::all_of(text.cbegin(), text.cend(), [](QChar ch) { return ch == u'*'; });
 }
 
-// The comparison of the searched field with the text. A trigram index of the contents
-// would narrow the rows here, before the comparison that decides.
+// The comparison of the searched field with the text: the catalogue's LIKE, which folds
+// case alike for every script, in the whole-field search too.
 QString textCondition(const SearchRequest& request, QVariantList& values)
 {
     const QString column = searchedField(request);
     if (!request.whole && onlyStars(request.text)) {
         return column + QStringLiteral(" IS NOT NULL");
     }
-    if (request.whole && !request.text.contains(u'*') && !request.text.contains(u'?')) {
-        values.append(request.text);
-        return column + QStringLiteral(" = ?");
-    }
     values.append(searchPattern(request.text, request.whole));
     return column + QStringLiteral(" LIKE ?");
 }
 
-// The list of disc k of the catalogue row: ДискID1..ДискID6 by the set's place.
-QString discIdOfPlace()
+// The field whose index narrows the search: a folder row repeats its path as its name.
+QString indexedField(const SearchRequest& request)
 {
-    QString sql = QStringLiteral("CASE k.k");
-    for (int k = 1; k <= kDiscsInSet; ++k) {
-        sql += QStringLiteral(" WHEN %1 THEN c.").arg(k) + quoted(QStringLiteral("ДискID%1").arg(k));
+    if (request.tracks) {
+        return QStringLiteral("Название");
     }
-    return sql + QStringLiteral(" END");
+    return request.comments ? QStringLiteral("Комментарий") : QStringLiteral("Имя");
 }
 
-QString placesOfSet()
+const ContentsDescriptor& contentsOf(const SearchRequest& request)
 {
+    return contentsDescriptor(request.tracks ? ContentsKind::Tracks : ContentsKind::Files);
+}
+
+// The discs of the catalogue, one row per disc of a set, in the order of the catalogue and
+// the set: its list id (case folded), the catalogue number and the place in the set.
+void gatherDiscs(const Db& db, const SearchRequest& request)
+{
+    const CategoryInfo& catalogue = categoryInfo(request.tracks ? Category::Audio : Category::Computer);
+    QString discId = QStringLiteral("CASE k.k");
     QStringList places;
     for (int k = 1; k <= kDiscsInSet; ++k) {
+        discId += QStringLiteral(" WHEN %1 THEN c.").arg(k) + quoted(QStringLiteral("ДискID%1").arg(k));
         places.append(QStringLiteral("SELECT %1 AS k").arg(k));
     }
-    return places.join(QStringLiteral(" UNION ALL "));
+    discId += QStringLiteral(" END");
+    db.exec(QStringLiteral("CREATE TEMP TABLE ") + kDiscs + QStringLiteral(" (id TEXT, number INTEGER, place INTEGER)"));
+    db.exec(QStringLiteral("INSERT INTO ") + kDiscs + QStringLiteral(" SELECT lower(") + discId +
+            QStringLiteral("), c.\"Номер\", k.k FROM ") +
+            quoted(kCatalogueSchema) + u'.' + quoted(catalogue.table) + QStringLiteral(" AS c CROSS JOIN (") +
+            places.join(QStringLiteral(" UNION ALL ")) + QStringLiteral(") AS k WHERE ") + discId +
+            QStringLiteral(" IS NOT NULL ORDER BY c.") + quoted(catalogue.keyField) + QStringLiteral(", k.k"));
+    db.exec(QStringLiteral("CREATE INDEX temp.search_discs_id ON search_discs (id)"));
 }
 
 AppError catalogueError(const AppError& error, const QString& path)
@@ -162,28 +176,37 @@ QString searchPattern(const QString& text, bool whole)
     return whole ? pattern : pattern + u'*';
 }
 
-SearchQuery buildSearchQuery(const SearchRequest& request, const QString& catalogueSchema)
+SearchQuery buildSearchQuery(const SearchRequest& request, bool indexed)
 {
-    const CategoryInfo& catalogue = categoryInfo(request.tracks ? Category::Audio : Category::Computer);
-    const ContentsDescriptor& contents =
-        contentsDescriptor(request.tracks ? ContentsKind::Tracks : ContentsKind::Files);
-
+    const ContentsDescriptor& contents = contentsOf(request);
     const QString selected = request.tracks ? QString(field("Название") + QStringLiteral(", NULL"))
                                             : QString(field("Имя") + QStringLiteral(", ") + field("Путь"));
+    const QString rows = quoted(contents.rowsTable) + QStringLiteral(" AS r");
     SearchQuery query;
-    query.sql = QStringLiteral("SELECT c.\"Номер\", k.k, ") + selected + QStringLiteral(" FROM ") +
-                quoted(catalogueSchema) + u'.' + quoted(catalogue.table) +
-                QStringLiteral(" AS c CROSS JOIN (") + placesOfSet() + QStringLiteral(") AS k CROSS JOIN ") +
-                quoted(contents.rowsTable) + QStringLiteral(" AS r WHERE r.\"ДискID\" = ") + discIdOfPlace() +
-                QStringLiteral(" AND ") + textCondition(request, query.values);
+    query.sql = QStringLiteral("SELECT d.number, d.place, ") + selected + QStringLiteral(" FROM ");
+    const QString matched = indexed && !(!request.whole && onlyStars(request.text))
+                                ? trigramQuery(request.text)
+                                : QString();
+    if (matched.isEmpty()) {
+        // Every row of every disc is compared, disc by disc.
+        query.sql += kDiscs + QStringLiteral(" AS d CROSS JOIN ") + rows +
+                     QStringLiteral(" WHERE r.\"ДискID\" = d.id");
+    } else {
+        // The index gives the rows holding every trigram of the text; each leads to its disc.
+        const QString index = quoted(searchIndexTable(contents, indexedField(request)));
+        query.sql += index + QStringLiteral(" AS x CROSS JOIN ") + rows + QStringLiteral(" CROSS JOIN ") + kDiscs +
+                     QStringLiteral(" AS d WHERE x.") + index +
+                     QStringLiteral(" MATCH ? AND r.rowid = x.rowid AND d.id = lower(r.\"ДискID\")");
+        query.values.append(matched);
+    }
+    query.sql += QStringLiteral(" AND ") + textCondition(request, query.values);
     if (!request.tracks) {
         // A folder's own row repeats its path as its name, character for character.
         query.sql += QStringLiteral(" AND ") + field("Имя") +
                      (request.folders ? QStringLiteral(" = ") : QStringLiteral(" <> ")) + field("Путь") +
                      QStringLiteral(" COLLATE BINARY");
     }
-    query.sql +=
-        QStringLiteral(" ORDER BY c.") + quoted(catalogue.keyField) + QStringLiteral(", k.k, r.rowid");
+    query.sql += QStringLiteral(" ORDER BY d.rowid, r.rowid");
     return query;
 }
 
@@ -200,7 +223,9 @@ SearchOutcome searchContents(const SearchDatabases& databases, const SearchReque
     }
     const Db db(databases.contents, Db::Access::ReadOnly);
     attachCatalogue(db, databases.catalogue);
-    const SearchQuery search = buildSearchQuery(request);
+    gatherDiscs(db, request);
+    const SearchQuery search =
+        buildSearchQuery(request, hasSearchIndex(db, request.tracks ? ContentsKind::Tracks : ContentsKind::Files));
     const StopWatch watch(db, stop);
 
     QSqlQuery rows(db.connection());

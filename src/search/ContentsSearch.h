@@ -51,8 +51,10 @@ struct SearchDatabases
 
 SearchDatabases searchDatabases(const AppContext& ctx, const SearchRequest& request);
 
-// The one statement of a search, with its values to bind in order. The contents database is
-// the connection's own; the main database is attached under `catalogueSchema`.
+// The statement of a search, with its values to bind in order. The contents database is
+// the connection's own; the discs of the catalogue stand in the temporary table
+// search_discs (id, number, place). `indexed`: the contents database has its search index,
+// which then narrows the rows when the text allows it.
 struct SearchQuery
 {
     QString sql;
@@ -61,7 +63,7 @@ struct SearchQuery
 
 inline const QString kCatalogueSchema = QStringLiteral("catalogue");
 
-SearchQuery buildSearchQuery(const SearchRequest& request, const QString& catalogueSchema = kCatalogueSchema);
+SearchQuery buildSearchQuery(const SearchRequest& request, bool indexed);
 
 // The catalogue's LIKE pattern of a search text: "#" and "[" are put in brackets so they
 // stand for themselves, "*" and "?" stay wildcards. `whole` leaves out the stars around it.

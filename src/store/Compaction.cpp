@@ -3,6 +3,7 @@
 #include "frame/AppContext.h"
 #include "store/DatabaseLock.h"
 #include "store/Db.h"
+#include "store/SearchIndex.h"
 
 #include <QFileInfo>
 
@@ -14,10 +15,9 @@ bool compactDatabases(const AppContext& ctx)
     if (!alone) {
         return false;
     }
-    for (const QString& database : {ctx.MainDBPath, ctx.FilesDBPath, ctx.TracksDBPath}) {
-        Db db(database);
-        db.exec(QStringLiteral("VACUUM"));
-    }
+    Db(ctx.MainDBPath).exec(QStringLiteral("VACUUM"));
+    vacuumContents(Db(ctx.FilesDBPath), ContentsKind::Files);
+    vacuumContents(Db(ctx.TracksDBPath), ContentsKind::Tracks);
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "frame/AppError.h"
 #include "store/Db.h"
 #include "store/Schema.h"
+#include "store/SearchIndex.h"
 
 namespace vinora {
 namespace {
@@ -32,11 +33,13 @@ const ContentsDescriptor& contentsDescriptor(ContentsKind kind)
     static const ContentsDescriptor files{ContentsKind::Files,
                                           QStringLiteral("Файлы"),
                                           {QStringLiteral("Имя"), QStringLiteral("Путь"),
-                                           QStringLiteral("Размер"), QStringLiteral("Комментарий")}};
+                                           QStringLiteral("Размер"), QStringLiteral("Комментарий")},
+                                          {QStringLiteral("Имя"), QStringLiteral("Комментарий")}};
     static const ContentsDescriptor tracks{
         ContentsKind::Tracks,
         QStringLiteral("Треки"),
-        {QStringLiteral("Номер"), QStringLiteral("Название"), QStringLiteral("Комментарий")}};
+        {QStringLiteral("Номер"), QStringLiteral("Название"), QStringLiteral("Комментарий")},
+        {QStringLiteral("Название")}};
     return kind == ContentsKind::Files ? files : tracks;
 }
 
@@ -58,6 +61,7 @@ void ContentsLists::createStorage(const Db& db, ContentsKind kind)
     db.exec(createTableSql(rows));
     db.exec(QStringLiteral("CREATE INDEX ") + quoted(descriptor.rowsTable + QStringLiteral("ПоДиску")) +
             QStringLiteral(" ON ") + quoted(descriptor.rowsTable) + QStringLiteral(" (\"ДискID\")"));
+    createSearchIndex(db, kind);
 }
 
 bool ContentsLists::exists(const QString& id) const

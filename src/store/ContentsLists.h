@@ -18,6 +18,7 @@ struct ContentsDescriptor
     ContentsKind kind;
     QString rowsTable;  // "Файлы" or "Треки"
     QStringList fields; // the list's own fields, in order
+    QStringList searchedFields; // the fields the global search compares, indexed for it
 };
 
 const ContentsDescriptor& contentsDescriptor(ContentsKind kind);

@@ -4,6 +4,8 @@
 #include "store/ContentsLists.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "store/Schema.h"
+#include "store/SearchIndex.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
@@ -103,6 +105,22 @@ void fillCatalogue(const AppContext& ctx)
     }
 }
 
+// Leaves the contents databases as a version without the search index made them.
+void dropSearchIndex(const AppContext& ctx)
+{
+    for (const ContentsKind kind : {ContentsKind::Files, ContentsKind::Tracks}) {
+        const Db db(kind == ContentsKind::Files ? ctx.FilesDBPath : ctx.TracksDBPath);
+        const ContentsDescriptor& descriptor = contentsDescriptor(kind);
+        for (const QString& trigger :
+             db.texts("SELECT name FROM sqlite_master WHERE type = 'trigger' AND tbl_name = ?", {descriptor.rowsTable})) {
+            db.exec("DROP TRIGGER " + quoted(trigger));
+        }
+        for (const QString& field : descriptor.searchedFields) {
+            db.exec("DROP TABLE " + quoted(searchIndexTable(descriptor, field)));
+        }
+    }
+}
+
 // A hit as "number/place path|name", the place always written.
 QString hitText(const SearchHit& hit)
 {
@@ -169,6 +187,7 @@ class tst_search : public QObject
     Q_OBJECT
 
     test::TestApp m_app;
+    test::TestApp m_unindexed; // the same catalogue as a version without the search index made it
 
     void addRequestColumns()
     {
@@ -191,7 +210,12 @@ class tst_search : public QObject
     }
 
 private slots:
-    void initTestCase() { fillCatalogue(m_app.ctx); }
+    void initTestCase()
+    {
+        fillCatalogue(m_app.ctx);
+        fillCatalogue(m_unindexed.ctx);
+        dropSearchIndex(m_unindexed.ctx);
+    }
 
     // Every combination of the search's switches: the field compared, whole or contains, and
     // the kind of row kept (file rows for names, folder rows for paths, either way for comments).
@@ -236,10 +260,12 @@ private slots:
     void criteria()
     {
         QFETCH(QStringList, expected);
-        const Collected found = collect(m_app.ctx, fetchedRequest());
-        QCOMPARE(found.hits, expected);
-        QCOMPARE(found.outcome.found, expected.size());
-        QVERIFY(!found.outcome.stopped);
+        for (const AppContext* ctx : {&m_app.ctx, &m_unindexed.ctx}) {
+            const Collected found = collect(*ctx, fetchedRequest());
+            QCOMPARE(found.hits, expected);
+            QCOMPARE(found.outcome.found, expected.size());
+            QVERIFY(!found.outcome.stopped);
+        }
     }
 
     // The text stands for itself except "*" and "?", which keep their meaning of any run and
@@ -291,14 +317,42 @@ private slots:
     {
         const QString text = "x'); DROP TABLE Файлы; --";
         for (const bool whole : {false, true}) {
-            const SearchQuery query = buildSearchQuery({false, false, whole, false, text});
-            QVERIFY2(!query.sql.contains("DROP"), qPrintable(query.sql));
-            QCOMPARE(query.values, QVariantList{whole ? text : QString(u'*' + text + u'*')});
+            for (const bool indexed : {false, true}) {
+                const SearchQuery query = buildSearchQuery({false, false, whole, false, text}, indexed);
+                QVERIFY2(!query.sql.contains("DROP"), qPrintable(query.sql));
+                QCOMPARE(query.values.last(), QVariant(whole ? text : QString(u'*' + text + u'*')));
+                QCOMPARE(query.values.size(), indexed ? 2 : 1);
+            }
         }
         QCOMPARE(searchPattern("[#]*?", false), "*[[][#]]*?*");
         QCOMPARE(searchPattern("a#", true), "a[#]");
         const Db files(m_app.ctx.FilesDBPath, Db::Access::ReadOnly);
         QVERIFY(files.tableExists("Файлы"));
+    }
+
+    // The databases of a version without the index get it at start; a folder that cannot be
+    // written keeps them as they are, and they are searched all the same.
+    void missingIndexAdded()
+    {
+        test::TestApp app;
+        fillCatalogue(app.ctx);
+        dropSearchIndex(app.ctx);
+        const SearchRequest request{false, false, false, false, "ГРУППА"};
+        {
+            const test::ReadOnlyFolder readOnly(app.ctx.mainDatabaseFolder());
+            if (readOnly.active()) {
+                addMissingSearchIndex(app.ctx.FilesDBPath, ContentsKind::Files);
+                QVERIFY(!hasSearchIndex(Db(app.ctx.FilesDBPath, Db::Access::ReadOnly), ContentsKind::Files));
+                QCOMPARE(collect(app.ctx, request).hits, QStringList{"12/1 \\Музыка\\|Группа крови.mp3"});
+            }
+        }
+        addMissingSearchIndex(app.ctx.FilesDBPath, ContentsKind::Files);
+        addMissingSearchIndex(app.ctx.TracksDBPath, ContentsKind::Tracks);
+        QVERIFY(hasSearchIndex(Db(app.ctx.FilesDBPath, Db::Access::ReadOnly), ContentsKind::Files));
+        QVERIFY(hasSearchIndex(Db(app.ctx.TracksDBPath, Db::Access::ReadOnly), ContentsKind::Tracks));
+        QCOMPARE(collect(app.ctx, request).hits, QStringList{"12/1 \\Музыка\\|Группа крови.mp3"});
+        QCOMPARE(collect(app.ctx, {true, false, false, false, "ГРУППА"}).hits,
+                 QStringList({"3/1 |Группа крови", "3/2 |группа"}));
     }
 
     // A disc whose id names no list is passed over; other discs of the set are still found.
