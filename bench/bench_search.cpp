@@ -68,7 +68,7 @@ int main(int argc, char* argv[])
         const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
         std::printf("files database: %.0f MB", QFileInfo(ctx.FilesDBPath).size() / 1048576.0);
         try {
-            const double index = files.scalar(QStringLiteral("SELECT sum(pgsize) FROM dbstat WHERE name LIKE 'ФайлыПоиск%'"))
+            const double index = files.scalar(QStringLiteral("SELECT sum(pgsize) FROM dbstat WHERE name GLOB 'ФайлыПоиск*'"))
                                      .toDouble();
             std::printf(", of which the search index %.0f MB", index / 1048576.0);
         } catch (const AppError&) {
@@ -83,11 +83,12 @@ int main(int argc, char* argv[])
         wholeName = files.scalar(QStringLiteral("SELECT Имя FROM Файлы WHERE rowid >= 2500777 AND Имя <> Путь LIMIT 1")).toString();
     }
     const QList<Case> cases = {
-        {"contains, a Latin word (\"thesis\")", {false, false, false, false, QStringLiteral("thesis")}, {}, 500},
-        {"contains, a Cyrillic word (\"рыбалка\")", {false, false, false, false, QStringLiteral("РЫБАЛКА")}, {}, 500},
-        {"contains, a frequent Cyrillic word (\"песни\")", {false, false, false, false, QStringLiteral("песни")}, {}, 500},
+        {"contains, a Latin word", {false, false, false, false, QStringLiteral("thesis")}, {}, 500},
+        {"contains, a Cyrillic word", {false, false, false, false, QStringLiteral("РЫБАЛКА")}, {}, 500},
+        // A word in one name of nine: the hits' rows are most of the table, read one by one.
+        {"contains, the most frequent Cyrillic word", {false, false, false, false, QStringLiteral("музыка")}, {}, 0},
         {"whole field, a file name", {false, false, true, false, wholeName}, {QStringLiteral("-x")}, 100},
-        {"contains, two letters (\"ок\", every row read)", {false, false, false, false, QStringLiteral("ок")}, {}, 0},
+        {"contains, two letters (every row read)", {false, false, false, false, QStringLiteral("ок")}, {}, 0},
     };
     for (const Case& test : cases) {
         int hits = 0;
@@ -101,8 +102,8 @@ int main(int argc, char* argv[])
         } else {
             std::printf("%-58s %10.3f ms   (no goal)\n", test.what, search);
         }
-        std::printf("  hits %d (grep counts %d lines); grep -c -i %.1f ms; ratio %.2f\n", hits, grepCount, grep,
-                    search / grep);
+        std::printf("  \"%s\": %d hits (grep: %d lines); grep -c -i %.1f ms; search/grep %.2f\n",
+                    qPrintable(test.request.text), hits, grepCount, grep, search / grep);
     }
     return finish();
 }

@@ -183,7 +183,7 @@ SearchQuery buildSearchQuery(const SearchRequest& request, bool indexed)
                                             : QString(field("Имя") + QStringLiteral(", ") + field("Путь"));
     const QString rows = quoted(contents.rowsTable) + QStringLiteral(" AS r");
     SearchQuery query;
-    query.sql = QStringLiteral("SELECT d.number, d.place, ") + selected + QStringLiteral(" FROM ");
+    query.sql = QStringLiteral("SELECT d.rowid, d.number, d.place, ") + selected + QStringLiteral(" FROM ");
     const QString matched = indexed && !(!request.whole && onlyStars(request.text))
                                 ? trigramQuery(request.text)
                                 : QString();
@@ -198,6 +198,7 @@ SearchQuery buildSearchQuery(const SearchRequest& request, bool indexed)
                      QStringLiteral(" AS d WHERE x.") + index +
                      QStringLiteral(" MATCH ? AND r.rowid = x.rowid AND d.id = lower(r.\"ДискID\")");
         query.values.append(matched);
+        query.inStorageOrder = true;
     }
     query.sql += QStringLiteral(" AND ") + textCondition(request, query.values);
     if (!request.tracks) {
@@ -206,7 +207,8 @@ SearchQuery buildSearchQuery(const SearchRequest& request, bool indexed)
                      (request.folders ? QStringLiteral(" = ") : QStringLiteral(" <> ")) + field("Путь") +
                      QStringLiteral(" COLLATE BINARY");
     }
-    query.sql += QStringLiteral(" ORDER BY d.rowid, r.rowid");
+    // Both orders are the ones the loops give, without sorting in the engine.
+    query.sql += query.inStorageOrder ? QStringLiteral(" ORDER BY x.rowid") : QStringLiteral(" ORDER BY d.rowid, r.rowid");
     return query;
 }
 
@@ -256,10 +258,19 @@ SearchOutcome searchContents(const SearchDatabases& databases, const SearchReque
         batch.clear();
         return !stopped();
     };
+    const auto add = [&](SearchHit&& hit) {
+        batch.append(std::move(hit));
+        return batch.size() < size || hand();
+    };
+    // Rows from the index come in the order they were stored and are put in the order of
+    // the discs before they are handed on.
+    QList<std::pair<qint64, SearchHit>> stored;
     while (rows.next()) {
-        batch.append({rows.value(0).toInt(), rows.value(1).toInt(), rows.value(2).toString(),
-                      rows.value(3).toString()});
-        if (batch.size() >= size && !hand()) {
+        SearchHit hit{rows.value(1).toInt(), rows.value(2).toInt(), rows.value(3).toString(),
+                      rows.value(4).toString()};
+        if (search.inStorageOrder) {
+            stored.append({rows.value(0).toLongLong(), std::move(hit)});
+        } else if (!add(std::move(hit))) {
             return outcome;
         }
     }
@@ -269,9 +280,15 @@ SearchOutcome searchContents(const SearchDatabases& databases, const SearchReque
         }
         throw sqlError(rows.lastError().text(), search.sql);
     }
-    if (!batch.isEmpty() && !stopped()) {
-        deliver(batch);
-        outcome.found += static_cast<int>(batch.size());
+    std::stable_sort(stored.begin(), stored.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (auto& [disc, hit] : stored) {
+        if (!add(std::move(hit))) {
+            return outcome;
+        }
+    }
+    if (!batch.isEmpty()) {
+        hand();
     }
     return outcome;
 }

@@ -59,6 +59,9 @@ struct SearchQuery
 {
     QString sql;
     QVariantList values;
+    // The rows come in the order they were stored, each with the order of its disc first;
+    // otherwise in the order of the discs.
+    bool inStorageOrder = false;
 };
 
 inline const QString kCatalogueSchema = QStringLiteral("catalogue");

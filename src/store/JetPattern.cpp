@@ -7,7 +7,7 @@ namespace {
 
 // Matches the set that starts after "[" at pattern[at]; returns the index after "]",
 // or -1 for a "[" without a closing bracket (then "[" is a plain character).
-qsizetype matchSet(const QString& pattern, qsizetype at, QChar ch, bool& matched)
+qsizetype matchSet(QStringView pattern, qsizetype at, QChar ch, bool& matched)
 {
     bool negate = false;
     if (at < pattern.size() && pattern[at] == u'!') {
@@ -37,9 +37,13 @@ qsizetype matchSet(const QString& pattern, qsizetype at, QChar ch, bool& matched
 
 } // namespace
 
-bool jetLike(QStringView patternView, QStringView textView)
+bool jetLike(QStringView pattern, QStringView text)
 {
-    const QString pattern = patternView.toString().toCaseFolded();
+    return jetLikeFolded(pattern.toString().toCaseFolded(), text);
+}
+
+bool jetLikeFolded(QStringView pattern, QStringView textView)
+{
     const QString text = textView.toString().toCaseFolded();
 
     qsizetype p = 0;

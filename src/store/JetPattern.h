@@ -9,4 +9,8 @@ namespace vinora {
 // characters. Letters match without regard to case, Cyrillic and Latin alike.
 bool jetLike(QStringView pattern, QStringView text);
 
+// The same with the pattern already case folded (QString::toCaseFolded), for a pattern
+// compared with many texts.
+bool jetLikeFolded(QStringView foldedPattern, QStringView text);
+
 } // namespace vinora

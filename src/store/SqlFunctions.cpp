@@ -40,7 +40,14 @@ void likeFunction(sqlite3_context* context, int argc, sqlite3_value** argv)
         sqlite3_result_null(context);
         return;
     }
-    sqlite3_result_int(context, jetLike(textArgument(argv[0]), textArgument(argv[1])) ? 1 : 0);
+    // The pattern (the first argument) is folded once per statement, not once per row.
+    if (const auto* kept = static_cast<const QString*>(sqlite3_get_auxdata(context, 0))) {
+        sqlite3_result_int(context, jetLikeFolded(*kept, textArgument(argv[1])) ? 1 : 0);
+        return;
+    }
+    auto* folded = new QString(textArgument(argv[0]).toCaseFolded());
+    sqlite3_result_int(context, jetLikeFolded(*folded, textArgument(argv[1])) ? 1 : 0);
+    sqlite3_set_auxdata(context, 0, folded, [](void* kept) { delete static_cast<QString*>(kept); });
 }
 
 template <bool Upper> void caseFunction(sqlite3_context* context, int, sqlite3_value** argv)
