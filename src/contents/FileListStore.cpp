@@ -59,11 +59,22 @@ void DeleteFileList(AppContext& ctx, int number, int slot, const QString& id)
                   {{QStringLiteral("ДискID%1").arg(slot), QVariant()}});
 }
 
+namespace {
+
+// Rows wait in a table of the connection's own until their commit moves them into the
+// list in one statement: the search index then takes them in one piece rather than row by
+// row, which is several times faster.
+const QString kStaged = QStringLiteral("temp.\"ФайлыНовые\"");
+const QString kFileColumns = QStringLiteral("ДискID, Имя, Путь, Размер, Комментарий");
+
+} // namespace
+
 FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id))
 {
-    m_insert = std::make_unique<Statement>(
-        m_db,
-        QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES (?, ?, ?, ?, ?)"));
+    m_db.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + kStaged + u'(' + kFileColumns + u')');
+    m_db.exec(QStringLiteral("DELETE FROM ") + kStaged);
+    m_insert = std::make_unique<Statement>(m_db, QStringLiteral("INSERT INTO ") + kStaged + u'(' + kFileColumns +
+                                                     QStringLiteral(") VALUES (?, ?, ?, ?, ?)"));
     m_sinceCommit.start();
 }
 
@@ -95,6 +106,9 @@ void FileListWriter::write(const QList<FileRow>& rows)
 void FileListWriter::commit()
 {
     if (m_transaction) {
+        m_db.exec(QStringLiteral("INSERT INTO Файлы (") + kFileColumns + QStringLiteral(") SELECT ") + kFileColumns +
+                  QStringLiteral(" FROM ") + kStaged + QStringLiteral(" ORDER BY rowid"));
+        m_db.exec(QStringLiteral("DELETE FROM ") + kStaged);
         m_transaction->commit();
         m_transaction.reset();
     }
