@@ -39,34 +39,36 @@ private:
     std::uint64_t m_state;
 };
 
-const QStringList kRussian = QStringLiteral(
-    "музыка фото документы отчёт концерт альбом сборник видео игры программы драйверы письма "
-    "договор проект архив дача отпуск семья свадьба день рождения новый год море лето зима весна "
-    "осень школа университет работа диплом курсовая реферат лекции книги журнал газета рецепты "
-    "кухня сад огород ремонт квартира машина гараж рыбалка охота поход горы река озеро лес поле "
-    "город деревня москва питер казань сочи крым байкал урал сибирь волга песни романсы шансон "
-    "рок поп джаз классика блюз кино мультфильмы сериал фильм трейлер клип интервью репортаж "
-    "новости погода спорт футбол хоккей теннис бокс шахматы карты словарь справочник учебник "
-    "задачи решения ответы тесты экзамен билеты шпаргалки заметки черновик чистовик копия "
-    "резерв старое новое разное прочее личное общее важное срочно бухгалтерия налоги счета "
-    "квитанции выписка баланс смета заявка приказ протокол акт накладная паспорт анкета резюме "
-    "портрет пейзаж натюрморт выставка галерея музей театр балет опера оркестр хор группа "
-    "солист певица артист ансамбль дуэт трио квартет гитара пианино скрипка барабаны флейта")
-                                  .split(u' ');
+const QStringList kRussian =
+    QStringLiteral(
+        "музыка фото документы отчёт концерт альбом сборник видео игры программы драйверы письма "
+        "договор проект архив дача отпуск семья свадьба день рождения новый год море лето зима весна "
+        "осень школа университет работа диплом курсовая реферат лекции книги журнал газета рецепты "
+        "кухня сад огород ремонт квартира машина гараж рыбалка охота поход горы река озеро лес поле "
+        "город деревня москва питер казань сочи крым байкал урал сибирь волга песни романсы шансон "
+        "рок поп джаз классика блюз кино мультфильмы сериал фильм трейлер клип интервью репортаж "
+        "новости погода спорт футбол хоккей теннис бокс шахматы карты словарь справочник учебник "
+        "задачи решения ответы тесты экзамен билеты шпаргалки заметки черновик чистовик копия "
+        "резерв старое новое разное прочее личное общее важное срочно бухгалтерия налоги счета "
+        "квитанции выписка баланс смета заявка приказ протокол акт накладная паспорт анкета резюме "
+        "портрет пейзаж натюрморт выставка галерея музей театр балет опера оркестр хор группа "
+        "солист певица артист ансамбль дуэт трио квартет гитара пианино скрипка барабаны флейта")
+        .split(u' ');
 
-const QStringList kEnglish = QStringLiteral(
-    "music photos documents report concert album collection video games programs drivers letters "
-    "contract project archive holiday family wedding birthday summer winter spring autumn school "
-    "university work thesis lectures books magazine recipes kitchen garden repair house car travel "
-    "mountains river lake forest city village london paris berlin songs ballads rock pop jazz "
-    "classic blues movies cartoons series film trailer clip interview news weather sports football "
-    "hockey tennis chess cards dictionary manual tutorial tasks answers tests exam notes draft copy "
-    "backup old new misc private common important urgent accounting taxes invoices statement "
-    "budget order minutes passport resume portrait landscape gallery museum theatre ballet opera "
-    "orchestra choir band singer artist guitar piano violin drums flute setup install readme "
-    "license update patch crack keygen serial demo trial full portable release final beta alpha "
-    "source data config system windows linux office player codec plugin skin theme font icon")
-                                  .split(u' ');
+const QStringList kEnglish =
+    QStringLiteral(
+        "music photos documents report concert album collection video games programs drivers letters "
+        "contract project archive holiday family wedding birthday summer winter spring autumn school "
+        "university work thesis lectures books magazine recipes kitchen garden repair house car travel "
+        "mountains river lake forest city village london paris berlin songs ballads rock pop jazz "
+        "classic blues movies cartoons series film trailer clip interview news weather sports football "
+        "hockey tennis chess cards dictionary manual tutorial tasks answers tests exam notes draft copy "
+        "backup old new misc private common important urgent accounting taxes invoices statement "
+        "budget order minutes passport resume portrait landscape gallery museum theatre ballet opera "
+        "orchestra choir band singer artist guitar piano violin drums flute setup install readme "
+        "license update patch crack keygen serial demo trial full portable release final beta alpha "
+        "source data config system windows linux office player codec plugin skin theme font icon")
+        .split(u' ');
 
 const QStringList kExtensions =
     QStringLiteral("mp3 jpg doc txt exe avi pdf zip png xls rar ini dll htm wav ogg").split(u' ');
@@ -98,7 +100,9 @@ public:
         const QString extension = kExtensions.at(m_random.zipf(static_cast<int>(kExtensions.size())));
         switch (m_random.below(6)) {
         case 0:
-            return QStringLiteral("%1 - %2.mp3").arg(1 + m_random.below(20), 2, 10, QChar(u'0')).arg(title(4));
+            return QStringLiteral("%1 - %2.mp3")
+                .arg(1 + m_random.below(20), 2, 10, QChar(u'0'))
+                .arg(title(4));
         case 1:
             return QStringLiteral("IMG_%1.JPG").arg(m_random.below(10000), 4, 10, QChar(u'0'));
         case 2:
@@ -132,8 +136,9 @@ void generateSearchCollection(const AppContext& ctx, const CollectionShape& shap
     const ContentsLists lists(files, ContentsKind::Files);
     {
         Transaction transaction(main);
-        Statement disc(main, QStringLiteral("INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков, ДискID1) "
-                                            "VALUES (?, ?, 1, 1, ?)"));
+        Statement disc(main,
+                       QStringLiteral("INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков, ДискID1) "
+                                      "VALUES (?, ?, 1, 1, ?)"));
         for (int n = 1; n <= shape.discs; ++n) {
             disc.run({n, names.title(3), QStringLiteral("%1-BENCH").arg(n, 4, 16, QChar(u'0')).toUpper()});
         }
@@ -158,7 +163,8 @@ void generateSearchCollection(const AppContext& ctx, const CollectionShape& shap
                     continue;
                 }
             }
-            const QString folder = folders.at(folders.size() - 1 - random.below(std::min<int>(3, folders.size())));
+            const QString folder =
+                folders.at(folders.size() - 1 - random.below(std::min<int>(3, folders.size())));
             const QString comment = random.below(50) == 0 ? names.title(4) : QString();
             rows.append({names.fileName(), folder, QString::number(random.below(100000)), comment});
         }

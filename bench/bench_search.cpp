@@ -35,8 +35,9 @@ double grepMs(const QStringList& options, const QString& text, const QString& du
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
         grep.setProcessEnvironment(environment);
-        grep.start(QStringLiteral("grep"), QStringList{QStringLiteral("-c"), QStringLiteral("-i"), QStringLiteral("-F")}
-                                               << options << QStringLiteral("--") << text << dump);
+        grep.start(QStringLiteral("grep"),
+                   QStringList{QStringLiteral("-c"), QStringLiteral("-i"), QStringLiteral("-F")}
+                       << options << QStringLiteral("--") << text << dump);
         grep.waitForFinished(-1);
         count = grep.readAllStandardOutput().trimmed().toInt();
     });
@@ -47,9 +48,9 @@ double grepMs(const QStringList& options, const QString& text, const QString& du
 int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
-    const QString folder =
-        qEnvironmentVariable("VINORA_BENCH_DATA", QCoreApplication::applicationDirPath() + QStringLiteral("/data")) +
-        QStringLiteral("/search-5m");
+    const QString folder = qEnvironmentVariable("VINORA_BENCH_DATA", QCoreApplication::applicationDirPath() +
+                                                                         QStringLiteral("/data")) +
+                           QStringLiteral("/search-5m");
     const QString dump = folder + QStringLiteral("/names.txt");
     UnattendedPrompter prompts;
     SystemClock clock;
@@ -61,15 +62,17 @@ int main(int argc, char* argv[])
         QElapsedTimer timer;
         timer.start();
         generateSearchCollection(ctx, CollectionShape{}, dump);
-        std::printf("collection made in %.1f s (rows, catalogue and search index)\n", timer.elapsed() / 1000.0);
+        std::printf("collection made in %.1f s (rows, catalogue and search index)\n",
+                    timer.elapsed() / 1000.0);
         QFile(folder + u'/' + kStamp).open(QIODevice::WriteOnly);
     }
     {
         const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
         std::printf("files database: %.0f MB", QFileInfo(ctx.FilesDBPath).size() / 1048576.0);
         try {
-            const double index = files.scalar(QStringLiteral("SELECT sum(pgsize) FROM dbstat WHERE name GLOB 'ФайлыПоиск*'"))
-                                     .toDouble();
+            const double index =
+                files.scalar(QStringLiteral("SELECT sum(pgsize) FROM dbstat WHERE name GLOB 'ФайлыПоиск*'"))
+                    .toDouble();
             std::printf(", of which the search index %.0f MB", index / 1048576.0);
         } catch (const AppError&) {
         }
@@ -80,20 +83,28 @@ int main(int argc, char* argv[])
     QString wholeName;
     {
         const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
-        wholeName = files.scalar(QStringLiteral("SELECT Имя FROM Файлы WHERE rowid >= 2500777 AND Имя <> Путь LIMIT 1")).toString();
+        wholeName = files
+                        .scalar(QStringLiteral(
+                            "SELECT Имя FROM Файлы WHERE rowid >= 2500777 AND Имя <> Путь LIMIT 1"))
+                        .toString();
     }
     const QList<Case> cases = {
         {"contains, a Latin word", {false, false, false, false, QStringLiteral("thesis")}, {}, 500},
         {"contains, a Cyrillic word", {false, false, false, false, QStringLiteral("РЫБАЛКА")}, {}, 500},
         // A word in one name of nine: the hits' rows are most of the table, read one by one.
-        {"contains, the most frequent Cyrillic word", {false, false, false, false, QStringLiteral("музыка")}, {}, 0},
+        {"contains, the most frequent Cyrillic word",
+         {false, false, false, false, QStringLiteral("музыка")},
+         {},
+         0},
         {"whole field, a file name", {false, false, true, false, wholeName}, {QStringLiteral("-x")}, 100},
         {"contains, two letters (every row read)", {false, false, false, false, QStringLiteral("ок")}, {}, 0},
     };
     for (const Case& test : cases) {
         int hits = 0;
         const double search = medianMs(5, [&] {
-            hits = searchContents(searchDatabases(ctx, test.request), test.request, [](const QList<SearchHit>&) {}).found;
+            hits =
+                searchContents(searchDatabases(ctx, test.request), test.request, [](const QList<SearchHit>&) {
+                }).found;
         });
         int grepCount = 0;
         const double grep = grepMs(test.grepOptions, test.request.text, dump, grepCount);

@@ -73,8 +73,9 @@ FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m
 {
     m_db.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + kStaged + u'(' + kFileColumns + u')');
     m_db.exec(QStringLiteral("DELETE FROM ") + kStaged);
-    m_insert = std::make_unique<Statement>(m_db, QStringLiteral("INSERT INTO ") + kStaged + u'(' + kFileColumns +
-                                                     QStringLiteral(") VALUES (?, ?, ?, ?, ?)"));
+    m_insert =
+        std::make_unique<Statement>(m_db, QStringLiteral("INSERT INTO ") + kStaged + u'(' + kFileColumns +
+                                              QStringLiteral(") VALUES (?, ?, ?, ?, ?)"));
     m_sinceCommit.start();
 }
 
@@ -106,8 +107,8 @@ void FileListWriter::write(const QList<FileRow>& rows)
 void FileListWriter::commit()
 {
     if (m_transaction) {
-        m_db.exec(QStringLiteral("INSERT INTO Файлы (") + kFileColumns + QStringLiteral(") SELECT ") + kFileColumns +
-                  QStringLiteral(" FROM ") + kStaged + QStringLiteral(" ORDER BY rowid"));
+        m_db.exec(QStringLiteral("INSERT INTO Файлы (") + kFileColumns + QStringLiteral(") SELECT ") +
+                  kFileColumns + QStringLiteral(" FROM ") + kStaged + QStringLiteral(" ORDER BY rowid"));
         m_db.exec(QStringLiteral("DELETE FROM ") + kStaged);
         m_transaction->commit();
         m_transaction.reset();

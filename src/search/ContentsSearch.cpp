@@ -24,18 +24,27 @@ constexpr int kDiscsInSet = 6;
 constexpr int kStopCheckSteps = 1000;
 const QString kDiscs = QStringLiteral("temp.search_discs");
 
-QString field(const char* name)
+QString field(const QString& name)
 {
-    return QStringLiteral("r.") + quoted(QString::fromUtf8(name));
+    return QStringLiteral("r.") + quoted(name);
 }
 
 // The field the text is compared with.
-QString searchedField(const SearchRequest& request)
+QString comparedField(const SearchRequest& request)
 {
     if (request.tracks) {
-        return field("Название");
+        return QStringLiteral("Название");
     }
-    return field(request.comments ? "Комментарий" : request.folders ? "Путь" : "Имя");
+    return request.comments  ? QStringLiteral("Комментарий")
+           : request.folders ? QStringLiteral("Путь")
+                             : QStringLiteral("Имя");
+}
+
+// The field whose index narrows the search: a folder row repeats its path as its name.
+QString indexedField(const SearchRequest& request)
+{
+    const QString compared = comparedField(request);
+    return compared == QStringLiteral("Путь") ? QStringLiteral("Имя") : compared;
 }
 
 bool onlyStars(const QString& text)
@@ -47,21 +56,12 @@ bool onlyStars(const QString& text)
 // case alike for every script, in the whole-field search too.
 QString textCondition(const SearchRequest& request, QVariantList& values)
 {
-    const QString column = searchedField(request);
+    const QString column = field(comparedField(request));
     if (!request.whole && onlyStars(request.text)) {
         return column + QStringLiteral(" IS NOT NULL");
     }
     values.append(searchPattern(request.text, request.whole));
     return column + QStringLiteral(" LIKE ?");
-}
-
-// The field whose index narrows the search: a folder row repeats its path as its name.
-QString indexedField(const SearchRequest& request)
-{
-    if (request.tracks) {
-        return QStringLiteral("Название");
-    }
-    return request.comments ? QStringLiteral("Комментарий") : QStringLiteral("Имя");
 }
 
 const ContentsDescriptor& contentsOf(const SearchRequest& request)
@@ -81,12 +81,14 @@ void gatherDiscs(const Db& db, const SearchRequest& request)
         places.append(QStringLiteral("SELECT %1 AS k").arg(k));
     }
     discId += QStringLiteral(" END");
-    db.exec(QStringLiteral("CREATE TEMP TABLE ") + kDiscs + QStringLiteral(" (id TEXT, number INTEGER, place INTEGER)"));
+    db.exec(QStringLiteral("CREATE TEMP TABLE ") + kDiscs +
+            QStringLiteral(" (id TEXT, number INTEGER, place INTEGER)"));
     db.exec(QStringLiteral("INSERT INTO ") + kDiscs + QStringLiteral(" SELECT lower(") + discId +
-            QStringLiteral("), c.\"Номер\", k.k FROM ") +
-            quoted(kCatalogueSchema) + u'.' + quoted(catalogue.table) + QStringLiteral(" AS c CROSS JOIN (") +
+            QStringLiteral("), c.\"Номер\", k.k FROM ") + quoted(kCatalogueSchema) + u'.' +
+            quoted(catalogue.table) + QStringLiteral(" AS c CROSS JOIN (") +
             places.join(QStringLiteral(" UNION ALL ")) + QStringLiteral(") AS k WHERE ") + discId +
-            QStringLiteral(" IS NOT NULL ORDER BY c.") + quoted(catalogue.keyField) + QStringLiteral(", k.k"));
+            QStringLiteral(" IS NOT NULL ORDER BY c.") + quoted(catalogue.keyField) +
+            QStringLiteral(", k.k"));
     db.exec(QStringLiteral("CREATE INDEX temp.search_discs_id ON search_discs (id)"));
 }
 
@@ -179,14 +181,15 @@ QString searchPattern(const QString& text, bool whole)
 SearchQuery buildSearchQuery(const SearchRequest& request, bool indexed)
 {
     const ContentsDescriptor& contents = contentsOf(request);
-    const QString selected = request.tracks ? QString(field("Название") + QStringLiteral(", NULL"))
-                                            : QString(field("Имя") + QStringLiteral(", ") + field("Путь"));
+    const QString selected =
+        request.tracks
+            ? QString(field(QStringLiteral("Название")) + QStringLiteral(", NULL"))
+            : QString(field(QStringLiteral("Имя")) + QStringLiteral(", ") + field(QStringLiteral("Путь")));
     const QString rows = quoted(contents.rowsTable) + QStringLiteral(" AS r");
     SearchQuery query;
     query.sql = QStringLiteral("SELECT d.rowid, d.number, d.place, ") + selected + QStringLiteral(" FROM ");
-    const QString matched = indexed && !(!request.whole && onlyStars(request.text))
-                                ? trigramQuery(request.text)
-                                : QString();
+    const QString matched =
+        indexed && !(!request.whole && onlyStars(request.text)) ? trigramQuery(request.text) : QString();
     if (matched.isEmpty()) {
         // Every row of every disc is compared, disc by disc.
         query.sql += kDiscs + QStringLiteral(" AS d CROSS JOIN ") + rows +
@@ -194,8 +197,8 @@ SearchQuery buildSearchQuery(const SearchRequest& request, bool indexed)
     } else {
         // The index gives the rows holding every trigram of the text; each leads to its disc.
         const QString index = quoted(searchIndexTable(contents, indexedField(request)));
-        query.sql += index + QStringLiteral(" AS x CROSS JOIN ") + rows + QStringLiteral(" CROSS JOIN ") + kDiscs +
-                     QStringLiteral(" AS d WHERE x.") + index +
+        query.sql += index + QStringLiteral(" AS x CROSS JOIN ") + rows + QStringLiteral(" CROSS JOIN ") +
+                     kDiscs + QStringLiteral(" AS d WHERE x.") + index +
                      QStringLiteral(" MATCH ? AND r.rowid = x.rowid AND d.id = lower(r.\"ДискID\")");
         query.values.append(matched);
         query.inStorageOrder = true;
@@ -203,12 +206,13 @@ SearchQuery buildSearchQuery(const SearchRequest& request, bool indexed)
     query.sql += QStringLiteral(" AND ") + textCondition(request, query.values);
     if (!request.tracks) {
         // A folder's own row repeats its path as its name, character for character.
-        query.sql += QStringLiteral(" AND ") + field("Имя") +
-                     (request.folders ? QStringLiteral(" = ") : QStringLiteral(" <> ")) + field("Путь") +
-                     QStringLiteral(" COLLATE BINARY");
+        query.sql += QStringLiteral(" AND ") + field(QStringLiteral("Имя")) +
+                     (request.folders ? QStringLiteral(" = ") : QStringLiteral(" <> ")) +
+                     field(QStringLiteral("Путь")) + QStringLiteral(" COLLATE BINARY");
     }
     // Both orders are the ones the loops give, without sorting in the engine.
-    query.sql += query.inStorageOrder ? QStringLiteral(" ORDER BY x.rowid") : QStringLiteral(" ORDER BY d.rowid, r.rowid");
+    query.sql += query.inStorageOrder ? QStringLiteral(" ORDER BY x.rowid")
+                                      : QStringLiteral(" ORDER BY d.rowid, r.rowid");
     return query;
 }
 
@@ -226,8 +230,8 @@ SearchOutcome searchContents(const SearchDatabases& databases, const SearchReque
     const Db db(databases.contents, Db::Access::ReadOnly);
     attachCatalogue(db, databases.catalogue);
     gatherDiscs(db, request);
-    const SearchQuery search =
-        buildSearchQuery(request, hasSearchIndex(db, request.tracks ? ContentsKind::Tracks : ContentsKind::Files));
+    const SearchQuery search = buildSearchQuery(
+        request, hasSearchIndex(db, request.tracks ? ContentsKind::Tracks : ContentsKind::Files));
     const StopWatch watch(db, stop);
 
     QSqlQuery rows(db.connection());

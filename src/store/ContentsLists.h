@@ -16,8 +16,8 @@ enum class ContentsKind { Files, Tracks };
 struct ContentsDescriptor
 {
     ContentsKind kind;
-    QString rowsTable;  // "Файлы" or "Треки"
-    QStringList fields; // the list's own fields, in order
+    QString rowsTable;          // "Файлы" or "Треки"
+    QStringList fields;         // the list's own fields, in order
     QStringList searchedFields; // the fields the global search compares, indexed for it
 };
 

@@ -31,9 +31,10 @@ QString indexWrites(const ContentsDescriptor& descriptor, const QString& row, bo
     for (const QString& field : descriptor.searchedFields) {
         const QString table = quoted(searchIndexTable(descriptor, field));
         sql += QStringLiteral("INSERT INTO ") + table + u'(' +
-               (remove ? table + QStringLiteral(", ") : QString()) + QStringLiteral("rowid, ") + quoted(field) +
-               QStringLiteral(") VALUES (") + (remove ? QStringLiteral("'delete', ") : QString()) + row +
-               QStringLiteral(".rowid, ") + row + u'.' + quoted(field) + QStringLiteral("); ");
+               (remove ? table + QStringLiteral(", ") : QString()) + QStringLiteral("rowid, ") +
+               quoted(field) + QStringLiteral(") VALUES (") +
+               (remove ? QStringLiteral("'delete', ") : QString()) + row + QStringLiteral(".rowid, ") + row +
+               u'.' + quoted(field) + QStringLiteral("); ");
     }
     return sql;
 }
@@ -49,7 +50,8 @@ QString triggerName(const ContentsDescriptor& descriptor, const char* event)
 bool foldsAlike(QChar ch)
 {
     const char16_t code = ch.unicode();
-    return (code >= 0x20 && code < 0x7F) || (code >= 0xC0 && code <= 0xFF && code != 0xD7 && code != 0xF7 && code != 0xDF) ||
+    return (code >= 0x20 && code < 0x7F) ||
+           (code >= 0xC0 && code <= 0xFF && code != 0xD7 && code != 0xF7 && code != 0xDF) ||
            (code >= 0x400 && code <= 0x45F);
 }
 
@@ -72,15 +74,16 @@ void createSearchIndex(const Db& db, ContentsKind kind)
                 descriptor.rowsTable +
                 QStringLiteral("', content_rowid='rowid', tokenize='trigram', detail=none, columnsize=0)"));
     }
-    db.exec(QStringLiteral("CREATE TRIGGER ") + triggerName(descriptor, "Вставка") + QStringLiteral(" AFTER INSERT ON ") +
-            rows + QStringLiteral(" BEGIN ") + indexWrites(descriptor, QStringLiteral("new"), false) +
-            QStringLiteral("END"));
+    db.exec(QStringLiteral("CREATE TRIGGER ") + triggerName(descriptor, "Вставка") +
+            QStringLiteral(" AFTER INSERT ON ") + rows + QStringLiteral(" BEGIN ") +
+            indexWrites(descriptor, QStringLiteral("new"), false) + QStringLiteral("END"));
     db.exec(QStringLiteral("CREATE TRIGGER ") + triggerName(descriptor, "Удаление") +
             QStringLiteral(" AFTER DELETE ON ") + rows + QStringLiteral(" BEGIN ") +
             indexWrites(descriptor, QStringLiteral("old"), true) + QStringLiteral("END"));
     db.exec(QStringLiteral("CREATE TRIGGER ") + triggerName(descriptor, "Изменение") +
-            QStringLiteral(" AFTER UPDATE OF ") + indexColumns(descriptor, QString()) + QStringLiteral(" ON ") +
-            rows + QStringLiteral(" BEGIN ") + indexWrites(descriptor, QStringLiteral("old"), true) +
+            QStringLiteral(" AFTER UPDATE OF ") + indexColumns(descriptor, QString()) +
+            QStringLiteral(" ON ") + rows + QStringLiteral(" BEGIN ") +
+            indexWrites(descriptor, QStringLiteral("old"), true) +
             indexWrites(descriptor, QStringLiteral("new"), false) + QStringLiteral("END"));
     rebuildSearchIndex(db, kind);
 }
@@ -101,14 +104,16 @@ void rebuildSearchIndex(const Db& db, ContentsKind kind)
     const ContentsDescriptor& descriptor = contentsDescriptor(kind);
     for (const QString& field : descriptor.searchedFields) {
         const QString table = quoted(searchIndexTable(descriptor, field));
-        db.exec(QStringLiteral("INSERT INTO ") + table + u'(' + table + QStringLiteral(") VALUES ('rebuild')"));
+        db.exec(QStringLiteral("INSERT INTO ") + table + u'(' + table +
+                QStringLiteral(") VALUES ('rebuild')"));
     }
 }
 
 void vacuumContents(const Db& db, ContentsKind kind)
 {
-    const QString numbering = QStringLiteral("SELECT count(*) || ' ' || total(rowid) || ' ' || max(rowid) FROM ") +
-                              quoted(contentsDescriptor(kind).rowsTable);
+    const QString numbering =
+        QStringLiteral("SELECT count(*) || ' ' || total(rowid) || ' ' || max(rowid) FROM ") +
+        quoted(contentsDescriptor(kind).rowsTable);
     const QVariant before = db.scalar(numbering);
     db.exec(QStringLiteral("VACUUM"));
     if (db.scalar(numbering) != before && hasSearchIndex(db, kind)) {

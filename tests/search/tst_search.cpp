@@ -112,7 +112,8 @@ void dropSearchIndex(const AppContext& ctx)
         const Db db(kind == ContentsKind::Files ? ctx.FilesDBPath : ctx.TracksDBPath);
         const ContentsDescriptor& descriptor = contentsDescriptor(kind);
         for (const QString& trigger :
-             db.texts("SELECT name FROM sqlite_master WHERE type = 'trigger' AND tbl_name = ?", {descriptor.rowsTable})) {
+             db.texts("SELECT name FROM sqlite_master WHERE type = 'trigger' AND tbl_name = ?",
+                      {descriptor.rowsTable})) {
             db.exec("DROP TRIGGER " + quoted(trigger));
         }
         for (const QString& field : descriptor.searchedFields) {

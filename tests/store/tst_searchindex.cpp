@@ -29,8 +29,9 @@ QStringList indexed(const Db& db, ContentsKind kind, const QString& field, const
 {
     const ContentsDescriptor& descriptor = contentsDescriptor(kind);
     const QString table = quoted(searchIndexTable(descriptor, field));
-    return db.texts("SELECT r." + quoted(field) + " FROM " + table + " AS x JOIN " + quoted(descriptor.rowsTable) +
-                        " AS r ON r.rowid = x.rowid WHERE x." + table + " MATCH ? ORDER BY 1",
+    return db.texts("SELECT r." + quoted(field) + " FROM " + table + " AS x JOIN " +
+                        quoted(descriptor.rowsTable) + " AS r ON r.rowid = x.rowid WHERE x." + table +
+                        " MATCH ? ORDER BY 1",
                     {trigramQuery(text)});
 }
 
@@ -77,7 +78,8 @@ private slots:
             const QString folded = QString(QChar(code)).toCaseFolded();
             for (char16_t other = 0x20; other < 0xFFFE; ++other) {
                 const bool historicForm = other >= 0x1C80 && other <= 0x1C88;
-                if (!QChar::isSurrogate(other) && !historicForm && QString(QChar(other)).toCaseFolded() == folded) {
+                if (!QChar::isSurrogate(other) && !historicForm &&
+                    QString(QChar(other)).toCaseFolded() == folded) {
                     if (!found.contains(other)) {
                         missed.append(QStringLiteral("U+%1 for U+%2")
                                           .arg(int(other), 4, 16, QChar(u'0'))
@@ -95,14 +97,22 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("query");
-        QTest::newRow("too short") << "ab" << "";
-        QTest::newRow("one trigram") << "abc" << "\"abc\"";
-        QTest::newRow("side by side, and the end") << "abcdefg" << "\"abc\" AND \"def\" AND \"efg\"";
-        QTest::newRow("wildcards split") << "ab*cde?fg" << "\"cde\"";
-        QTest::newRow("quote doubled") << "a\"b" << "\"a\"\"b\"";
-        QTest::newRow("repeats once") << "aaaaaa" << "\"aaa\"";
-        QTest::newRow("Cyrillic") << "Ёлка" << "\"Ёлк\" AND \"лка\"";
-        QTest::newRow("a foreign letter skipped") << "ab\u03A3cde" << "\"cde\"";
+        QTest::newRow("too short") << "ab"
+                                   << "";
+        QTest::newRow("one trigram") << "abc"
+                                     << "\"abc\"";
+        QTest::newRow("side by side, and the end") << "abcdefg"
+                                                   << "\"abc\" AND \"def\" AND \"efg\"";
+        QTest::newRow("wildcards split") << "ab*cde?fg"
+                                         << "\"cde\"";
+        QTest::newRow("quote doubled") << "a\"b"
+                                       << "\"a\"\"b\"";
+        QTest::newRow("repeats once") << "aaaaaa"
+                                      << "\"aaa\"";
+        QTest::newRow("Cyrillic") << "Ёлка"
+                                  << "\"Ёлк\" AND \"лка\"";
+        QTest::newRow("a foreign letter skipped") << "ab\u03A3cde"
+                                                  << "\"cde\"";
         QTest::newRow("long text capped")
             << QString(30, u'x').replace(0, 30, "abcdefghijklmnopqrstuvwxyz1234")
             << "\"abc\" AND \"def\" AND \"ghi\" AND \"jkl\" AND \"mno\" AND \"pqr\" AND \"stu\" AND \"vwx\"";
@@ -137,8 +147,10 @@ private slots:
             QVERIFY(hasSearchIndex(db, contents));
             const ContentsLists lists(db, contents);
             const QString insert =
-                files ? QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES (?, ?, '\\', '0', ?)")
-                      : QStringLiteral("INSERT INTO Треки (ДискID, Номер, Название, Комментарий) VALUES (?, 1, ?, ?)");
+                files ? QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES "
+                                       "(?, ?, '\\', '0', ?)")
+                      : QStringLiteral(
+                            "INSERT INTO Треки (ДискID, Номер, Название, Комментарий) VALUES (?, 1, ?, ?)");
             lists.create("A1");
             lists.create("B2");
             db.exec(insert, {"A1", "Группа крови", QVariant()});
@@ -148,12 +160,13 @@ private slots:
             QCOMPARE(indexed(db, contents, name, "ГРУППА"), QStringList({"группа", "Группа крови"}));
 
             db.exec("UPDATE " + quoted(contentsDescriptor(contents).rowsTable) + " SET " + quoted(name) +
-                        " = 'Кукушка' WHERE " + quoted(name) + " = 'группа'");
+                    " = 'Кукушка' WHERE " + quoted(name) + " = 'группа'");
             checkIndex(db, contents);
             QCOMPARE(indexed(db, contents, name, "группа"), QStringList({"Группа крови"}));
             QCOMPARE(indexed(db, contents, name, "кукушка"), QStringList({"Кукушка"}));
             if (files) {
-                db.exec("UPDATE Файлы SET Комментарий = 'концерт' WHERE Комментарий IS NULL AND Имя = 'Кукушка'");
+                db.exec(
+                    "UPDATE Файлы SET Комментарий = 'концерт' WHERE Комментарий IS NULL AND Имя = 'Кукушка'");
                 checkIndex(db, contents);
                 QCOMPARE(indexed(db, contents, "Комментарий", "КОНЦ"), QStringList({"концерт"}));
             }
