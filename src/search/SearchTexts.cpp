@@ -21,6 +21,19 @@ std::optional<DiscPlace> parseNumberCell(QStringView cell)
     return DiscPlace{match.capturedView(1).toInt(), disc};
 }
 
+int compareNumberCells(QStringView a, QStringView b)
+{
+    const std::optional<DiscPlace> left = parseNumberCell(a);
+    const std::optional<DiscPlace> right = parseNumberCell(b);
+    if (!left || !right) {
+        return int(!left) - int(!right);
+    }
+    if (left->number != right->number) {
+        return left->number < right->number ? -1 : 1;
+    }
+    return left->disc - right->disc;
+}
+
 QString pathCell(const QString& path)
 {
     return path == u"\\" ? QStringLiteral("...") : path;

@@ -26,6 +26,10 @@ struct DiscPlace
 // The number and place read back from a "№" cell; nothing for a text no cell holds.
 std::optional<DiscPlace> parseNumberCell(QStringView cell);
 
+// The order of "№" cells: by number, then by the place in the set ("5" < "12" < "12 (2)").
+// A text no cell holds comes after every cell.
+int compareNumberCells(QStringView a, QStringView b);
+
 // The "Путь" cell: the path, or "..." for the root "\".
 QString pathCell(const QString& path);
 

@@ -20,6 +20,11 @@ TextColumnSort::TextColumnSort(QTreeWidget* list, int key) : m_list(list), m_key
     QObject::connect(m_list->header(), &QHeaderView::sectionClicked, m_list, [this](int column) { click(column); });
 }
 
+void TextColumnSort::setCompare(int column, Compare compare)
+{
+    m_compares.insert(column, std::move(compare));
+}
+
 void TextColumnSort::click(int column)
 {
     if (column == m_key) {
@@ -46,8 +51,10 @@ void TextColumnSort::apply()
     }
     const int column = m_key;
     const bool descending = m_order == Qt::DescendingOrder;
-    std::stable_sort(items.begin(), items.end(), [column, descending](QTreeWidgetItem* a, QTreeWidgetItem* b) {
-        const int order = compareText(a->text(column), b->text(column));
+    const Compare compare =
+        m_compares.value(column, [](QStringView a, QStringView b) { return compareText(a, b); });
+    std::stable_sort(items.begin(), items.end(), [&](QTreeWidgetItem* a, QTreeWidgetItem* b) {
+        const int order = compare(a->text(column), b->text(column));
         return descending ? order > 0 : order < 0;
     });
     m_list->addTopLevelItems(items);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QHash>
+#include <QStringView>
 #include <Qt>
+#include <functional>
 
 class QTreeWidget;
 
@@ -16,6 +19,11 @@ public:
     // `key` -1: the list keeps the order it is filled in until a column is clicked.
     explicit TextColumnSort(QTreeWidget* list, int key = -1);
 
+    // A column whose texts are not ordered as words (numbers with a suffix, say) gets an
+    // order of its own: negative, zero or positive as for compareText.
+    using Compare = std::function<int(QStringView, QStringView)>;
+    void setCompare(int column, Compare compare);
+
     void click(int column);
     void apply();
     int key() const { return m_key; }
@@ -25,6 +33,7 @@ private:
     QTreeWidget* m_list;
     int m_key;
     Qt::SortOrder m_order = Qt::AscendingOrder;
+    QHash<int, Compare> m_compares;
 };
 
 } // namespace vinora
