@@ -464,6 +464,47 @@ void frmFileList::copied()
     }
 }
 
+void frmFileList::showDisc(int k)
+{
+    if (k < 1 || k > m_cmbCountCD->count() || k == m_cmbCountCD->currentIndex() + 1) {
+        return;
+    }
+    m_cmbCountCD->setCurrentIndex(k - 1);
+    cmbCountCD_Click();
+}
+
+bool frmFileList::showFolder(const QString& path)
+{
+    for (int node = 0; node < m_nodes.size(); ++node) {
+        if (folderKey(m_nodes, node) == path) {
+            selectFolder(node);
+            m_trView->scrollToItem(m_trView->currentItem());
+            return true;
+        }
+    }
+    return false;
+}
+
+bool frmFileList::showFile(const QString& name)
+{
+    for (int i = 0; i < m_lvFiles->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* item = m_lvFiles->topLevelItem(i);
+        if (item->text(0) != name) {
+            continue;
+        }
+        m_lvFiles->setCurrentItem(item);
+        for (int column = 0; column < m_lvFiles->columnCount(); ++column) {
+            QFont font = item->font(column);
+            font.setBold(true);
+            item->setFont(column, font);
+        }
+        selectFile(name);
+        m_lvFiles->scrollToItem(item);
+        return true;
+    }
+    return false;
+}
+
 QStringList frmFileList::treeTexts() const
 {
     QStringList texts;

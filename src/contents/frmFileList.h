@@ -45,6 +45,13 @@ public:
     void recreateListAsk();
     void lvFiles_DblClick();
 
+    // For a window opened at a found place: the k-th disc of the set (1..6); the folder of
+    // `path` ("\", "\A\B\") selected with its files; the file `name` of the folder on view
+    // selected, set in bold and clicked. Each is brought into view; false when it is not there.
+    void showDisc(int k);
+    bool showFolder(const QString& path);
+    bool showFile(const QString& name);
+
     QStringList treeTexts() const; // "parent/child" paths of the tree's nodes, in order
     QStringList fileNames() const;
     QString volumeText() const;

@@ -361,6 +361,27 @@ void frmTrackList::recreateListAsk()
     cmdCreate();
 }
 
+void frmTrackList::showDisc(int k)
+{
+    if (k < 1 || k > m_cmbCountCD->count() || k == m_cmbCountCD->currentIndex() + 1) {
+        return;
+    }
+    m_cmbCountCD->setCurrentIndex(k - 1);
+    cmbCountCD_Click();
+}
+
+bool frmTrackList::showTrack(const QString& name)
+{
+    for (int row = 0; row < m_tracks.size(); ++row) {
+        if (m_tracks[row].name.toString() == name) {
+            m_grid->setCurrentCell(row, kNameColumn);
+            m_grid->scrollToItem(m_grid->item(row, kNameColumn));
+            return true;
+        }
+    }
+    return false;
+}
+
 QStringList frmTrackList::trackNames() const
 {
     QStringList names;

@@ -33,6 +33,11 @@ public:
     void deleteListAsk();   // imgButton2
     void recreateListAsk(); // imgButton3
 
+    // For a window opened at a found track: the k-th disc of the set (1..6); the first row of
+    // the title `name` made current and brought into view (false when there is none).
+    void showDisc(int k);
+    bool showTrack(const QString& name);
+
     // --- what tests look at ---------------------------------------------------------------
     QStringList trackNames() const; // the Название column as shown
     int currentTrack() const;       // the grid's current row, -1 for none
