@@ -66,6 +66,7 @@ public:
     bool CDDBUpdateRow = false;
     bool CDDBSaveToIni = false;
     qint16 CDDBDiscInSet = 0;
+    bool OpenedFromSearch = false; // the search window is open: its list windows stand over it
 
     // --- services -----------------------------------------------------------------------
     Prompter& prompter() const { return m_prompter; }

@@ -136,6 +136,9 @@ bool isLiveCommand(const QString& toolId)
         QStringLiteral("ID_QuickADNewDue"),
         QStringLiteral("ID_QuickPCNewDue"),
         QStringLiteral("ID_QuickDVDNewDue"),
+        QStringLiteral("ID_DB_Search"),
+        QStringLiteral("ID_QuickADFind"),
+        QStringLiteral("ID_QuickPCFind"),
     };
     return live.contains(toolId);
 }

@@ -562,7 +562,7 @@ void frmMain::CompactDB()
 
 void frmMain::runCommand(const QString& toolId)
 {
-    if (runLoanCommand(toolId)) {
+    if (runLoanCommand(toolId) || runSearchCommand(toolId)) {
         return;
     }
     if (toolId == u"ID_Catalog_AudioCD" || toolId == u"ID_QuickADCatalog") {
@@ -674,7 +674,9 @@ void frmMain::AddListbars()
     for (const char* key : {"g2", "g3"}) {
         auto* group = m_listBar->findChild<QListWidget*>(QString::fromLatin1(key));
         for (int i = 0; i < group->count(); ++i) {
-            group->item(i)->setFlags(group->item(i)->flags() & ~Qt::ItemIsEnabled);
+            if (!isLiveCommand(panelCommand(group->item(i)->text()))) {
+                group->item(i)->setFlags(group->item(i)->flags() & ~Qt::ItemIsEnabled);
+            }
         }
     }
 }
@@ -771,22 +773,31 @@ void frmMain::listBarItemClicked(const QString& groupKey, const QString& text)
         m_ctx.CatalogueQueryFilter.clear();
         return;
     }
-    static const QHash<QString, QString> catalogueItems = {
+    static const QStringList catalogueItems = {
+        QStringLiteral("Аудио диски"), QStringLiteral("Компьютерные диски"), QStringLiteral("DVD диски")};
+    const QString command = panelCommand(text);
+    if (catalogueItems.contains(text)) {
+        runCommand(command);
+    } else if (text == u"Список должников" && m_ctx.ExternalDBOpen) {
+        m_ctx.prompter().message(QStringLiteral("qwe"), MessageStyle::Plain);
+    } else if (isLiveCommand(command) && !m_ctx.ExternalDBOpen) {
+        runCommand(command);
+    }
+}
+
+QString frmMain::panelCommand(const QString& item)
+{
+    static const QHash<QString, QString> commands = {
         {QStringLiteral("Аудио диски"), QStringLiteral("ID_Catalog_AudioCD")},
         {QStringLiteral("Компьютерные диски"), QStringLiteral("ID_Catalog_PCCD")},
-        {QStringLiteral("DVD диски"), QStringLiteral("ID_Catalog_DVD")}};
-    static const QHash<QString, QString> loanItems = {
+        {QStringLiteral("DVD диски"), QStringLiteral("ID_Catalog_DVD")},
         {QStringLiteral("Список должников"), QStringLiteral("ID_Due_List")},
         {QStringLiteral("История дисков"), QStringLiteral("ID_Due_DiskHistory")},
         {QStringLiteral("Статистика"), QStringLiteral("ID_Due_Stat")},
-        {QStringLiteral("Управление должниками"), QStringLiteral("ID_Due_Admin")}};
-    if (catalogueItems.contains(text)) {
-        runCommand(catalogueItems.value(text));
-    } else if (text == u"Список должников" && m_ctx.ExternalDBOpen) {
-        m_ctx.prompter().message(QStringLiteral("qwe"), MessageStyle::Plain);
-    } else if (loanItems.contains(text) && !m_ctx.ExternalDBOpen) {
-        runCommand(loanItems.value(text));
-    }
+        {QStringLiteral("Управление должниками"), QStringLiteral("ID_Due_Admin")},
+        {QStringLiteral("Мастер обслуживания"), QStringLiteral("ID_DB_Wizard")},
+        {QStringLiteral("Поиск"), QStringLiteral("ID_DB_Search")}};
+    return commands.value(item);
 }
 
 void frmMain::addDisc(Category category, bool rememberAction)

@@ -62,9 +62,13 @@ public:
     void runCommand(const QString& toolId);
     // The loan commands; false for a command of another kind.
     bool runLoanCommand(const QString& toolId);
+    // The search commands; false for a command of another kind.
+    bool runSearchCommand(const QString& toolId);
     // The catalogues' disc picker, for the loan windows.
     DiscPicker discPicker();
     void listBarItemClicked(const QString& groupKey, const QString& text);
+    // The command a fixed item of the vinora panel runs; empty for a query shortcut.
+    static QString panelCommand(const QString& item);
     void openCatalogue(Category category, int number = 0);
     // Binds the disc in `drive` to a disc the user picks (the link "Привязать").
     void bindDiscInDrive(Category category, const QString& drive);
