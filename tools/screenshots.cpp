@@ -1,8 +1,8 @@
 // Makes docs/screenshots/catalogue-*.png and editor.png: the three catalogue browsers on a
 // catalogue of a few dozen discs with a cover, and the disc editor; filelist.png; loans.png
 // and rating.png: the debtor list and the statistics of a dozen loans; tracklist.png: the
-// track list of an audio disc; cddb.png: the CDDB query two seconds into its wait for a server. The windows
-// draw themselves (no display needed).
+// track list of an audio disc; search.png: the search through the file lists; cddb.png: the CDDB query two
+// seconds into its wait for a server. The windows draw themselves (no display needed).
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "catalogue/frmCatalogue.h"
@@ -17,6 +17,7 @@
 #include "lending/frmDue.h"
 #include "lending/frmDueStat.h"
 #include "recognition/VolumeReader.h"
+#include "search/frmDBFind.h"
 #include "store/ContentsLists.h"
 #include "store/Db.h"
 #include "store/InfoStamp.h"
@@ -27,12 +28,14 @@
 #include <QApplication>
 #include <QIcon>
 #include <QImage>
+#include <QLineEdit>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QTabWidget>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QTreeWidget>
 
 using namespace vinora;
 
@@ -213,6 +216,20 @@ int main(int argc, char* argv[])
         list.show();
         QApplication::processEvents();
         list.grab().save(out + QStringLiteral("/filelist.png"));
+
+        // The search through the file lists for the windows among those sources.
+        frmDBFind search(ctx, QStringLiteral("PC"));
+        search.resize(760, 520);
+        search.show();
+        search.findChild<QLineEdit*>(QStringLiteral("txtSearchText"))->setText(QStringLiteral("frm"));
+        search.cmdSearch();
+        while (search.searching()) {
+            QApplication::processEvents(QEventLoop::AllEvents, 50);
+        }
+        auto* hits = search.findChild<QTreeWidget*>(QStringLiteral("lvFind"));
+        hits->setCurrentItem(hits->topLevelItem(2));
+        QApplication::processEvents();
+        search.grab().save(out + QStringLiteral("/search.png"));
     }
     {
         // The track list of audio disc 1 (Кино, "Группа крови").
