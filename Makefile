@@ -5,7 +5,7 @@ CMAKE_FLAGS ?= -DCMAKE_BUILD_TYPE=RelWithDebInfo
 # The catalogue `make run` opens; any folder will do (VINORA_HOME=/path make run).
 VINORA_HOME ?= $(HOME)/.local/share/vinora
 
-.PHONY: all deps configure build run test sanitize fuzz bench install clean
+.PHONY: all deps configure build run test sanitize fuzz bench install package clean
 
 all: build
 
@@ -49,6 +49,10 @@ bench: build
 
 install: build
 	@cmake --install $(BUILD_DIR)
+
+# The Debian package, in the build folder (vinora_VERSION_ARCH.deb).
+package: build
+	@cd $(BUILD_DIR) && cpack -G DEB
 
 clean:
 	@rm -rf $(BUILD_DIR)

@@ -12,6 +12,7 @@ packages=(
   genisoimage xorriso udftools libcdio-utils libdiscid-dev libuchardet-dev
   xvfb xauth fonts-dejavu-core adwaita-icon-theme
   clang-14 libclang-rt-14-dev
+  help2man desktop-file-utils appstream dpkg-dev
 )
 
 missing=()

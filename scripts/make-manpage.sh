@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Writes the manual page of vinora-cli from the tool's own help texts, so the page always
+# tells what the built tool does: the overview, then every verb with its options.
+# Usage: make-manpage.sh VINORA-CLI OUTPUT
+set -euo pipefail
+cli=$1
+out=$2
+details=$(mktemp)
+trap 'rm -f "$details"' EXIT
+{
+  echo "[VERBS IN DETAIL]"
+  for verb in $("$cli" --help | awk '/^Verbs:/ { inside = 1; next } /^$/ { inside = 0 } inside { print $1 }'); do
+    echo ".SS $verb"
+    echo ".nf"
+    # The verb's text as it stands: backslashes and leading dots are quoted for troff.
+    "$cli" "$verb" --help | sed -n '/^Exit status:/q; p' | sed -e 's/\\/\\e/g' -e "s/^\\([.']\\)/\\\\\\&\\1/"
+    echo ".fi"
+  done
+} > "$details"
+help2man --no-info --name="catalogue of optical discs, for scripts" --include="$details" \
+  --output="$out" "$cli"
