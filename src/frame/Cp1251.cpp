@@ -60,6 +60,26 @@ QByteArray encode(QStringView text)
     return bytes;
 }
 
+QByteArray encodeForHtml(QStringView text)
+{
+    QByteArray bytes;
+    bytes.reserve(text.size() + text.size() / 8);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t code = text[i].unicode();
+        if (const std::optional<char> byte = encodeOne(code)) {
+            bytes.append(*byte);
+            continue;
+        }
+        char32_t point = code;
+        if (QChar::isHighSurrogate(code) && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            point = QChar::surrogateToUcs4(code, text[i + 1].unicode());
+            ++i;
+        }
+        bytes.append("&#").append(QByteArray::number(static_cast<uint>(point))).append(';');
+    }
+    return bytes;
+}
+
 bool canEncode(QStringView text)
 {
     for (const QChar ch : text) {

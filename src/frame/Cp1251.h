@@ -11,6 +11,9 @@ namespace vinora::cp1251 {
 QString decode(const QByteArray& bytes);
 // Characters without a place in the code page become '?'.
 QByteArray encode(QStringView text);
+// For HTML pages: characters without a place in the code page become numeric character
+// references ("&#9835;"), so that nothing is lost.
+QByteArray encodeForHtml(QStringView text);
 // True when every character has a place in the code page.
 bool canEncode(QStringView text);
 

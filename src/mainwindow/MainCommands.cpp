@@ -104,6 +104,7 @@ bool isLiveCommand(const QString& toolId)
         QStringLiteral("ID_Panel"),
         QStringLiteral("ID_DB_Open"),
         QStringLiteral("ID_DB_OpenLocal"),
+        QStringLiteral("ID_DB_ExportHTML"),
         QStringLiteral("ID_Help_Info"),
         QStringLiteral("ID_Help_Index"),
         QStringLiteral("ID_Help_About"),

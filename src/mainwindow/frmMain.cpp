@@ -5,6 +5,7 @@
 #include "catalogue/frmCatalogue.h"
 #include "catalogue/frmChangeNumber.h"
 #include "catalogue/frmSelectCD.h"
+#include "exchange/frmExport.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/ProgramInfo.h"
@@ -589,6 +590,9 @@ void frmMain::runCommand(const QString& toolId)
         OpenExternalDB();
     } else if (toolId == u"ID_DB_OpenLocal") {
         OpenLocalDB();
+    } else if (toolId == u"ID_DB_ExportHTML") {
+        frmExport dialog(m_ctx, this);
+        m_ctx.prompter().showModal(dialog);
     } else if (toolId == u"ID_Help_Info") {
         openHelpFile(shippedFile(QStringLiteral("readme.txt")),
                      QStringLiteral("Файл 'readme.txt' не найден!"));
