@@ -48,7 +48,7 @@ struct Verb
         QString description;
     };
 
-    QString name;
+    QString name; // one word, or two for a group of verbs ("export catalogue")
     QString summary;
     QList<Argument> arguments; // each required, in this order
     QList<QCommandLineOption> options;
@@ -61,6 +61,7 @@ QList<Verb> scanVerbs();
 QList<Verb> loanVerbs();
 QList<Verb> audioVerbs();
 QList<Verb> searchVerbs();
+QList<Verb> exportVerbs();
 
 // Every verb in the order `help` lists them.
 const QList<Verb>& verbs();

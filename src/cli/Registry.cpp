@@ -147,14 +147,41 @@ int runVerb(const Verb& verb, const QStringList& arguments)
     }
 }
 
+// The verb named by the first word, or by the first two for a group ("export catalogue");
+// `used` tells how many words it took.
+const Verb* verbOf(const QStringList& words, qsizetype& used)
+{
+    used = 1;
+    if (words.size() >= 2) {
+        if (const Verb* verb = findVerb(words[0] + u' ' + words[1])) {
+            used = 2;
+            return verb;
+        }
+    }
+    return words.isEmpty() ? nullptr : findVerb(words.first());
+}
+
+// The verbs of the group `word` ("export catalogue", ...), empty when it names none.
+QStringList groupOf(const QString& word)
+{
+    QStringList names;
+    for (const Verb& verb : verbs()) {
+        if (verb.name.startsWith(word + u' ')) {
+            names.append(QStringLiteral("'") + verb.name + u'\'');
+        }
+    }
+    return names;
+}
+
 int help(const QStringList& arguments)
 {
     if (arguments.isEmpty()) {
         printText(toolHelp());
         return Done;
     }
-    const Verb* verb = findVerb(arguments.first());
-    if (!verb || arguments.size() > 1) {
+    qsizetype used = 1;
+    const Verb* verb = verbOf(arguments, used);
+    if (!verb || arguments.size() > used) {
         throw Failure{BadUsage, QStringLiteral("help: no verb '") + arguments.join(u' ') + u'\'' + kHint};
     }
     printText(verbHelp(*verb));
@@ -185,18 +212,22 @@ int dispatch(const QStringList& arguments)
     if (words.first() == u"help") {
         return help(words.mid(1));
     }
-    const Verb* verb = findVerb(words.first());
+    qsizetype used = 1;
+    const Verb* verb = verbOf(words, used);
     if (!verb) {
+        if (const QStringList group = groupOf(words.first()); !group.isEmpty()) {
+            throw Failure{BadUsage, QStringLiteral("say which: ") + group.join(QStringLiteral(", ")) + kHint};
+        }
         throw Failure{BadUsage, QStringLiteral("unknown verb '") + words.first() + u'\'' + kHint};
     }
-    return runVerb(*verb, words.mid(1));
+    return runVerb(*verb, words.mid(used));
 }
 
 } // namespace
 
 const QList<Verb>& verbs()
 {
-    static const QList<Verb> all = driveVerbs() + scanVerbs() + audioVerbs() + searchVerbs() + loanVerbs();
+    static const QList<Verb> all = driveVerbs() + scanVerbs() + audioVerbs() + searchVerbs() + loanVerbs() + exportVerbs();
     return all;
 }
 

@@ -137,11 +137,12 @@ void writeAll(int fd, const QByteArray& bytes, const QString& path)
     }
 }
 
-int createFile(const QString& path)
+// Makes `path`; a failure is told of `shownAs`, the file the user asked for.
+int createFile(const QString& path, const QString& shownAs)
 {
     const int fd = ::open(nativeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (fd < 0) {
-        failWrite(errno, path);
+        failWrite(errno, shownAs);
     }
     return fd;
 }
@@ -190,7 +191,7 @@ PageOutput::PageOutput(QString target) : m_target(std::move(target)), m_partial(
         failWrite(EISDIR, m_target);
     }
     ::unlink(nativeName(m_partial).constData()); // a leftover of a run that was cut off
-    m_fd = createFile(m_partial);
+    m_fd = createFile(m_partial, m_target);
     m_buffer.reserve(kFlushChars + 4096);
 }
 
@@ -269,8 +270,8 @@ void PageOutput::copyPicture(const QString& source, const QString& name)
         }
         ::close(in);
     }
-    const QString target = QDir(m_folder).filePath(name); // named in messages by its place to be
-    const int out = createFile(QDir(m_staging).filePath(name));
+    const QString target = QDir(m_folder).filePath(name);
+    const int out = createFile(QDir(m_staging).filePath(name), target);
     try {
         writeAll(out, bytes, target);
     } catch (...) {
