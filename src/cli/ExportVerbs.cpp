@@ -15,22 +15,27 @@
 namespace vinora::cli {
 namespace {
 
-const QCommandLineOption kField(QStringLiteral("field"),
-                                QStringLiteral("Put this column on the page: its name as the export window lists "
-                                               "it, or its place in that list (may be repeated)."),
-                                QStringLiteral("NAME"));
-const QCommandLineOption kAllFields(QStringLiteral("all-fields"), QStringLiteral("Put every column on the page."));
+const QCommandLineOption
+    kField(QStringLiteral("field"),
+           QStringLiteral("Put this column on the page: its name as the export window lists "
+                          "it, or its place in that list (may be repeated)."),
+           QStringLiteral("NAME"));
+const QCommandLineOption kAllFields(QStringLiteral("all-fields"),
+                                    QStringLiteral("Put every column on the page."));
 const QCommandLineOption kSorted(QStringLiteral("sorted"),
                                  QStringLiteral("Order by title or name instead of by number or as stored."));
-const QCommandLineOption kOnly(QStringLiteral("only"),
-                               QStringLiteral("Only the discs of this style (AD), description (PC) or genre (DVD)."),
-                               QStringLiteral("VALUE"));
+const QCommandLineOption
+    kOnly(QStringLiteral("only"),
+          QStringLiteral("Only the discs of this style (AD), description (PC) or genre (DVD)."),
+          QStringLiteral("VALUE"));
 const QCommandLineOption kDisc(QStringLiteral("disc"), QStringLiteral("Only disc K of the set (1 to 4)."),
                                QStringLiteral("K"));
 const QCommandLineOption kOpen(QStringLiteral("open"), QStringLiteral("Only the loans not yet returned."));
 
-const Verb::Argument kFileArgument{QStringLiteral("FILE"), QStringLiteral("The page to write (replaced when it exists).")};
-const Verb::Argument kNumberArgument{QStringLiteral("NUMBER"), QStringLiteral("The disc's number in its catalogue.")};
+const Verb::Argument kFileArgument{QStringLiteral("FILE"),
+                                   QStringLiteral("The page to write (replaced when it exists).")};
+const Verb::Argument kNumberArgument{QStringLiteral("NUMBER"),
+                                     QStringLiteral("The disc's number in its catalogue.")};
 
 // The checked positions of a check-list from --field and --all-fields.
 QList<int> fieldPositions(const QCommandLineParser& parser, const QStringList& items)
@@ -69,8 +74,9 @@ QList<int> fieldPositions(const QCommandLineParser& parser, const QStringList& i
 // A failure of the page itself, or of the database at `database`.
 Failure exportFailure(const QString& page, const QString& database, const AppError& error)
 {
-    static const QSet<int> pageErrors = {err::BadFileNameOrNumber, err::FileNotFound, err::DeviceIo,
-                                         err::DiskFull, err::PathFileAccess, err::PathNotFound};
+    static const QSet<int> pageErrors = {
+        err::BadFileNameOrNumber, err::FileNotFound, err::DeviceIo, err::DiskFull,
+        err::PathFileAccess,      err::PathNotFound};
     if (pageErrors.contains(error.number())) {
         const std::optional<QString> told = exportFailureMessage(error.number());
         return {BadFile, QStringLiteral("the page '") + page + QStringLiteral("' cannot be written (") +
@@ -99,13 +105,13 @@ int exportCatalogue(AppContext& ctx, const QCommandLineParser& parser)
     requireDatabase(ctx.MainDBPath, {info->table, catalogueKind(info->category).dictionaryTable});
     if (parser.isSet(kOnly)) {
         QStringList known;
-        onDatabase(ctx.MainDBPath, [&] {
-            known = FullQueryCombo(Db(ctx.MainDBPath, Db::Access::ReadOnly), info->category);
-        });
+        onDatabase(ctx.MainDBPath,
+                   [&] { known = FullQueryCombo(Db(ctx.MainDBPath, Db::Access::ReadOnly), info->category); });
         const QString value = parser.value(kOnly);
         if (!known.mid(1).contains(value, Qt::CaseInsensitive)) {
-            throw Failure{Refused, QStringLiteral("there is no ") + catalogueKind(info->category).dictionaryTable +
-                                       QStringLiteral(" '") + value + QStringLiteral("' in the catalogue")};
+            throw Failure{Refused, QStringLiteral("there is no ") +
+                                       catalogueKind(info->category).dictionaryTable + QStringLiteral(" '") +
+                                       value + QStringLiteral("' in the catalogue")};
         }
         options.only = value;
     }
@@ -138,20 +144,23 @@ int exportList(AppContext& ctx, const QCommandLineParser& parser, ContentsKind k
     const QString listWord = files ? QStringLiteral("file list") : QStringLiteral("track list");
     onDatabase(ctx.MainDBPath, [&] {
         const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
-        if (!db.scalar(QStringLiteral("SELECT 1 FROM \"") + info.table + QStringLiteral("\" WHERE \"Номер\" = ?"),
+        if (!db.scalar(QStringLiteral("SELECT 1 FROM \"") + info.table +
+                           QStringLiteral("\" WHERE \"Номер\" = ?"),
                        {number})
                  .isValid()) {
             throw Failure{Refused, QStringLiteral("Диск № ") + QString::number(number) +
                                        QStringLiteral(" отсутствует в каталоге.")};
         }
         if (!(files ? ViewNumberFiles(db) : ViewNumberTracks(db)).contains(number)) {
-            throw Failure{Refused, QStringLiteral("disc ") + QString::number(number) + QStringLiteral(" has no ") +
-                                       listWord + QStringLiteral(" on its discs 1 to 4")};
+            throw Failure{Refused, QStringLiteral("disc ") + QString::number(number) +
+                                       QStringLiteral(" has no ") + listWord +
+                                       QStringLiteral(" on its discs 1 to 4")};
         }
         if (options.onlyDisc != 0 &&
             db.scalar(QStringLiteral("SELECT \"ДискID") + QString::number(options.onlyDisc) +
-                          QStringLiteral("\" FROM \"") + info.table + QStringLiteral("\" WHERE \"Номер\" = ? ORDER BY \"") +
-                          info.keyField + QStringLiteral("\" LIMIT 1"),
+                          QStringLiteral("\" FROM \"") + info.table +
+                          QStringLiteral("\" WHERE \"Номер\" = ? ORDER BY \"") + info.keyField +
+                          QStringLiteral("\" LIMIT 1"),
                       {number})
                 .isNull()) {
             throw Failure{Refused, QStringLiteral("disc ") + QString::number(options.onlyDisc) +
@@ -207,14 +216,18 @@ QList<Verb> exportVerbs()
          {kDisc, kField, kAllFields, kSorted},
          QStringLiteral("Prints the page written and the number of rows on it, separated by a tab.\n"
                         "Columns: \"Нумерация списка\", \"Путь\", \"Комментарий\"."),
-         [](AppContext& ctx, const QCommandLineParser& parser) { return exportList(ctx, parser, ContentsKind::Files); }},
+         [](AppContext& ctx, const QCommandLineParser& parser) {
+             return exportList(ctx, parser, ContentsKind::Files);
+         }},
         {QStringLiteral("export tracks"),
          QStringLiteral("Write the track lists of an audio disc as an HTML page"),
          {kNumberArgument, kFileArgument},
          {kDisc, kField, kAllFields, kSorted},
          QStringLiteral("Prints the page written and the number of rows on it, separated by a tab.\n"
                         "Columns: \"Нумерация списка\", \"Комментарий\"."),
-         [](AppContext& ctx, const QCommandLineParser& parser) { return exportList(ctx, parser, ContentsKind::Tracks); }},
+         [](AppContext& ctx, const QCommandLineParser& parser) {
+             return exportList(ctx, parser, ContentsKind::Tracks);
+         }},
         {QStringLiteral("export debtors"),
          QStringLiteral("Write the loan ledger, by borrower, as an HTML page"),
          {kFileArgument},

@@ -72,7 +72,8 @@ const CatalogueExportKind& exportKind(Category category)
          column("Расширенное описание", Cell::TitleNote, "РасОписание"), column("Год", Cell::Centre, "Год"),
          column("Дисков", Cell::Centre, "Дисков"), column("Внесен", Cell::Date, "ДатаЗаписи"),
          column("Изменен", Cell::Date, "ДатаИзменения"), column("Обложка", Cell::Cover, "")},
-        TitleNote{QStringLiteral("<br><font size=\"1pt\" face=\"Tahoma\"><i>"), QStringLiteral("</i></font></td>")},
+        TitleNote{QStringLiteral("<br><font size=\"1pt\" face=\"Tahoma\"><i>"),
+                  QStringLiteral("</i></font></td>")},
         100};
     static const CatalogueExportKind dvd{
         {column("Жанр", Cell::TextOrSpace, "Жанр"), column("Год", Cell::Centre, "Год"),
@@ -81,7 +82,8 @@ const CatalogueExportKind& exportKind(Category category)
          column("Описание", Cell::TitleNote, "Описание"), column("Внесен", Cell::Date, "ДатаЗаписи"),
          column("Изменен", Cell::Date, "ДатаИзменения"), column("Обложка", Cell::Cover, "")},
         // The closing text opens a second italic; pages have always been written so.
-        TitleNote{QStringLiteral("<br><i><font size=\"1pt\" face=\"Tahoma\">"), QStringLiteral("<i></font></td>")},
+        TitleNote{QStringLiteral("<br><i><font size=\"1pt\" face=\"Tahoma\">"),
+                  QStringLiteral("<i></font></td>")},
         70};
     return category == Category::Audio ? audio : category == Category::Computer ? computer : dvd;
 }
@@ -95,8 +97,8 @@ struct Bound
 };
 
 // The times or track counts of a set: disc 1, then disc n when the set has exactly n discs,
-// for n = 2, 3, 4. A set of three shows discs 1 and 3, a set above four disc 1 only, and
-// the counts of a set of three take disc 2's value; pages have always been written so.
+// for n = 2, 3, 4 (`perDisc` holds the columns of discs 1 to 4). A set of three shows discs
+// 1 and 3, a set above four disc 1 only; pages have always been written so.
 QString setText(const QSqlQuery& row, int discs, const QList<int>& perDisc)
 {
     QString text = htmlValue(row.value(perDisc[0]));
@@ -141,9 +143,9 @@ QStringList FullQueryCombo(const Db& db, Category category)
     const CatalogueKind& kind = catalogueKind(category);
     const QString name = quoted(kind.dictionaryTable);
     return QStringList{kAllValues} +
-           db.texts(QStringLiteral("SELECT ") + name + QStringLiteral(" FROM ") + name + QStringLiteral(" WHERE ") +
-                    name + QStringLiteral(" IS NOT NULL AND ") + name + QStringLiteral(" <> '' ORDER BY ") +
-                    quoted(kind.dictionaryKey));
+           db.texts(QStringLiteral("SELECT ") + name + QStringLiteral(" FROM ") + name +
+                    QStringLiteral(" WHERE ") + name + QStringLiteral(" IS NOT NULL AND ") + name +
+                    QStringLiteral(" <> '' ORDER BY ") + quoted(kind.dictionaryKey));
 }
 
 QString pictureFolderFor(const QString& page)
@@ -164,10 +166,11 @@ int ExportCatalog(const AppContext& ctx, const CatalogueExportOptions& options, 
     const auto checked = [&](int position) { return options.fields.contains(position); };
 
     PageOutput out(path);
-    writePageTop(out, QStringLiteral("<title>vinora - [") + kind.title + QStringLiteral("]</title>"),
-                 {QStringLiteral("<td width=\"30%\" valign=\"middle\"><font size=\"2pt\" face=\"Tahoma\"><b>"),
-                  kind.title, QStringLiteral("</b></font>")},
-                 ctx.clock().today());
+    writePageTop(
+        out, QStringLiteral("<title>vinora - [") + kind.title + QStringLiteral("]</title>"),
+        {QStringLiteral("<td width=\"30%\" valign=\"middle\"><font size=\"2pt\" face=\"Tahoma\"><b>"),
+         kind.title, QStringLiteral("</b></font>")},
+        ctx.clock().today());
     out.line(QStringLiteral("<br>"));
     out.line(kRowsTable);
     out.line(QStringLiteral("<tr>") + headerCell(QStringLiteral("№")));
@@ -198,7 +201,8 @@ int ExportCatalog(const AppContext& ctx, const CatalogueExportOptions& options, 
         sql += QStringLiteral(" WHERE d.") + dictionary + QStringLiteral(" = ?");
         values.append(options.only);
     }
-    sql += QStringLiteral(" ORDER BY t.") + (options.sorted ? QStringLiteral("\"Название\"") : QStringLiteral("\"Номер\"")) +
+    sql += QStringLiteral(" ORDER BY t.") +
+           (options.sorted ? QStringLiteral("\"Название\"") : QStringLiteral("\"Номер\"")) +
            QStringLiteral(", t.") + quoted(info.keyField);
     QSqlQuery rows = db.query(sql, values);
 
@@ -224,7 +228,9 @@ int ExportCatalog(const AppContext& ctx, const CatalogueExportOptions& options, 
         Bound bound{&column, column.field.isEmpty() ? -1 : indexOf(column.field), {}};
         if (column.cell == Cell::Times || column.cell == Cell::Records) {
             for (int k = 1; k <= 4; ++k) {
-                bound.perDisc.append(indexOf(column.field + QString::number(k)));
+                // The counts never look at Записей3: a set of three shows disc 2's.
+                const int disc = column.cell == Cell::Records && k == 3 ? 2 : k;
+                bound.perDisc.append(indexOf(column.field + QString::number(disc)));
             }
         }
         if (column.cell == Cell::TitleNote) {
@@ -286,8 +292,8 @@ int ExportCatalog(const AppContext& ctx, const CatalogueExportOptions& options, 
                 const QString cover = QDir(boxFolder).filePath(name + QStringLiteral(".box"));
                 if (!linkName.isEmpty() && QFileInfo(cover).isFile()) {
                     out.copyPicture(cover, name + QStringLiteral(".box"));
-                    out.line(QStringLiteral("<td bgcolor=\"#ffffff\" align=\"center\"><img src=\"") + linkName +
-                             u'\\' + name + coverSize);
+                    out.line(QStringLiteral("<td bgcolor=\"#ffffff\" align=\"center\"><img src=\"") +
+                             linkName + u'\\' + name + coverSize);
                 } else {
                     out.line(QStringLiteral("<td bgcolor=\"#ffffff\" align=\"center\">&nbsp;</td>"));
                 }

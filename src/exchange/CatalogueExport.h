@@ -26,8 +26,8 @@ QStringList FullQueryCombo(const Db& db, Category category);
 struct CatalogueExportOptions
 {
     Category category = Category::Audio;
-    QList<int> fields;       // checked positions of the check-list
-    bool sorted = false;     // by title, else by number
+    QList<int> fields;         // checked positions of the check-list
+    bool sorted = false;       // by title, else by number
     QString only = kAllValues; // one style, description or genre
 };
 

@@ -63,7 +63,7 @@ int CalculateDue(PageOutput& out, const Db& db, const DueExportOptions& options,
         }
         if (checked(kDelay)) {
             // A loan without term is never late.
-            out.line(centreCell(open ? dueDelayText(due, today)
+            out.line(centreCell(open  ? dueDelayText(due, today)
                                 : due ? dueDelayText(due, back)
                                       : QStringLiteral("-")));
         }
@@ -83,8 +83,9 @@ int CalculateDue(PageOutput& out, const Db& db, const DueExportOptions& options,
 
 QStringList dueFieldItems()
 {
-    return {QStringLiteral("Телефон"),       QStringLiteral("Категория диска"),  QStringLiteral("Название диска"),
-            QStringLiteral("Задержка (дн)"), QStringLiteral("Внесен/Сроком до"), QStringLiteral("Вернул")};
+    return {QStringLiteral("Телефон"),          QStringLiteral("Категория диска"),
+            QStringLiteral("Название диска"),   QStringLiteral("Задержка (дн)"),
+            QStringLiteral("Внесен/Сроком до"), QStringLiteral("Вернул")};
 }
 
 QString dueDialogTitle()
@@ -114,11 +115,12 @@ QString GetInfoCD(const Db& db, const QString& field, const QString& kind, qint6
     if (info == nullptr) {
         return QStringLiteral("-");
     }
-    const QVariant value = db.scalar(QStringLiteral("SELECT ") +
-                                         (field == u"Number" ? QStringLiteral("\"Номер\"") : QStringLiteral("\"Название\"")) +
-                                         QStringLiteral(" FROM ") + quoted(info->table) + QStringLiteral(" WHERE ") +
-                                         quoted(info->keyField) + QStringLiteral(" = ?"),
-                                     {code});
+    const QVariant value =
+        db.scalar(QStringLiteral("SELECT ") +
+                      (field == u"Number" ? QStringLiteral("\"Номер\"") : QStringLiteral("\"Название\"")) +
+                      QStringLiteral(" FROM ") + quoted(info->table) + QStringLiteral(" WHERE ") +
+                      quoted(info->keyField) + QStringLiteral(" = ?"),
+                  {code});
     return value.isValid() ? value.toString() : QStringLiteral("-");
 }
 
@@ -128,8 +130,8 @@ int ExportDue(const AppContext& ctx, const DueExportOptions& options, const QStr
     const QDate today = ctx.clock().today();
     PageOutput out(path);
     writePageTop(out, QStringLiteral("<title>vinora - [Список должников]</title>"),
-                 {QStringLiteral(
-                     "<td width=\"30%\" valign=\"middle\"><font size=\"2pt\" face=\"Tahoma\"><b>Список должников</b></font>")},
+                 {QStringLiteral("<td width=\"30%\" valign=\"middle\"><font size=\"2pt\" "
+                                 "face=\"Tahoma\"><b>Список должников</b></font>")},
                  today);
     const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
     QSqlQuery borrowers = db.query(
@@ -138,7 +140,8 @@ int ExportDue(const AppContext& ctx, const DueExportOptions& options, const QStr
         (options.openOnly ? QStringLiteral(" AND Долг <> 0") : QString()) + QStringLiteral(" ORDER BY Имя"));
     const auto heading = [](const char* width, const char* name) -> QString {
         return QStringLiteral("<td bgcolor=\"#e9e9e9\" align=\"center\"") +
-               (*width != '\0' ? QStringLiteral(" width=\"") + QString::fromLatin1(width) + u'"' : QString()) +
+               (*width != '\0' ? QStringLiteral(" width=\"") + QString::fromLatin1(width) + u'"'
+                               : QString()) +
                QStringLiteral("><font size=\"2pt\" face=\"Tahoma\"><b>") + QString::fromUtf8(name) +
                QStringLiteral("</b></font></td>");
     };
@@ -149,8 +152,8 @@ int ExportDue(const AppContext& ctx, const DueExportOptions& options, const QStr
         out.line(QStringLiteral("<br>"));
         out.line(kRowsTable);
         out.line(QStringLiteral("<tr>"));
-        out.line(QStringLiteral(
-                     "<td colspan=\"7\" bgcolor=\"#f5f5f5\"><font size=\"2pt\" face=\"Tahoma\">Имя должника: <b>") +
+        out.line(QStringLiteral("<td colspan=\"7\" bgcolor=\"#f5f5f5\"><font size=\"2pt\" "
+                                "face=\"Tahoma\">Имя должника: <b>") +
                  htmlEscaped(name) + QStringLiteral("</b>"));
         if (checked(kPhone)) {
             out.line(QStringLiteral(" (тел.: ") + htmlValue(borrowers.value(1)) + u')');

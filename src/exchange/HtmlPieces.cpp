@@ -7,8 +7,8 @@
 
 namespace vinora {
 
-const QString kRowsTable = QStringLiteral(
-    "<table cellspacing=\"0\" cellpadding=\"3\" border=\"1\" align=\"center\" width=\"100%\" bordercolor=\"#C9C9C9\">");
+const QString kRowsTable = QStringLiteral("<table cellspacing=\"0\" cellpadding=\"3\" border=\"1\" "
+                                          "align=\"center\" width=\"100%\" bordercolor=\"#C9C9C9\">");
 
 namespace {
 
@@ -65,7 +65,8 @@ void writePageTop(PageOutput& out, const QString& titleLine, const QStringList& 
 {
     out.line(QStringLiteral("<html>"));
     out.line(QStringLiteral("<head>"));
-    out.line(QStringLiteral("<meta http-equiv=\"Content-Type\" content=\"text/html; charset=windows-1251\">"));
+    out.line(
+        QStringLiteral("<meta http-equiv=\"Content-Type\" content=\"text/html; charset=windows-1251\">"));
     out.line(QStringLiteral("<meta name=\"GENERATOR\" content=\"vinora\">"));
     out.line(titleLine);
     out.line(QStringLiteral("</head>"));
@@ -79,9 +80,10 @@ void writePageTop(PageOutput& out, const QString& titleLine, const QStringList& 
     out.line(QStringLiteral(
         "<td width=\"40%\" align=\"center\"><font size=\"6pt\" face=\"Tahoma\"><b>vinora</b></font>"));
     out.line(QStringLiteral("</td>"));
-    out.line(QStringLiteral(
-                 "<td width=\"30%\" align=\"right\" valign=\"middle\"><font size=\"2pt\" face=\"Tahoma\"><b>") +
-             QLocale().toString(today, QStringLiteral("d MMMM yyyy г.")) + QStringLiteral("</b></font>"));
+    out.line(
+        QStringLiteral(
+            "<td width=\"30%\" align=\"right\" valign=\"middle\"><font size=\"2pt\" face=\"Tahoma\"><b>") +
+        QLocale().toString(today, QStringLiteral("d MMMM yyyy г.")) + QStringLiteral("</b></font>"));
     out.line(QStringLiteral("</td>"));
     out.line(QStringLiteral("</tr>"));
     out.line(QStringLiteral("</table>"));
@@ -95,14 +97,14 @@ QString leftCell(const QString& html)
 
 QString centreCell(const QString& html)
 {
-    return QStringLiteral("<td bgcolor=\"#ffffff\" align=\"center\"><font size=\"2pt\" face=\"Tahoma\">") + html +
-           QStringLiteral("</font></td>");
+    return QStringLiteral("<td bgcolor=\"#ffffff\" align=\"center\"><font size=\"2pt\" face=\"Tahoma\">") +
+           html + QStringLiteral("</font></td>");
 }
 
 QString headerCell(const QString& name)
 {
-    return QStringLiteral("<td bgcolor=\"#e9e9e9\" align=\"center\"><font size=\"2pt\" face=\"Tahoma\"><b>") + name +
-           QStringLiteral("</b></font></td>");
+    return QStringLiteral("<td bgcolor=\"#e9e9e9\" align=\"center\"><font size=\"2pt\" face=\"Tahoma\"><b>") +
+           name + QStringLiteral("</b></font></td>");
 }
 
 QString creditLine()
@@ -112,7 +114,8 @@ QString creditLine()
 
 QString creditCell()
 {
-    return QStringLiteral("<td width=\"50%\" align=\"right\" valign=\"middle\"><font size=\"1pt\" face=\"Tahoma\">") +
+    return QStringLiteral(
+               "<td width=\"50%\" align=\"right\" valign=\"middle\"><font size=\"1pt\" face=\"Tahoma\">") +
            creditLine() + QStringLiteral("</font>");
 }
 
@@ -130,9 +133,10 @@ void writeCountFoot(PageOutput& out, const QString& countLine, qint64 count)
 void writeCreditFoot(PageOutput& out)
 {
     out.line(kFootTable);
-    out.line(QStringLiteral(
-                 "<tr><td width=\"100%\" align=\"right\" valign=\"middle\"><font size=\"1pt\" face=\"Tahoma\">") +
-             creditLine());
+    out.line(
+        QStringLiteral(
+            "<tr><td width=\"100%\" align=\"right\" valign=\"middle\"><font size=\"1pt\" face=\"Tahoma\">") +
+        creditLine());
     out.line(QStringLiteral("</td>"));
     writePageEnd(out);
 }

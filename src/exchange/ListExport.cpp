@@ -32,28 +32,27 @@ struct ListExportKind
     QString countLine;
     QString totalLine;
     QString pagePrefix;
-    bool album; // the album beside the title in a disc's heading
+    bool album;                // the album beside the title in a disc's heading
     QList<ListColumn> columns; // positions 2.. of the check-list (1 is the numbering)
 };
 
 const ListExportKind& listKind(ContentsKind kind)
 {
-    static const ListExportKind files{
-        ContentsKind::Files,
-        Category::Computer,
-        {QStringLiteral("Экспортирование списка файлов"),
-         QStringLiteral("Выберите каталог для экспортирования списка файлов:"),
-         QStringLiteral("Список файлов успешно экспортирован в файл:"), QStringLiteral("ExportFiles"),
-         QStringLiteral("ExportFilesOther")},
-        QStringLiteral("Список файлов Компьютерных дисков"),
-        QStringLiteral("Имя"),
-        QStringLiteral("Файл"),
-        QStringLiteral("Файлов в списке"),
-        QStringLiteral("Экспортировано файлов"),
-        QStringLiteral("files_cd_"),
-        false,
-        {{QStringLiteral("Путь"), QStringLiteral("Путь"), false},
-         {QStringLiteral("Комментарий"), QStringLiteral("Комментарий"), true}}};
+    static const ListExportKind files{ContentsKind::Files,
+                                      Category::Computer,
+                                      {QStringLiteral("Экспортирование списка файлов"),
+                                       QStringLiteral("Выберите каталог для экспортирования списка файлов:"),
+                                       QStringLiteral("Список файлов успешно экспортирован в файл:"),
+                                       QStringLiteral("ExportFiles"), QStringLiteral("ExportFilesOther")},
+                                      QStringLiteral("Список файлов Компьютерных дисков"),
+                                      QStringLiteral("Имя"),
+                                      QStringLiteral("Файл"),
+                                      QStringLiteral("Файлов в списке"),
+                                      QStringLiteral("Экспортировано файлов"),
+                                      QStringLiteral("files_cd_"),
+                                      false,
+                                      {{QStringLiteral("Путь"), QStringLiteral("Путь"), false},
+                                       {QStringLiteral("Комментарий"), QStringLiteral("Комментарий"), true}}};
     static const ListExportKind tracks{
         ContentsKind::Tracks,
         Category::Audio,
@@ -78,10 +77,11 @@ QList<int> listedNumbers(const Db& db, Category category)
 {
     const CategoryInfo& info = categoryInfo(category);
     QList<int> numbers;
-    QSqlQuery rows = db.query(QStringLiteral("SELECT \"Номер\" FROM ") + quoted(info.table) +
-                              QStringLiteral(" WHERE \"ДискID1\" IS NOT NULL OR \"ДискID2\" IS NOT NULL"
-                                             " OR \"ДискID3\" IS NOT NULL OR \"ДискID4\" IS NOT NULL ORDER BY ") +
-                              quoted(info.keyField));
+    QSqlQuery rows =
+        db.query(QStringLiteral("SELECT \"Номер\" FROM ") + quoted(info.table) +
+                 QStringLiteral(" WHERE \"ДискID1\" IS NOT NULL OR \"ДискID2\" IS NOT NULL"
+                                " OR \"ДискID3\" IS NOT NULL OR \"ДискID4\" IS NOT NULL ORDER BY ") +
+                 quoted(info.keyField));
     while (rows.next()) {
         numbers.append(rows.value(0).toInt());
     }
@@ -100,12 +100,13 @@ struct ListedDisc
 std::optional<ListedDisc> findDisc(const Db& db, const ListExportKind& kind, int number)
 {
     const CategoryInfo& info = categoryInfo(kind.category);
-    QSqlQuery row = db.query(QStringLiteral("SELECT \"Название\", ") +
-                                 (kind.album ? QStringLiteral("\"Альбом\"") : QStringLiteral("''")) +
-                                 QStringLiteral(", \"ДискID1\", \"ДискID2\", \"ДискID3\", \"ДискID4\" FROM ") +
-                                 quoted(info.table) + QStringLiteral(" WHERE \"Номер\" = ? ORDER BY ") +
-                                 quoted(info.keyField) + QStringLiteral(" LIMIT 1"),
-                             {number});
+    QSqlQuery row =
+        db.query(QStringLiteral("SELECT \"Название\", ") +
+                     (kind.album ? QStringLiteral("\"Альбом\"") : QStringLiteral("''")) +
+                     QStringLiteral(", \"ДискID1\", \"ДискID2\", \"ДискID3\", \"ДискID4\" FROM ") +
+                     quoted(info.table) + QStringLiteral(" WHERE \"Номер\" = ? ORDER BY ") +
+                     quoted(info.keyField) + QStringLiteral(" LIMIT 1"),
+                 {number});
     if (!row.next()) {
         return std::nullopt; // gone since the list of discs was made
     }
@@ -117,8 +118,8 @@ std::optional<ListedDisc> findDisc(const Db& db, const ListExportKind& kind, int
 }
 
 // Writes one disc of a set: its heading, its table and its count; gives the rows.
-int writeDisc(PageOutput& out, const Db& contents, const ListExportKind& kind, const ListExportOptions& options,
-              const ListedDisc& disc, int slot)
+int writeDisc(PageOutput& out, const Db& contents, const ListExportKind& kind,
+              const ListExportOptions& options, const ListedDisc& disc, int slot)
 {
     const QString id = disc.ids[slot - 1].toString();
     if (!ContentsLists(contents, kind.contents).exists(id)) {
@@ -134,7 +135,8 @@ int writeDisc(PageOutput& out, const Db& contents, const ListExportKind& kind, c
              (slot != 1 ? QStringLiteral(" (") + QString::number(slot) + u')' : QString()));
     out.line(QStringLiteral("</b></font><br>"));
     out.line(QStringLiteral("[ ") + htmlEscaped(disc.title) +
-             (kind.album ? QStringLiteral(" - ") + htmlEscaped(disc.album) : QString()) + QStringLiteral(" ]</p>"));
+             (kind.album ? QStringLiteral(" - ") + htmlEscaped(disc.album) : QString()) +
+             QStringLiteral(" ]</p>"));
 
     out.line(kRowsTable);
     out.line(QStringLiteral("<tr>"));
@@ -143,8 +145,8 @@ int writeDisc(PageOutput& out, const Db& contents, const ListExportKind& kind, c
                QStringLiteral("</b></font></td>");
     };
     if (checked(1)) {
-        out.line(QStringLiteral(
-            "<td width=40 bgcolor=\"#e9e9e9\" align=\"center\"><font size=\"2pt\" face=\"Tahoma\"><b>№</b></font></td>"));
+        out.line(QStringLiteral("<td width=40 bgcolor=\"#e9e9e9\" align=\"center\"><font size=\"2pt\" "
+                                "face=\"Tahoma\"><b>№</b></font></td>"));
     }
     out.line(heading(kind.nameHeader));
     QStringList fields{quoted(kind.nameField)};
@@ -160,12 +162,11 @@ int writeDisc(PageOutput& out, const Db& contents, const ListExportKind& kind, c
     out.line(QStringLiteral("</tr>"));
 
     const QString rowsTable = quoted(contentsDescriptor(kind.contents).rowsTable);
-    QSqlQuery rows = contents.query(QStringLiteral("SELECT ") + fields.join(QStringLiteral(", ")) +
-                                        QStringLiteral(" FROM ") + rowsTable +
-                                        QStringLiteral(" WHERE \"ДискID\" = ? ORDER BY ") +
-                                        (options.sorted ? quoted(kind.nameField) + QStringLiteral(", rowid")
-                                                        : QStringLiteral("rowid")),
-                                    {id});
+    QSqlQuery rows = contents.query(
+        QStringLiteral("SELECT ") + fields.join(QStringLiteral(", ")) + QStringLiteral(" FROM ") + rowsTable +
+            QStringLiteral(" WHERE \"ДискID\" = ? ORDER BY ") +
+            (options.sorted ? quoted(kind.nameField) + QStringLiteral(", rowid") : QStringLiteral("rowid")),
+        {id});
     int count = 0;
     while (rows.next()) {
         ++count;
@@ -175,30 +176,32 @@ int writeDisc(PageOutput& out, const Db& contents, const ListExportKind& kind, c
         }
         const QString name = htmlValue(rows.value(0));
         if (name.startsWith(u'\\')) { // a folder
-            out.line(QStringLiteral("<td bgcolor=\"#f4f4f4\"><font size=\"2pt\" face=\"Tahoma\">Путь: <b>") + name +
-                     QStringLiteral("</b></font></td>"));
+            out.line(QStringLiteral("<td bgcolor=\"#f4f4f4\"><font size=\"2pt\" face=\"Tahoma\">Путь: <b>") +
+                     name + QStringLiteral("</b></font></td>"));
         } else {
             out.line(leftCell(name));
         }
         for (int i = 0; i < shown.size(); ++i) {
             const QString value = htmlValue(rows.value(i + 1));
-            out.line(leftCell(value.isEmpty() && shown[i]->spaceWhenEmpty ? QStringLiteral("&nbsp;") : value));
+            out.line(
+                leftCell(value.isEmpty() && shown[i]->spaceWhenEmpty ? QStringLiteral("&nbsp;") : value));
         }
         out.line(QStringLiteral("</tr>"));
     }
     out.line(QStringLiteral("</table>"));
-    out.line(QStringLiteral("<p><font size=\"2pt\" face=\"Tahoma\">") + kind.countLine + QStringLiteral(": <b>") +
-             QString::number(count) + QStringLiteral("</b></font></p>"));
+    out.line(QStringLiteral("<p><font size=\"2pt\" face=\"Tahoma\">") + kind.countLine +
+             QStringLiteral(": <b>") + QString::number(count) + QStringLiteral("</b></font></p>"));
     return count;
 }
 
 void writeListTop(PageOutput& out, const AppContext& ctx, const ListExportKind& kind)
 {
     // Both kinds of list carry the title of the file lists; pages have always been written so.
-    writePageTop(out, QStringLiteral("<title>vinora - [Список файлов]</title>"),
-                 {QStringLiteral("<td width=\"30%\" valign=\"middle\"><font size=\"2pt\" face=\"Tahoma\"><b>") +
-                  kind.banner + QStringLiteral("</b></font>")},
-                 ctx.clock().today());
+    writePageTop(
+        out, QStringLiteral("<title>vinora - [Список файлов]</title>"),
+        {QStringLiteral("<td width=\"30%\" valign=\"middle\"><font size=\"2pt\" face=\"Tahoma\"><b>") +
+         kind.banner + QStringLiteral("</b></font>")},
+        ctx.clock().today());
 }
 
 // Runs `each` for every chosen disc of every set that has a list there, in order.
@@ -263,22 +266,24 @@ int exportListPage(const AppContext& ctx, ContentsKind contentsKind, const ListE
     const Db main(ctx.MainDBPath, Db::Access::ReadOnly);
     const Db contents(contentsPath(ctx, contentsKind), Db::Access::ReadOnly);
     qint64 total = 0;
-    forEachDisc(main, kind, options,
-                [&](const ListedDisc& disc, int slot) { total += writeDisc(out, contents, kind, options, disc, slot); });
+    forEachDisc(main, kind, options, [&](const ListedDisc& disc, int slot) {
+        total += writeDisc(out, contents, kind, options, disc, slot);
+    });
     writeCountFoot(out, kind.totalLine, total);
     out.commit();
     return static_cast<int>(total);
 }
 
-QStringList exportListPages(const AppContext& ctx, ContentsKind contentsKind, const ListExportOptions& options,
-                            const QString& folder)
+QStringList exportListPages(const AppContext& ctx, ContentsKind contentsKind,
+                            const ListExportOptions& options, const QString& folder)
 {
     const ListExportKind& kind = listKind(contentsKind);
     const Db main(ctx.MainDBPath, Db::Access::ReadOnly);
     const Db contents(contentsPath(ctx, contentsKind), Db::Access::ReadOnly);
     QStringList written;
     forEachDisc(main, kind, options, [&](const ListedDisc& disc, int slot) {
-        const QString path = folder + u'/' + kind.pagePrefix + QString::number(disc.number) + QStringLiteral(".htm");
+        const QString path =
+            folder + u'/' + kind.pagePrefix + QString::number(disc.number) + QStringLiteral(".htm");
         PageOutput out(path);
         writeListTop(out, ctx, kind);
         writeDisc(out, contents, kind, options, disc, slot);

@@ -38,8 +38,8 @@ QList<int> ViewNumberTracks(const Db& mainDb);
 
 struct ListExportOptions
 {
-    QList<int> numbers; // the discs, in this order
-    QList<int> fields;  // checked positions of the check-list
+    QList<int> numbers;  // the discs, in this order
+    QList<int> fields;   // checked positions of the check-list
     bool sorted = false; // by name, else as stored
     int onlyDisc = 0;    // 1..4: only that disc of each set; 0: all four
 };
@@ -62,7 +62,8 @@ inline int ExportTracks(const AppContext& ctx, const ListExportOptions& options,
 {
     return exportListPage(ctx, ContentsKind::Tracks, options, path);
 }
-inline QStringList ExportFilesOther(const AppContext& ctx, const ListExportOptions& options, const QString& folder)
+inline QStringList ExportFilesOther(const AppContext& ctx, const ListExportOptions& options,
+                                    const QString& folder)
 {
     return exportListPages(ctx, ContentsKind::Files, options, folder);
 }

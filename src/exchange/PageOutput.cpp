@@ -98,14 +98,16 @@ int readErrorNumber(int error)
 
 [[noreturn]] void failWrite(int error, const QString& path)
 {
-    throw AppError(writeErrorNumber(error), QStringLiteral("Не удалось записать \"") + QDir::toNativeSeparators(path) +
-                                                QStringLiteral("\": ") + reasonText(error));
+    throw AppError(writeErrorNumber(error), QStringLiteral("Не удалось записать \"") +
+                                                QDir::toNativeSeparators(path) + QStringLiteral("\": ") +
+                                                reasonText(error));
 }
 
 [[noreturn]] void failRead(int error, const QString& path)
 {
-    throw AppError(readErrorNumber(error), QStringLiteral("Не удалось прочитать \"") + QDir::toNativeSeparators(path) +
-                                               QStringLiteral("\": ") + reasonText(error));
+    throw AppError(readErrorNumber(error), QStringLiteral("Не удалось прочитать \"") +
+                                               QDir::toNativeSeparators(path) + QStringLiteral("\": ") +
+                                               reasonText(error));
 }
 
 QByteArray nativeName(const QString& path)
@@ -310,7 +312,8 @@ void PageOutput::installPictureFolder()
     }
     if (hadOld) {
         // The old folder's files are gone with it; folders someone put there are kept.
-        for (const QFileInfo& sub : QDir(aside).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
+        for (const QFileInfo& sub :
+             QDir(aside).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
             renamed(sub.filePath(), QDir(m_folder).filePath(sub.fileName()));
         }
         removeTree(aside);

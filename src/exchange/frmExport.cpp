@@ -37,7 +37,8 @@ bool checkedAtFirst(const QString& item)
     return item != u"Внесен" && item != u"Изменен" && item != u"Обложка";
 }
 
-void fillCheckList(QListWidget* list, const QStringList& items, const std::function<bool(const QString&)>& checked)
+void fillCheckList(QListWidget* list, const QStringList& items,
+                   const std::function<bool(const QString&)>& checked)
 {
     list->clear();
     for (const QString& text : items) {
@@ -236,7 +237,7 @@ QWidget* frmExport::buildDueTab()
 
 Category frmExport::category() const
 {
-    return m_optCategory[1]->isChecked() ? Category::Computer
+    return m_optCategory[1]->isChecked()   ? Category::Computer
            : m_optCategory[2]->isChecked() ? Category::Dvd
                                            : Category::Audio;
 }
@@ -270,9 +271,10 @@ void frmExport::optList_Click()
                                                  : QStringLiteral("frmExport, ViewNumberTracks()"),
                      [&] {
                          const Db db(m_ctx.MainDBPath, Db::Access::ReadOnly);
-                         for (const int number : kind == ContentsKind::Files ? ViewNumberFiles(db)
-                                                                             : ViewNumberTracks(db)) {
-                             auto* item = new QTreeWidgetItem(m_lvFieldsListNumber, {QString::number(number)});
+                         for (const int number :
+                              kind == ContentsKind::Files ? ViewNumberFiles(db) : ViewNumberTracks(db)) {
+                             auto* item =
+                                 new QTreeWidgetItem(m_lvFieldsListNumber, {QString::number(number)});
                              item->setCheckState(0, Qt::Unchecked);
                          }
                      });
@@ -344,7 +346,8 @@ void frmExport::exportLists()
         }
     }
     if (options.numbers.isEmpty()) {
-        m_ctx.prompter().message(QStringLiteral("Необходимо выбрать хотя бы один диск!"), MessageStyle::Exclamation);
+        m_ctx.prompter().message(QStringLiteral("Необходимо выбрать хотя бы один диск!"),
+                                 MessageStyle::Exclamation);
         return;
     }
     options.fields = checkedPositions(m_lvFieldsList);
@@ -361,8 +364,9 @@ void frmExport::exportLists()
         written.append(path);
     } else {
         const QString folder = m_ctx.prompter().chooseFolder(texts.folderPrompt, QString());
-        if (folder.isEmpty() ||
-            !runExport(texts.otherRoutine, [&] { written = exportListPages(m_ctx, kind, options, folder); })) {
+        if (folder.isEmpty() || !runExport(texts.otherRoutine, [&] {
+                written = exportListPages(m_ctx, kind, options, folder);
+            })) {
             return;
         }
     }
