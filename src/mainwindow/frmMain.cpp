@@ -12,9 +12,9 @@
 #include "frame/WindowPlacement.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/DashboardPictures.h"
-#include "mainwindow/HelpViewer.h"
 #include "mainwindow/MainCommands.h"
 #include "mainwindow/frmCompactDB.h"
+#include "mainwindow/HelpViewer.h"
 #include "mainwindow/frmHelp.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/DriveWatch.h"
@@ -336,8 +336,8 @@ QWidget* frmMain::buildCategoryBlock(Category category)
     grid->addLayout(signRow, 3, 1, 1, 4);
     // The signs blink by hiding and showing inside space that stays reserved, so nothing
     // around them moves (and a click on the link lands where the link was drawn).
-    for (QWidget* blinking :
-         std::initializer_list<QWidget*>{b.dueFrame, b.newSign, b.newLabel, b.shareSign, b.shareLink}) {
+    for (QWidget* blinking : std::initializer_list<QWidget*>{b.dueFrame, b.newSign, b.newLabel, b.shareSign,
+                                                             b.shareLink}) {
         QSizePolicy policy = blinking->sizePolicy();
         policy.setRetainSizeWhenHidden(true);
         blinking->setSizePolicy(policy);
