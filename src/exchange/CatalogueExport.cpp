@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
+#include <QSet>
 #include <QSqlRecord>
 #include <optional>
 
@@ -239,7 +240,15 @@ int ExportCatalog(const AppContext& ctx, const CatalogueExportOptions& options, 
             cells.append(bound);
         }
     }
-    const QString boxFolder = QDir(ctx.appFolder()).filePath(QStringLiteral("box"));
+    // The covers there are, read once rather than looked for row by row.
+    const QDir boxFolder(ctx.appFile(QStringLiteral("box")));
+    QSet<QString> covers;
+    if (!linkName.isEmpty()) {
+        for (const QString& name :
+             boxFolder.entryList({info.coverPrefix + QStringLiteral("*.box")}, QDir::Files)) {
+            covers.insert(name);
+        }
+    }
     const QString coverSize = QStringLiteral(".box\" width=\"") + QString::number(page.coverWidth) +
                               QStringLiteral("\" height=\"100\" border=\"0\"></td>");
 
@@ -289,9 +298,8 @@ int ExportCatalog(const AppContext& ctx, const CatalogueExportOptions& options, 
                 break;
             case Cell::Cover: {
                 const QString name = info.coverPrefix + number;
-                const QString cover = QDir(boxFolder).filePath(name + QStringLiteral(".box"));
-                if (!linkName.isEmpty() && QFileInfo(cover).isFile()) {
-                    out.copyPicture(cover, name + QStringLiteral(".box"));
+                if (const QString file = name + QStringLiteral(".box"); covers.contains(file)) {
+                    out.copyPicture(boxFolder.filePath(file), file);
                     out.line(QStringLiteral("<td bgcolor=\"#ffffff\" align=\"center\"><img src=\"") +
                              linkName + u'\\' + name + coverSize);
                 } else {

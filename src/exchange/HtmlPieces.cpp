@@ -4,6 +4,7 @@
 #include "store/Db.h"
 
 #include <QLocale>
+#include <algorithm>
 
 namespace vinora {
 
@@ -27,6 +28,10 @@ void writePageEnd(PageOutput& out)
 
 QString htmlEscaped(const QString& value)
 {
+    const auto special = [](QChar ch) { return ch == u'&' || ch == u'<' || ch == u'>' || ch == u'"'; };
+    if (std::none_of(value.cbegin(), value.cend(), special)) {
+        return value; // the common case, without a copy
+    }
     QString text;
     text.reserve(value.size() + 8);
     for (const QChar ch : value) {

@@ -1,5 +1,6 @@
 #include "frame/Cp1251.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -62,12 +63,19 @@ QByteArray encode(QStringView text)
 
 QByteArray encodeForHtml(QStringView text)
 {
-    QByteArray bytes;
-    bytes.reserve(text.size() + text.size() / 8);
+    // One byte a character but for the references: written in place, grown when needed.
+    QByteArray bytes(text.size(), Qt::Uninitialized);
+    qsizetype used = 0;
+    const auto room = [&](qsizetype more) {
+        if (used + more > bytes.size()) {
+            bytes.resize(std::max(bytes.size() * 2, used + more));
+        }
+    };
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t code = text[i].unicode();
         if (const std::optional<char> byte = encodeOne(code)) {
-            bytes.append(*byte);
+            room(1);
+            bytes.data()[used++] = *byte;
             continue;
         }
         char32_t point = code;
@@ -75,8 +83,12 @@ QByteArray encodeForHtml(QStringView text)
             point = QChar::surrogateToUcs4(code, text[i + 1].unicode());
             ++i;
         }
-        bytes.append("&#").append(QByteArray::number(static_cast<uint>(point))).append(';');
+        const QByteArray reference = "&#" + QByteArray::number(static_cast<uint>(point)) + ';';
+        room(reference.size());
+        std::copy(reference.cbegin(), reference.cend(), bytes.data() + used);
+        used += reference.size();
     }
+    bytes.resize(used);
     return bytes;
 }
 

@@ -188,6 +188,7 @@ private slots:
         QVERIFY(text.contains("Аквариум &amp; Co &#9835;</font></td>"));
         QVERIFY(text.contains("Радио &quot;Африка&quot;"));
         QVERIFY(!bytes.contains('?'));
+        QCOMPARE(cp1251::encodeForHtml(u"я ♫ 𝄞"), QByteArray("\xFF &#9835; &#119070;"));
     }
 
     // The covers go into the page's folder; an old folder's files go, folders in it stay.
