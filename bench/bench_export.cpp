@@ -103,7 +103,8 @@ int main(int argc, char* argv[])
     const double withCovers = medianMs(3, [&] {
         ExportCatalog(ctx, {Category::Audio, every, false, kAllValues}, page);
     });
-    std::printf("rm -r and cp -r of the 2,000 covers: %.0f ms\n", copy);
+    std::printf("catalogue page with 2,000 covers: %.0f ms in all; rm -r and cp -r of the covers: %.0f ms\n",
+                withCovers, copy);
     report("catalogue page with 2,000 covers, beyond rm and cp of them", withCovers - copy, 1000);
 
     int rows = 0;
