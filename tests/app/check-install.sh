@@ -16,7 +16,7 @@ for file in bin/vinora bin/vinora-cli share/applications/vinora.desktop \
   fi
 done
 # The page tells every verb the tool knows.
-for verb in $("$prefix/bin/vinora-cli" --help | awk '/^Verbs:/ { inside = 1; next } /^$/ { inside = 0 } inside { print $1 }'); do
+while IFS= read -r verb; do
   grep -q "^\.SS $verb\$" "$prefix/share/man/man1/vinora-cli.1" || { echo "manual page lacks $verb"; status=1; }
-done
+done < <("$prefix/bin/vinora-cli" --help | awk -F '  +' '/^Verbs:/ { inside = 1; next } /^$/ { inside = 0 } inside { print $2 }')
 exit $status
