@@ -3,6 +3,7 @@
 #include "frame/Clock.h"
 #include "mainwindow/frmMain.h"
 #include "mainwindow/frmSplashMain.h"
+#include "options/frmOption.h"
 #include "ui/DesktopTheme.h"
 #include "ui/GuardedApplication.h"
 #include "ui/QtPrompter.h"
@@ -19,7 +20,6 @@ int main(int argc, char* argv[])
     QApplication::setDesktopFileName(QStringLiteral("vinora"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vinora.svg")));
     vinora::installRussianTranslations(app);
-    vinora::followDesktopTheme(app);
     // Outside a desktop session no icon theme is named; the common one serves then.
     if (QIcon::themeName().isEmpty() || QIcon::themeName() == u"hicolor") {
         QIcon::setThemeName(QStringLiteral("Adwaita"));
@@ -31,6 +31,8 @@ int main(int argc, char* argv[])
     vinora::SystemClock clock;
     vinora::AppContext ctx(vinora::applicationFolder(), prompter, clock);
     app.setContext(&ctx);
+    // The scheme chosen in the options, else the desktop's.
+    vinora::applyColorScheme(vinora::colorSchemeOf(vinora::storedScheme(ctx.ini())));
     QLockFile instanceLock(ctx.appFile(QStringLiteral("vinora.lock")));
 
     std::unique_ptr<vinora::frmSplashMain> splash;

@@ -115,6 +115,8 @@ bool isLiveCommand(const QString& toolId)
         QStringLiteral("ID_DB_DiskImageAdd"),
         QStringLiteral("ID_DB_DiskImageRemove"),
         QStringLiteral("ID_DB_DefaultCDDVDROM"),
+        QStringLiteral("ID_DB_Option"),
+        QStringLiteral("ID_View_Toolbars_Option"),
         QStringLiteral("ID_Catalog_AudioCD"),
         QStringLiteral("ID_Catalog_PCCD"),
         QStringLiteral("ID_Catalog_DVD"),

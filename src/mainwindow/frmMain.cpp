@@ -16,6 +16,8 @@
 #include "mainwindow/frmCompactDB.h"
 #include "mainwindow/HelpViewer.h"
 #include "mainwindow/frmHelp.h"
+#include "mainwindow/frmToolbars.h"
+#include "options/frmOption.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/DriveWatch.h"
 #include "recognition/Drives.h"
@@ -623,6 +625,10 @@ void frmMain::runCommand(const QString& toolId)
         addDiskImage();
     } else if (toolId == u"ID_DB_DiskImageRemove") {
         removeDiskImage();
+    } else if (toolId == u"ID_DB_Option") {
+        showOptions();
+    } else if (toolId == u"ID_View_Toolbars_Option") {
+        showToolbarOptions();
     } else {
         for (const MainToolbar& entry : mainToolbars()) {
             if (entry.toggleCommand == toolId) {
@@ -672,7 +678,7 @@ void frmMain::AddListbars()
                     {QStringLiteral("Список должников"), QStringLiteral("История дисков"),
                      QStringLiteral("Статистика"), QStringLiteral("Управление должниками")});
     addListBarGroup(QStringLiteral("g3"), QStringLiteral("База данных"),
-                    {QStringLiteral("Мастер обслуживания"), QStringLiteral("Поиск")});
+                    {QStringLiteral("Мастер обслуживания"), QStringLiteral("Параметры"), QStringLiteral("Поиск")});
     addListBarGroup(QStringLiteral("g4"), QStringLiteral("Запрос"), {});
     // The items whose windows are still to come are shown, but cannot be chosen.
     for (const char* key : {"g2", "g3"}) {
@@ -800,6 +806,7 @@ QString frmMain::panelCommand(const QString& item)
         {QStringLiteral("Статистика"), QStringLiteral("ID_Due_Stat")},
         {QStringLiteral("Управление должниками"), QStringLiteral("ID_Due_Admin")},
         {QStringLiteral("Мастер обслуживания"), QStringLiteral("ID_DB_Wizard")},
+        {QStringLiteral("Параметры"), QStringLiteral("ID_DB_Option")},
         {QStringLiteral("Поиск"), QStringLiteral("ID_DB_Search")}};
     return commands.value(item);
 }
@@ -813,6 +820,52 @@ void frmMain::addDisc(Category category, bool rememberAction)
         m_ctx.ini().write(QStringLiteral("Toolbars"), QStringLiteral("LastAction"),
                           QString::number(static_cast<int>(category) + 1));
     }
+}
+
+void frmMain::showOptions()
+{
+    m_lastDriveDiscID.clear();
+    ResetDiscSigns();
+    {
+        frmOption options(m_ctx, this);
+        m_ctx.prompter().showModal(options);
+    }
+    // Whatever button closed it: the folder of the databases and the images may have changed.
+    m_lastDriveDiscID.clear();
+    m_tmrNewCD.stop();
+    ResetDiscSigns();
+    if (!m_ctx.ExternalDBOpen) {
+        LoadData();
+    }
+    LoadDefaultCD();
+}
+
+void frmMain::showToolbarOptions()
+{
+    QList<frmToolbars::Bar> bars;
+    for (const MainToolbar& entry : mainToolbars()) {
+        QToolBar* bar = toolbar(entry.objectName);
+        bars.append({entry.title, [bar] { return !bar->isHidden(); },
+                     [this, bar](bool shown) {
+                         bar->setVisible(shown);
+                         syncToolbarTicks();
+                     }});
+    }
+    frmToolbars dialog(bars, [this] { resetToolbars(); }, this);
+    m_ctx.prompter().showModal(dialog);
+}
+
+void frmMain::resetToolbars()
+{
+    for (const MainToolbar& entry : mainToolbars()) {
+        QToolBar* bar = toolbar(entry.objectName);
+        removeToolBarBreak(bar);
+        removeToolBar(bar);
+        addToolBar(Qt::TopToolBarArea, bar);
+        bar->setMovable(true);
+        bar->show();
+    }
+    syncToolbarTicks();
 }
 
 void frmMain::openCatalogue(Category category, int number)

@@ -73,6 +73,12 @@ public:
     // Binds the disc in `drive` to a disc the user picks (the link "Привязать").
     void bindDiscInDrive(Category category, const QString& drive);
     void addDisc(Category category, bool rememberAction = true);
+    // The options dialog, and what changes with it once it is closed.
+    void showOptions();
+    // The dialog that shows and hides the tool bars.
+    void showToolbarOptions();
+    // The tool bars shown, in their designed order and place.
+    void resetToolbars();
     void AddListbars();
     void LoadToolbars();
     void loadShortcuts();

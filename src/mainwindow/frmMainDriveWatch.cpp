@@ -8,6 +8,7 @@
 #include "mainwindow/frmMain.h"
 #include "recognition/DiscIdentity.h"
 #include "recognition/DriveWatch.h"
+#include "recognition/DriveChoice.h"
 #include "recognition/Drives.h"
 #include "recognition/frmSelectCategory.h"
 #include "store/LocalDatabase.h"
@@ -255,11 +256,7 @@ void frmMain::driveChosen(int index)
 
 void frmMain::addDiskImage()
 {
-    const QString image = m_ctx.prompter().openFile(
-        QStringLiteral("Образ диска"),
-        QStringLiteral("Образы дисков (*.iso;*.cue;*.nrg;*.toc;*.img)|*.iso;*.cue;*.nrg;*.toc;*.img|Все "
-                       "файлы (*.*)|*.*"),
-        QString());
+    const QString image = askForDiskImage(m_ctx.prompter());
     if (image.isEmpty()) {
         return;
     }

@@ -1,5 +1,6 @@
 #include "recognition/DriveChoice.h"
 
+#include "frame/Prompter.h"
 #include "recognition/Drives.h"
 
 #include <QComboBox>
@@ -16,6 +17,15 @@ bool fillDriveChoice(QComboBox& selector, const IniFile& ini)
     selector.addItems(drives);
     selector.setCurrentIndex(static_cast<int>(drives.indexOf(chosenDrive(ini, drives))));
     return true;
+}
+
+QString askForDiskImage(Prompter& prompter)
+{
+    return prompter.openFile(
+        QStringLiteral("Образ диска"),
+        QStringLiteral("Образы дисков (*.iso;*.cue;*.nrg;*.toc;*.img)|*.iso;*.cue;*.nrg;*.toc;*.img|Все "
+                       "файлы (*.*)|*.*"),
+        QString());
 }
 
 } // namespace vinora

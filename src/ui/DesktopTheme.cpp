@@ -76,13 +76,26 @@ void installRussianTranslations(QApplication& app)
     }
 }
 
-void followDesktopTheme(QApplication& app)
+void followDesktopTheme(QApplication&)
 {
-    const bool paletteIsLight = app.palette().color(QPalette::Window).lightness() >= 128;
-    if (desktopColorScheme() == ColorScheme::Dark && paletteIsLight) {
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-        QApplication::setPalette(darkPalette());
+    applyColorScheme(std::nullopt);
+}
+
+void applyColorScheme(std::optional<ColorScheme> scheme)
+{
+    // The look the platform gave before any change of ours, to go back to.
+    static const QString platformStyle = QApplication::style()->name();
+    static const QPalette platformPalette = QApplication::palette();
+    const bool platformIsDark = platformPalette.color(QPalette::Window).lightness() < 128;
+    const ColorScheme wanted = scheme ? *scheme : desktopColorScheme();
+    if ((wanted == ColorScheme::Dark) == platformIsDark) {
+        QApplication::setStyle(QStyleFactory::create(platformStyle));
+        QApplication::setPalette(platformPalette);
+        return;
     }
+    QStyle* fusion = QStyleFactory::create(QStringLiteral("Fusion"));
+    QApplication::setStyle(fusion);
+    QApplication::setPalette(wanted == ColorScheme::Dark ? darkPalette() : fusion->standardPalette());
 }
 
 } // namespace vinora

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 class QApplication;
 
 namespace vinora {
@@ -16,5 +18,9 @@ void installRussianTranslations(QApplication& app);
 // Follows the desktop: the platform theme normally brings its palette; when the desktop
 // asks for dark and the palette is still light, a dark palette of the same style is used.
 void followDesktopTheme(QApplication& app);
+
+// Uses `scheme` whatever the desktop asks for, or follows the desktop when none is given.
+// May be called again while windows are open: they take the new colours at once.
+void applyColorScheme(std::optional<ColorScheme> scheme);
 
 } // namespace vinora

@@ -198,10 +198,11 @@ private slots:
         frmMain window(w.app.ctx);
         for (const char* id : {"ID_Quit", "ID_DB_Open", "ID_Help_About", "ID_Help_Info", "ID_Panel",
                                "ID_Catalog_ChangeCategory", "ID_Due_List", "ID_Due_Admin", "ID_QuickADNewDue",
-                               "ID_ToolbarEditAdd", "ID_DB_Search", "ID_QuickPCFind"}) {
+                               "ID_ToolbarEditAdd", "ID_DB_Search", "ID_QuickPCFind", "ID_DB_Option",
+                               "ID_View_Toolbars_Option"}) {
             QVERIFY2(window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
-        for (const char* id : {"ID_DB_Option", "ID_DB_Wizard", "ID_DB_Import"}) {
+        for (const char* id : {"ID_DB_Wizard", "ID_DB_Import"}) {
             QVERIFY2(!window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
     }
