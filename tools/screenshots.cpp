@@ -2,7 +2,8 @@
 // catalogue of a few dozen discs with a cover, and the disc editor; filelist.png; loans.png
 // and rating.png: the debtor list and the statistics of a dozen loans; tracklist.png: the
 // track list of an audio disc; search.png: the search through the file lists; cddb.png: the CDDB query two
-// seconds into its wait for a server. The windows draw themselves (no display needed).
+// seconds into its wait for a server; options.png: the options dialog. The windows draw
+// themselves (no display needed).
 #include "catalogue/CatalogueOps.h"
 #include "catalogue/frmAddInCatalogue.h"
 #include "catalogue/frmCatalogue.h"
@@ -16,6 +17,8 @@
 #include "lending/LoanLedger.h"
 #include "lending/frmDue.h"
 #include "lending/frmDueStat.h"
+#include "options/frmOption.h"
+#include "recognition/Drives.h"
 #include "recognition/VolumeReader.h"
 #include "search/frmDBFind.h"
 #include "store/ContentsLists.h"
@@ -26,6 +29,8 @@
 #include "ui/QtPrompter.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QIcon>
 #include <QImage>
 #include <QLineEdit>
@@ -277,5 +282,17 @@ int main(int argc, char* argv[])
     QApplication::processEvents();
     rating.grab().save(out + QStringLiteral("/rating.png"));
     shootCddbQuery(ctx, dir.path(), out);
+
+    // The options with a disc image registered as a drive and a few settings of a user.
+    const QString image = QDir(dir.path()).filePath(QStringLiteral("Отпуск 2026.iso"));
+    QFile(image).open(QIODevice::WriteOnly);
+    addVirtualDrive(ctx.ini(), image);
+    ctx.ini().write(QStringLiteral("Option"), QStringLiteral("ConfirmExit"), QStringLiteral("0"));
+    ctx.ini().write(QStringLiteral("Option"), QStringLiteral("SaveSortedCatalogue"), QStringLiteral("1"));
+    ctx.ini().write(QStringLiteral("Option"), QStringLiteral("Drive"), image);
+    frmOption options(ctx);
+    options.show();
+    QApplication::processEvents();
+    withCaption(options).save(out + QStringLiteral("/options.png"));
     return 0;
 }

@@ -677,8 +677,9 @@ void frmMain::AddListbars()
     addListBarGroup(QStringLiteral("g2"), QStringLiteral("Должники"),
                     {QStringLiteral("Список должников"), QStringLiteral("История дисков"),
                      QStringLiteral("Статистика"), QStringLiteral("Управление должниками")});
-    addListBarGroup(QStringLiteral("g3"), QStringLiteral("База данных"),
-                    {QStringLiteral("Мастер обслуживания"), QStringLiteral("Параметры"), QStringLiteral("Поиск")});
+    addListBarGroup(
+        QStringLiteral("g3"), QStringLiteral("База данных"),
+        {QStringLiteral("Мастер обслуживания"), QStringLiteral("Параметры"), QStringLiteral("Поиск")});
     addListBarGroup(QStringLiteral("g4"), QStringLiteral("Запрос"), {});
     // The items whose windows are still to come are shown, but cannot be chosen.
     for (const char* key : {"g2", "g3"}) {
@@ -851,7 +852,8 @@ void frmMain::showToolbarOptions()
                          syncToolbarTicks();
                      }});
     }
-    frmToolbars dialog(bars, [this] { resetToolbars(); }, this);
+    const auto reset = [this] { resetToolbars(); };
+    frmToolbars dialog(bars, reset, this);
     m_ctx.prompter().showModal(dialog);
 }
 

@@ -40,7 +40,8 @@ private:
 
 std::optional<QString> changeLocalDatabaseFolder(AppContext& ctx, const QString& startFolder)
 {
-    QString folder = ctx.prompter().chooseFolder(QStringLiteral("Укажите каталог с базой данных vinora."), startFolder);
+    QString folder =
+        ctx.prompter().chooseFolder(QStringLiteral("Укажите каталог с базой данных vinora."), startFolder);
     if (folder.isEmpty()) {
         return std::nullopt;
     }
@@ -51,14 +52,15 @@ std::optional<QString> changeLocalDatabaseFolder(AppContext& ctx, const QString&
     const SavedPaths old(ctx);
     if (!QFileInfo::exists(QDir(folder).filePath(QStringLiteral("vinora.db")))) {
         if (!QFileInfo(folder).isDir()) {
-            ctx.prompter().message(QStringLiteral("Путь не существует! Выберите другое место расположение базы данных!"),
-                                   MessageStyle::Exclamation);
+            ctx.prompter().message(
+                QStringLiteral("Путь не существует! Выберите другое место расположение базы данных!"),
+                MessageStyle::Exclamation);
             return std::nullopt;
         }
-        const Answer answer =
-            ctx.prompter().message(QStringLiteral("В каталоге '") + folder +
-                                       QStringLiteral("' база данных не обнаружена!\nСоздать новую базу данных?"),
-                                   MessageStyle::YesNoQuestion);
+        const Answer answer = ctx.prompter().message(
+            QStringLiteral("В каталоге '") + folder +
+                QStringLiteral("' база данных не обнаружена!\nСоздать новую базу данных?"),
+            MessageStyle::YesNoQuestion);
         if (answer != Answer::Yes) {
             return std::nullopt;
         }
@@ -75,10 +77,11 @@ std::optional<QString> changeLocalDatabaseFolder(AppContext& ctx, const QString&
     } catch (const AppError& error) {
         old.restore();
         if (error.number() == err::CannotOpenFile) {
-            ctx.prompter().message(QStringLiteral("Папка '") + folder +
-                                       QStringLiteral("' доступна только для чтения! Для локального использования "
-                                                      "вы должны иметь полный доступ к папке!"),
-                                   MessageStyle::Exclamation);
+            ctx.prompter().message(
+                QStringLiteral("Папка '") + folder +
+                    QStringLiteral("' доступна только для чтения! Для локального использования "
+                                   "вы должны иметь полный доступ к папке!"),
+                MessageStyle::Exclamation);
         } else {
             // A damaged or foreign file, or a settings file that cannot be written: told,
             // and the databases in use stay as they were.
@@ -86,7 +89,8 @@ std::optional<QString> changeLocalDatabaseFolder(AppContext& ctx, const QString&
         }
         return std::nullopt;
     }
-    ctx.prompter().message(QStringLiteral("Путь к локальной базе данных успешно изменен!"), MessageStyle::Information);
+    ctx.prompter().message(QStringLiteral("Путь к локальной базе данных успешно изменен!"),
+                           MessageStyle::Information);
     return folder;
 }
 

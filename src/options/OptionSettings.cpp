@@ -161,7 +161,8 @@ QString optionSettingsProblem(const OptionSettings& s)
     for (qsizetype i = 0; i < s.servers.size(); ++i) {
         const QString& text = s.servers[i];
         if (!text.trimmed().isEmpty() && !parseCddbServer(text)) {
-            return QStringLiteral("Адрес сервера ") + QString::number(i + 2) + QStringLiteral(" ('") + text.trimmed() +
+            return QStringLiteral("Адрес сервера ") + QString::number(i + 2) + QStringLiteral(" ('") +
+                   text.trimmed() +
                    QStringLiteral("') не распознан. Укажите его в виде \"имя\" или \"имя:порт\".");
         }
     }

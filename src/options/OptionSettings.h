@@ -49,8 +49,9 @@ struct OptionSettings
     QString Drive;       // empty: none chosen (no drive at all)
     int ServerCDDB = 0;
     QString ServerTimeout = QStringLiteral("30");
-    std::array<IndicatorSetting, kIndicatorCount> indicators{
-        IndicatorSetting{25, false, true}, IndicatorSetting{0, false, false}, IndicatorSetting{15, false, true}};
+    std::array<IndicatorSetting, kIndicatorCount> indicators{IndicatorSetting{25, false, true},
+                                                             IndicatorSetting{0, false, false},
+                                                             IndicatorSetting{15, false, true}};
     QString PathLocalDB;
 
     // What this program adds: the handshake's e-mail, servers 2..7, the colour scheme.

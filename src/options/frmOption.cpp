@@ -92,7 +92,8 @@ QWidget* frmOption::buildGeneralTab()
 {
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
-    chConfirmExit = addBox(column, "chConfirmExit", QStringLiteral("Подтверждение перед выходом из программы"));
+    chConfirmExit =
+        addBox(column, "chConfirmExit", QStringLiteral("Подтверждение перед выходом из программы"));
     chCheckCD = addBox(column, "chCheckCD", QStringLiteral("Проверять наличие диска в каталоге"));
     chAutoCompactDatabase = addBox(column, "chAutoCompactDatabase",
                                    QStringLiteral("Сжимать файлы базы данных при закрытии программы"));
@@ -146,8 +147,9 @@ QWidget* frmOption::buildMouseTab()
     auto* column = new QVBoxLayout(page);
     m_dblClick = addPair(page, QStringLiteral("При двойном щелчке мышки по названию диска открывать окно:"),
                          QStringLiteral("изменения диска"), QStringLiteral("списка файлов/треков"), 0);
-    m_filesAction = addPair(page, QStringLiteral("Действие при двойном щелчке мышки по имени файла:"),
-                            QStringLiteral("запустить файл"), QStringLiteral("открыть каталог, где расположен файл"), 4);
+    m_filesAction =
+        addPair(page, QStringLiteral("Действие при двойном щелчке мышки по имени файла:"),
+                QStringLiteral("запустить файл"), QStringLiteral("открыть каталог, где расположен файл"), 4);
     m_dblClickDue = addPair(
         page, QStringLiteral("При двойном щелчке мышки по имени должника в Списке должников открывать окно:"),
         QStringLiteral("статистики должника"), QStringLiteral("изменения даты возврата долга"), 2);
@@ -195,7 +197,8 @@ QWidget* frmOption::buildCddbTab()
     txtEmail->setObjectName(QStringLiteral("txtEmail"));
     txtEmail->setPlaceholderText(defaultCddbEmail(QStringLiteral("localhost")));
     form->addRow(QStringLiteral("Адрес e-mail для приветствия сервера:"), txtEmail);
-    auto* note = new QLabel(QStringLiteral("Серверы 2-7 (имя или имя:порт; пустое поле - адрес по умолчанию):"));
+    auto* note =
+        new QLabel(QStringLiteral("Серверы 2-7 (имя или имя:порт; пустое поле - адрес по умолчанию):"));
     note->setWordWrap(true);
     form->addRow(note);
     for (std::size_t i = 0; i < txtServer.size(); ++i) {
@@ -288,7 +291,8 @@ QWidget* frmOption::buildLookTab()
     auto* column = new QVBoxLayout(page);
     auto* box = new QGroupBox(QStringLiteral("Цветовая схема:"));
     auto* options = new QVBoxLayout(box);
-    const QString texts[] = {QStringLiteral("как в системе"), QStringLiteral("светлая"), QStringLiteral("тёмная")};
+    const QString texts[] = {QStringLiteral("как в системе"), QStringLiteral("светлая"),
+                             QStringLiteral("тёмная")};
     for (std::size_t i = 0; i < optScheme.size(); ++i) {
         optScheme[i] = new QRadioButton(texts[i]);
         optScheme[i]->setObjectName(QStringLiteral("optScheme%1").arg(i));
@@ -364,7 +368,8 @@ void frmOption::fillDrives(const QString& chosen)
         cmbDrive->setItemData(cmbDrive->count() - 1, drive, Qt::ToolTipRole);
     }
     const qsizetype at = drives.indexOf(chosen);
-    cmbDrive->setCurrentIndex(at >= 0 ? static_cast<int>(at) : static_cast<int>(drives.indexOf(chosenDrive(m_ctx.ini(), drives))));
+    cmbDrive->setCurrentIndex(at >= 0 ? static_cast<int>(at)
+                                      : static_cast<int>(drives.indexOf(chosenDrive(m_ctx.ini(), drives))));
 }
 
 void frmOption::fillImages()
@@ -429,7 +434,8 @@ OptionSettings frmOption::fromControls() const
     s.ServerTimeout = txtTimeout->text();
     for (int i = 0; i < kIndicatorCount; ++i) {
         const IndicatorRow& row = m_indicators[static_cast<std::size_t>(i)];
-        s.indicators[static_cast<std::size_t>(i)] = IndicatorSetting{row.slider->value(), row.still->isChecked()};
+        s.indicators[static_cast<std::size_t>(i)] =
+            IndicatorSetting{row.slider->value(), row.still->isChecked()};
     }
     s.PathLocalDB = txtPathLocalDB->text();
     s.Email = txtEmail->text();
@@ -493,7 +499,8 @@ void frmOption::cmdImageRemove()
     underErrorReport(m_ctx, kPlace + QStringLiteral("cmdImageRemove_Click()"), [this] {
         const QListWidgetItem* item = lstImages->currentItem();
         if (item == nullptr) {
-            m_ctx.prompter().message(QStringLiteral("Выберите образ диска в списке."), MessageStyle::Exclamation);
+            m_ctx.prompter().message(QStringLiteral("Выберите образ диска в списке."),
+                                     MessageStyle::Exclamation);
             return;
         }
         const QString chosen = cmbDrive->currentData().toString();

@@ -10,6 +10,7 @@
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -19,6 +20,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QTest>
 #include <QToolBar>
 #include <QToolButton>
 
@@ -33,7 +35,10 @@ struct App
     IniFile ini() const { return app.ctx.ini(); }
     QString option(const QString& key) const { return ini().read(QStringLiteral("Option"), key, 4096); }
     QString sorted(const QString& key) const { return ini().read(QStringLiteral("Sorted"), key, 255); }
-    void set(const QString& key, const QString& value) const { ini().write(QStringLiteral("Option"), key, value); }
+    void set(const QString& key, const QString& value) const
+    {
+        ini().write(QStringLiteral("Option"), key, value);
+    }
     // An empty file standing for a disc image, registered as a drive.
     QString image(const QString& name) const
     {
@@ -53,14 +58,24 @@ template <typename T> T* child(const QObject& parent, const QString& name)
     return found;
 }
 
-void click(const QObject& dialog, const QString& button)
+template <typename T> T* child(const QObject& parent, const char* name)
 {
-    QTest::mouseClick(child<QAbstractButton>(dialog, button), Qt::LeftButton);
+    return child<T>(parent, QString::fromUtf8(name));
 }
 
-const QStringList kSortKeys = {"ADCDsorted", "ADCDsortedDESC", "PCCDsorted", "PCCDsortedDESC",
-                               "DVDsorted",  "DVDsortedDESC",  "DUEsorted",  "DUEsortedDESC",
-                               "DUEsortedDisk"};
+void click(const QObject& dialog, const QString& button)
+{
+    child<QAbstractButton>(dialog, button)->click();
+}
+
+void click(const QObject& dialog, const char* button)
+{
+    click(dialog, QString::fromUtf8(button));
+}
+
+const QStringList kSortKeys = {"ADCDsorted",     "ADCDsortedDESC", "PCCDsorted",
+                               "PCCDsortedDESC", "DVDsorted",      "DVDsortedDESC",
+                               "DUEsorted",      "DUEsortedDESC",  "DUEsortedDisk"};
 
 } // namespace
 
@@ -79,13 +94,27 @@ private slots:
         QTest::addColumn<bool>("still");
         QTest::addColumn<bool>("sliderEnabled");
         QTest::addColumn<QString>("written");
-        QTest::newRow("tmrDue missing") << "tmrDue" << "-" << "2500 мс" << false << true << "2500";
-        QTest::newRow("tmrCD missing") << "tmrCD" << "-" << "0 мс" << false << false << "0";
-        QTest::newRow("tmrDueCatalogue missing") << "tmrDueCatalogue" << "-" << "1500 мс" << false << true << "1500";
-        QTest::newRow("still") << "tmrDue" << "1" << "0 мс" << true << false << "1";
-        QTest::newRow("tenths kept") << "tmrCD" << "3750" << "3700 мс" << false << true << "3700";
-        QTest::newRow("beyond the slider") << "tmrDueCatalogue" << "99999" << "5000 мс" << false << true << "5000";
-        QTest::newRow("not a number") << "tmrDue" << "abc" << "0 мс" << false << true << "0";
+        QTest::newRow("tmrDue missing") << "tmrDue"
+                                        << "-"
+                                        << "2500 мс" << false << true << "2500";
+        QTest::newRow("tmrCD missing") << "tmrCD"
+                                       << "-"
+                                       << "0 мс" << false << false << "0";
+        QTest::newRow("tmrDueCatalogue missing") << "tmrDueCatalogue"
+                                                 << "-"
+                                                 << "1500 мс" << false << true << "1500";
+        QTest::newRow("still") << "tmrDue"
+                               << "1"
+                               << "0 мс" << true << false << "1";
+        QTest::newRow("tenths kept") << "tmrCD"
+                                     << "3750"
+                                     << "3700 мс" << false << true << "3700";
+        QTest::newRow("beyond the slider") << "tmrDueCatalogue"
+                                           << "99999"
+                                           << "5000 мс" << false << true << "5000";
+        QTest::newRow("not a number") << "tmrDue"
+                                      << "abc"
+                                      << "0 мс" << false << true << "0";
     }
 
     void indicatorRows()
@@ -100,7 +129,9 @@ private slots:
         if (value != u"-") {
             a.set(key, value);
         }
-        const QString name = key == u"tmrDue" ? "InformerDue" : key == u"tmrCD" ? "InformerCD" : "InformerDueCat";
+        const QString name = key == u"tmrDue"  ? QStringLiteral("InformerDue")
+                             : key == u"tmrCD" ? QStringLiteral("InformerCD")
+                                               : QStringLiteral("InformerDueCat");
         frmOption dialog(a.app.ctx);
         QCOMPARE(child<QLabel>(dialog, "lbl" + name)->text(), label);
         QCOMPARE(child<QCheckBox>(dialog, "ch" + name)->isChecked(), still);
@@ -169,11 +200,17 @@ private slots:
         QTest::addColumn<QString>("control");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("message");
-        QTest::newRow("time-out text") << "txtTimeout" << "abc" << "Время ожидания должно быть числом секунд от 10 до 99.";
-        QTest::newRow("time-out too long") << "txtTimeout" << "5" << "Время ожидания должно быть числом секунд от 10 до 99.";
-        QTest::newRow("server") << "txtServer4" << "host:port"
-                                << "Адрес сервера 4 ('host:port') не распознан. Укажите его в виде \"имя\" или "
-                                   "\"имя:порт\".";
+        QTest::newRow("time-out text") << "txtTimeout"
+                                       << "abc"
+                                       << "Время ожидания должно быть числом секунд от 10 до 99.";
+        QTest::newRow("time-out too long") << "txtTimeout"
+                                           << "5"
+                                           << "Время ожидания должно быть числом секунд от 10 до 99.";
+        QTest::newRow("server")
+            << "txtServer4"
+            << "host:port"
+            << "Адрес сервера 4 ('host:port') не распознан. Укажите его в виде \"имя\" или "
+               "\"имя:порт\".";
     }
 
     void badValuesAreToldAndNothingIsWritten()
@@ -188,7 +225,9 @@ private slots:
         QCOMPARE(a.app.prompter.texts(), QStringList{message});
         QCOMPARE(dialog.result(), int(QDialog::Rejected));
         QCOMPARE(a.option("ConfirmExit"), "");
-        child<QLineEdit>(dialog, control)->setText(control == u"txtTimeout" ? "45" : "cddb.example.org:8880");
+        child<QLineEdit>(dialog, control)
+            ->setText(control == u"txtTimeout" ? QStringLiteral("45")
+                                               : QStringLiteral("cddb.example.org:8880"));
         click(dialog, "imgButton0");
         QCOMPARE(dialog.result(), int(QDialog::Accepted));
         QCOMPARE(a.option("ConfirmExit"), "1");
@@ -202,11 +241,13 @@ private slots:
         QTest::addColumn<bool>("loans");
         QTest::addColumn<QStringList>("erased");
         QTest::newRow("both off") << false << false
-                                  << QStringList{"ADCDsorted", "ADCDsortedDESC", "PCCDsorted", "PCCDsortedDESC",
-                                                 "DUEsorted", "DUEsortedDESC", "DUEsortedDisk"};
+                                  << QStringList{"ADCDsorted",     "ADCDsortedDESC", "PCCDsorted",
+                                                 "PCCDsortedDESC", "DUEsorted",      "DUEsortedDESC",
+                                                 "DUEsortedDisk"};
         QTest::newRow("catalogues off")
             << false << true << QStringList{"ADCDsorted", "ADCDsortedDESC", "PCCDsorted", "PCCDsortedDESC"};
-        QTest::newRow("loans off") << true << false << QStringList{"DUEsorted", "DUEsortedDESC", "DUEsortedDisk"};
+        QTest::newRow("loans off") << true << false
+                                   << QStringList{"DUEsorted", "DUEsortedDESC", "DUEsortedDisk"};
         QTest::newRow("both on") << true << true << QStringList{};
     }
 
@@ -251,12 +292,15 @@ private slots:
         a.image("a.iso");
         const QString drive = a.image("b.iso");
         const QList<std::pair<QString, QString>> option = {
-            {"ConfirmExit", "0"},         {"CheckCD", "0"},         {"Drive", drive},
-            {"SaveSortedCatalogue", "1"}, {"SaveSortedDueList", "1"}, {"AutoCompactDatabase", "1"},
-            {"DblClick", "1"},            {"AutoResp", "1"},        {"FilesAction", "1"},
-            {"SaveFileListOption", "1"},  {"DblClickDue", "1"},     {"CheckDueOnStartup", "0"},
-            {"ServerCDDB", "3"},          {"ServerTimeout", "45"},  {"tmrDue", "1200"},
-            {"tmrCD", "1"},               {"tmrDueCatalogue", "500"}, {"ColorScheme", "1"}};
+            {"ConfirmExit", "0"},       {"CheckCD", "0"},
+            {"Drive", drive},           {"SaveSortedCatalogue", "1"},
+            {"SaveSortedDueList", "1"}, {"AutoCompactDatabase", "1"},
+            {"DblClick", "1"},          {"AutoResp", "1"},
+            {"FilesAction", "1"},       {"SaveFileListOption", "1"},
+            {"DblClickDue", "1"},       {"CheckDueOnStartup", "0"},
+            {"ServerCDDB", "3"},        {"ServerTimeout", "45"},
+            {"tmrDue", "1200"},         {"tmrCD", "1"},
+            {"tmrDueCatalogue", "500"}, {"ColorScheme", "1"}};
         for (const auto& [key, value] : option) {
             a.set(key, value);
         }
@@ -264,7 +308,8 @@ private slots:
         a.set("PathLocalDB", path);
         a.ini().write("CDDBServers", "Email", "ich@example.org");
         for (int n = 2; n <= 7; ++n) {
-            a.ini().write("CDDBServers", QStringLiteral("Server%1").arg(n), QStringLiteral("host%1:88%1").arg(n));
+            a.ini().write("CDDBServers", QStringLiteral("Server%1").arg(n),
+                          QStringLiteral("host%1:88%1").arg(n));
         }
         const QByteArray before = test::readFile(a.ini().path());
 
@@ -285,9 +330,9 @@ private slots:
 
         // And the other way: every box and pair turned, the first server, defaults of CDDB.
         frmOption again(a.app.ctx);
-        for (const char* box : {"chConfirmExit", "chCheckCD", "chSaveSortedCatalogue", "chSaveSortedDueList",
-                                "chAutoCompactDatabase", "chAutoResp", "chSaveFileListOption",
-                                "chCheckDueOnStartup"}) {
+        for (const char* box :
+             {"chConfirmExit", "chCheckCD", "chSaveSortedCatalogue", "chSaveSortedDueList",
+              "chAutoCompactDatabase", "chAutoResp", "chSaveFileListOption", "chCheckDueOnStartup"}) {
             auto* check = child<QCheckBox>(again, box);
             check->setChecked(!check->isChecked());
         }
@@ -302,12 +347,20 @@ private slots:
         }
         child<QLineEdit>(again, "txtEmail")->clear();
         click(again, "imgButton0");
-        const QList<std::pair<QString, QString>> turned = {
-            {"ConfirmExit", "1"},         {"CheckCD", "1"},           {"SaveSortedCatalogue", "0"},
-            {"SaveSortedDueList", "0"},   {"AutoCompactDatabase", "0"}, {"DblClick", "0"},
-            {"AutoResp", "0"},            {"FilesAction", "0"},       {"SaveFileListOption", "0"},
-            {"DblClickDue", "0"},         {"CheckDueOnStartup", "1"}, {"ServerCDDB", "0"},
-            {"Drive", a.app.folder.filePath("a.iso")}, {"ColorScheme", "0"}};
+        const QList<std::pair<QString, QString>> turned = {{"ConfirmExit", "1"},
+                                                           {"CheckCD", "1"},
+                                                           {"SaveSortedCatalogue", "0"},
+                                                           {"SaveSortedDueList", "0"},
+                                                           {"AutoCompactDatabase", "0"},
+                                                           {"DblClick", "0"},
+                                                           {"AutoResp", "0"},
+                                                           {"FilesAction", "0"},
+                                                           {"SaveFileListOption", "0"},
+                                                           {"DblClickDue", "0"},
+                                                           {"CheckDueOnStartup", "1"},
+                                                           {"ServerCDDB", "0"},
+                                                           {"Drive", a.app.folder.filePath("a.iso")},
+                                                           {"ColorScheme", "0"}};
         for (const auto& [key, value] : turned) {
             QCOMPARE(a.option(key), value);
         }
@@ -327,7 +380,8 @@ private slots:
         QTest::newRow("with a database") << "existing" << -1 << true << QStringList{chooser, done};
         QTest::newRow("empty, created")
             << "new" << int(Answer::Yes) << true
-            << QStringList{chooser, "В каталоге '%1' база данных не обнаружена!\nСоздать новую базу данных?", done};
+            << QStringList{chooser, "В каталоге '%1' база данных не обнаружена!\nСоздать новую базу данных?",
+                           done};
         QTest::newRow("empty, declined")
             << "new" << int(Answer::No) << false
             << QStringList{chooser, "В каталоге '%1' база данных не обнаружена!\nСоздать новую базу данных?"};
@@ -362,15 +416,17 @@ private slots:
         click(dialog, "cmdPathLocalDB");
         click(dialog, "imgButton1"); // Cancel keeps what the button did
         for (QString& text : texts) {
-            text = text.arg(target);
+            text.replace("%1", target);
         }
         QCOMPARE(a.app.prompter.texts(), texts);
         QCOMPARE(a.app.ctx.MainDBPath, changed ? target + "/vinora.db" : oldMain);
-        QCOMPARE(a.app.ctx.FilesDBPath, changed ? target + "/vinora_files.db" : a.app.folder.filePath("vinora_files.db"));
+        QCOMPARE(a.app.ctx.FilesDBPath,
+                 changed ? target + "/vinora_files.db" : a.app.folder.filePath("vinora_files.db"));
         QCOMPARE(a.app.ctx.TracksDBPath,
                  changed ? target + "/vinora_tracks.db" : a.app.folder.filePath("vinora_tracks.db"));
         QCOMPARE(a.option("PathLocalDB"), changed ? target : QString());
-        QCOMPARE(child<QLineEdit>(dialog, "txtPathLocalDB")->text(), changed ? target : a.app.ctx.appFolder());
+        QCOMPARE(child<QLineEdit>(dialog, "txtPathLocalDB")->text(),
+                 changed ? target : a.app.ctx.appFolder());
         QCOMPARE(QFileInfo::exists(target + "/vinora_tracks.db"), changed);
     }
 
@@ -379,9 +435,10 @@ private slots:
         QTest::addColumn<bool>("withDatabase");
         QTest::addColumn<QString>("message");
         QTest::newRow("new database") << false << "Папка '%1' доступна только для чтения!";
-        QTest::newRow("database there") << true
-                                        << "Папка '%1' доступна только для чтения! Для локального использования вы "
-                                           "должны иметь полный доступ к папке!";
+        QTest::newRow("database there")
+            << true
+            << "Папка '%1' доступна только для чтения! Для локального использования вы "
+               "должны иметь полный доступ к папке!";
     }
 
     void readOnlyFolderIsRefused()
@@ -511,32 +568,35 @@ private slots:
         window.show();
         QToolBar* due = window.toolbar("tbDue");
         QToolBar* db = window.toolbar("tbDB");
-        a.app.prompter.handleModal([&](QDialog& shown) {
-            auto& dialog = dynamic_cast<frmToolbars&>(shown);
+        const auto use = [&](frmToolbars& dialog) {
             QCOMPARE(dialog.windowTitle(), "Панели инструментов");
             QVERIFY(dialog.box("Должники")->isChecked());
-            QTest::mouseClick(dialog.box("Должники"), Qt::LeftButton);
+            dialog.box("Должники")->click();
             QVERIFY(due->isHidden());
             QVERIFY(!window.action("ID_View_Toolbars_Due")->isChecked());
-            QTest::mouseClick(dialog.box("Должники"), Qt::LeftButton);
+            dialog.box("Должники")->click();
             QVERIFY(!due->isHidden());
             QVERIFY(window.action("ID_View_Toolbars_Due")->isChecked());
-            QTest::mouseClick(dialog.box("База данных"), Qt::LeftButton);
-            QTest::mouseClick(dialog.box("Каталоги"), Qt::LeftButton);
+            dialog.box("База данных")->click();
+            dialog.box("Каталоги")->click();
             QVERIFY(db->isHidden());
             window.addToolBar(Qt::LeftToolBarArea, due);
             click(dialog, "cmdReset");
             for (const char* title : {"Каталоги", "Должники", "База данных"}) {
-                QVERIFY2(dialog.box(title)->isChecked(), title);
+                QVERIFY2(dialog.box(QString::fromUtf8(title))->isChecked(), title);
             }
+        };
+        a.app.prompter.handleModal([&](QDialog& shown) {
+            auto& dialog = dynamic_cast<frmToolbars&>(shown);
+            use(dialog);
             click(dialog, "cmdClose");
             return dialog.result();
         });
         window.runCommand("ID_View_Toolbars_Option");
         QVERIFY(a.app.prompter.unanswered());
         for (const char* bar : {"tbCatalog", "tbDue", "tbDB"}) {
-            QVERIFY2(!window.toolbar(bar)->isHidden(), bar);
-            QCOMPARE(window.toolBarArea(window.toolbar(bar)), Qt::TopToolBarArea);
+            QVERIFY2(!window.toolbar(QString::fromLatin1(bar))->isHidden(), bar);
+            QCOMPARE(window.toolBarArea(window.toolbar(QString::fromLatin1(bar))), Qt::TopToolBarArea);
         }
         QVERIFY(window.action("ID_View_Toolbars_DB")->isChecked());
         QApplication::processEvents();
