@@ -73,6 +73,13 @@ std::optional<QString> changeLocalDatabaseFolder(AppContext& ctx, const QString&
     ctx.setDatabaseFolder(folder);
     try {
         const Db probe(ctx.MainDBPath);
+        // A folder holding the catalogue alone gets the lists' databases, as at start.
+        for (const auto& [path, kind] : {std::pair{ctx.FilesDBPath, 1}, std::pair{ctx.TracksDBPath, 2}}) {
+            if (!QFileInfo::exists(path) && Reanimator(ctx, kind)) {
+                old.restore();
+                return std::nullopt;
+            }
+        }
         ctx.ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), folder);
     } catch (const AppError& error) {
         old.restore();

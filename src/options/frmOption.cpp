@@ -261,6 +261,11 @@ QWidget* frmOption::buildDatabaseTab()
     auto* choose = new QPushButton(QStringLiteral("..."));
     choose->setObjectName(QStringLiteral("cmdPathLocalDB"));
     connect(choose, &QPushButton::clicked, this, &frmOption::cmdPathLocalDB);
+    // With another database on view the paths are not the local ones to change.
+    choose->setEnabled(!m_ctx.ExternalDBOpen);
+    if (m_ctx.ExternalDBOpen) {
+        choose->setToolTip(QStringLiteral("Путь можно изменить, когда открыта локальная база данных."));
+    }
     path->addWidget(txtPathLocalDB, 1);
     path->addWidget(choose);
     column->addLayout(path);

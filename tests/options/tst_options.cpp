@@ -371,13 +371,15 @@ private slots:
 
     void changingTheFolder_data()
     {
-        QTest::addColumn<QString>("folder"); // "new", "existing", "missing", "cancel"
+        QTest::addColumn<QString>("folder"); // "new", "existing", "catalogue alone", "missing", "cancel"
         QTest::addColumn<int>("answer");     // the answer to the question, -1 for none
         QTest::addColumn<bool>("changed");
         QTest::addColumn<QStringList>("texts");
         const QString chooser = "Укажите каталог с базой данных vinora.";
         const QString done = "Путь к локальной базе данных успешно изменен!";
         QTest::newRow("with a database") << "existing" << -1 << true << QStringList{chooser, done};
+        QTest::newRow("catalogue alone: the lists made")
+            << "catalogue alone" << -1 << true << QStringList{chooser, done};
         QTest::newRow("empty, created")
             << "new" << int(Answer::Yes) << true
             << QStringList{chooser, "В каталоге '%1' база данных не обнаружена!\nСоздать новую базу данных?",
@@ -403,10 +405,14 @@ private slots:
         if (folder != u"missing") {
             QDir().mkpath(target);
         }
-        if (folder == u"existing") {
+        if (folder == u"existing" || folder == u"catalogue alone") {
             test::TestApp other;
             other.ctx.setDatabaseFolder(target);
             Reanimator(other.ctx, 0);
+            if (folder == u"catalogue alone") {
+                QFile::remove(target + "/vinora_files.db");
+                QFile::remove(target + "/vinora_tracks.db");
+            }
         }
         a.app.prompter.answerPath(folder == u"cancel" ? QString() : target + u'/');
         if (answer >= 0) {
@@ -428,6 +434,7 @@ private slots:
         QCOMPARE(child<QLineEdit>(dialog, "txtPathLocalDB")->text(),
                  changed ? target : a.app.ctx.appFolder());
         QCOMPARE(QFileInfo::exists(target + "/vinora_tracks.db"), changed);
+        QCOMPARE(QFileInfo::exists(target + "/vinora_files.db"), changed);
     }
 
     void readOnlyFolderIsRefused_data()
@@ -485,6 +492,17 @@ private slots:
         QCOMPARE(a.option("PathLocalDB"), QString());
         QVERIFY(!a.app.prompter.texts().contains("Путь к локальной базе данных успешно изменен!"));
         QVERIFY(a.app.prompter.texts().size() >= 2);
+    }
+
+    void theFolderStaysWhileAnotherDatabaseIsOnView()
+    {
+        App a;
+        a.app.ctx.ExternalDBOpen = true;
+        frmOption dialog(a.app.ctx);
+        QVERIFY(!child<QAbstractButton>(dialog, "cmdPathLocalDB")->isEnabled());
+        a.app.ctx.ExternalDBOpen = false;
+        frmOption local(a.app.ctx);
+        QVERIFY(child<QAbstractButton>(local, "cmdPathLocalDB")->isEnabled());
     }
 
     // ---- disc images -------------------------------------------------------------------
