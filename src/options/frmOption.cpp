@@ -25,6 +25,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QSysInfo>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -195,7 +196,7 @@ QWidget* frmOption::buildCddbTab()
 
     txtEmail = new QLineEdit;
     txtEmail->setObjectName(QStringLiteral("txtEmail"));
-    txtEmail->setPlaceholderText(defaultCddbEmail(QStringLiteral("localhost")));
+    txtEmail->setPlaceholderText(defaultCddbEmail(QSysInfo::machineHostName()));
     form->addRow(QStringLiteral("Адрес e-mail для приветствия сервера:"), txtEmail);
     auto* note =
         new QLabel(QStringLiteral("Серверы 2-7 (имя или имя:порт; пустое поле - адрес по умолчанию):"));
