@@ -87,6 +87,8 @@ AppError sqlError(const QString& driverText, const QString& sql)
         number = err::DuplicateValue;
     } else if (has("not a database")) {
         number = err::UnrecognizedFormat;
+    } else if (has("database or disk is full")) {
+        number = err::DiskFull;
     } else if (has("readonly") || has("unable to open") || has("locked") || has("disk I/O")) {
         number = err::CannotOpenFile;
     } else if (has("already exists")) {
@@ -174,6 +176,20 @@ bool Db::tableExists(const QString& table) const
     return scalar(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = ?"),
                   {table})
                .toInt() > 0;
+}
+
+void Db::attach(const QString& path, const QString& schema, Access access) const
+{
+    checkOpenable(path, access);
+    const QString name = u'"' + schema + u'"';
+    exec(QStringLiteral("ATTACH DATABASE ? AS ") + name, {uriFor(path, access)});
+    try {
+        // As at opening: the first read tells a database from any other file.
+        scalar(QStringLiteral("SELECT count(*) FROM ") + name + QStringLiteral(".sqlite_master"));
+    } catch (const AppError& error) {
+        QSqlQuery(QStringLiteral("DETACH DATABASE ") + name, m_db);
+        throw AppError(error.number(), error.description() + QStringLiteral(" ('") + path + QStringLiteral("')"));
+    }
 }
 
 Statement::Statement(const Db& db, QString sql)

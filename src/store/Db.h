@@ -42,6 +42,10 @@ public:
     // The first column of every row, as text.
     QStringList texts(const QString& sql, const QVariantList& values = {}) const;
     bool tableExists(const QString& table) const;
+    // Opens the database at `path` on this connection as schema `schema` (a name of our own),
+    // so that one statement or one transaction spans both files. Checked as the constructor
+    // checks its file; read-only access never writes to it.
+    void attach(const QString& path, const QString& schema, Access access) const;
 
 private:
     QString m_path;
