@@ -62,6 +62,7 @@ QList<Verb> loanVerbs();
 QList<Verb> audioVerbs();
 QList<Verb> searchVerbs();
 QList<Verb> exportVerbs();
+QList<Verb> maintenanceVerbs();
 
 // Every verb in the order `help` lists them.
 const QList<Verb>& verbs();

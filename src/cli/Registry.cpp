@@ -227,8 +227,8 @@ int dispatch(const QStringList& arguments)
 
 const QList<Verb>& verbs()
 {
-    static const QList<Verb> all =
-        driveVerbs() + scanVerbs() + audioVerbs() + searchVerbs() + loanVerbs() + exportVerbs();
+    static const QList<Verb> all = driveVerbs() + scanVerbs() + audioVerbs() + searchVerbs() + loanVerbs() +
+                                   exportVerbs() + maintenanceVerbs();
     return all;
 }
 

@@ -142,6 +142,7 @@ bool isLiveCommand(const QString& toolId)
         QStringLiteral("ID_DB_Search"),
         QStringLiteral("ID_QuickADFind"),
         QStringLiteral("ID_QuickPCFind"),
+        QStringLiteral("ID_DB_Import"),
     };
     return live.contains(toolId);
 }

@@ -565,7 +565,7 @@ void frmMain::CompactDB()
 
 void frmMain::runCommand(const QString& toolId)
 {
-    if (runLoanCommand(toolId) || runSearchCommand(toolId)) {
+    if (runLoanCommand(toolId) || runSearchCommand(toolId) || runMaintenanceCommand(toolId)) {
         return;
     }
     if (toolId == u"ID_Catalog_AudioCD" || toolId == u"ID_QuickADCatalog") {

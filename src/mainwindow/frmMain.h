@@ -64,6 +64,8 @@ public:
     bool runLoanCommand(const QString& toolId);
     // The search commands; false for a command of another kind.
     bool runSearchCommand(const QString& toolId);
+    // Import, the maintenance wizard, save as and the database export; false for others.
+    bool runMaintenanceCommand(const QString& toolId);
     // The catalogues' disc picker, for the loan windows.
     DiscPicker discPicker();
     void listBarItemClicked(const QString& groupKey, const QString& text);
