@@ -24,6 +24,7 @@ inline constexpr int RelatedRecordsExist = 3200;
 inline constexpr int RelatedRecordRequired = 3201;
 inline constexpr int DatabaseExists = 3204;
 inline constexpr int CannotFindFile = 3024;
+inline constexpr int DatabasesBusy = 3260; // another process is working on the databases
 inline constexpr int NoSuchTable = 3078;
 inline constexpr int ItemNotFound = 3265;
 inline constexpr int ZeroLengthString = 3315;

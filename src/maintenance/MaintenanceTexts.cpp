@@ -1,0 +1,49 @@
+#include "maintenance/MaintenanceTexts.h"
+
+#include "frame/AppContext.h"
+#include "frame/FaultLog.h"
+
+namespace vinora {
+
+QString kilobytesText(qint64 bytes)
+{
+    return QString::number(bytes / 1024) + QStringLiteral(" Kб");
+}
+
+QString fileTroubleText(const AppError& error)
+{
+    switch (error.number()) {
+    case err::BadFileNameOrNumber:
+        return QStringLiteral("Устройство не готово!");
+    case err::FileNotFound:
+        return QStringLiteral("Отказано в доступе!");
+    case err::PathFileAccess:
+        return QStringLiteral("Папка доступна только для чтения!");
+    case err::DiskFull:
+        return QStringLiteral("Недостаточно места на диске!\n\nДействие не выполнено. Данные, сохранённые ранее, не "
+                              "изменены.");
+    case err::DatabasesBusy:
+        return error.description() + QStringLiteral("\n\nПовторите действие, когда она закончит работу.");
+    default:
+        return {};
+    }
+}
+
+bool underMaintenanceReport(const AppContext& ctx, const QString& place, const std::function<void()>& work)
+{
+    return underFaultHandler(ctx, place, [&] {
+        try {
+            work();
+            return true;
+        } catch (const AppError& error) {
+            if (const QString text = fileTroubleText(error); !text.isEmpty()) {
+                ctx.prompter().message(text, MessageStyle::Exclamation);
+            } else {
+                ReportErrorAndGoOn(ctx, place, error);
+            }
+            return false;
+        }
+    });
+}
+
+} // namespace vinora
