@@ -143,6 +143,9 @@ bool isLiveCommand(const QString& toolId)
         QStringLiteral("ID_QuickADFind"),
         QStringLiteral("ID_QuickPCFind"),
         QStringLiteral("ID_DB_Import"),
+        QStringLiteral("ID_DB_Wizard"),
+        QStringLiteral("ID_DB_Save"),
+        QStringLiteral("ID_DB_ExportDB"),
     };
     return live.contains(toolId);
 }
@@ -158,6 +161,9 @@ const QStringList& localOnlyCommands()
         QStringLiteral("ID_DB_Wizard"),
         QStringLiteral("ID_DB_Search"),
         QStringLiteral("ID_DB_Import"),
+        QStringLiteral("ID_DB_Wizard"),
+        QStringLiteral("ID_DB_Save"),
+        QStringLiteral("ID_DB_ExportDB"),
         QStringLiteral("ID_DB_ExportDB"),
         QStringLiteral("ID_DB_DefaultCDDVDROM"),
         QStringLiteral("ID_Due"),

@@ -66,6 +66,9 @@ public:
     bool runSearchCommand(const QString& toolId);
     // Import, the maintenance wizard, save as and the database export; false for others.
     bool runMaintenanceCommand(const QString& toolId);
+    // Save as: the three databases into a folder; the database export into one file.
+    void mnuDBESave_Click();
+    void mnuDBExportDB_Click();
     // The catalogues' disc picker, for the loan windows.
     DiscPicker discPicker();
     void listBarItemClicked(const QString& groupKey, const QString& text);
