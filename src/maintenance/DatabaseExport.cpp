@@ -108,7 +108,7 @@ void SaveDB(const QString& mainPath, const QString& path)
         }
         transaction.commit();
     }
-    moveOver(partial.paths.first(), path);
+    replaceTogether({{partial.paths.first(), path}});
     partial.paths.clear();
 }
 
@@ -147,9 +147,11 @@ void saveDatabaseSet(const AppContext& ctx, const QString& folder)
         removeFile(partial.paths[i]);
         copyDatabase(databases[i], partial.paths[i]);
     }
+    QList<std::pair<QString, QString>> moves;
     for (qsizetype i = 0; i < databases.size(); ++i) {
-        moveOver(partial.paths[i], QDir(folder).filePath(kSetNames[i]));
+        moves.append({partial.paths[i], QDir(folder).filePath(kSetNames[i])});
     }
+    replaceTogether(moves);
     partial.paths.clear();
 }
 

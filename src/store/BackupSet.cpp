@@ -110,10 +110,8 @@ void createBackupSet(const AppContext& ctx)
             removeFile(made[i]);
             copyDatabase(databases[i], made[i]);
         }
-        for (std::size_t i = 0; i < databases.size(); ++i) {
-            moveOver(made[i], backups[i]);
-            made[i].clear();
-        }
+        replaceTogether({{made[0], backups[0]}, {made[1], backups[1]}, {made[2], backups[2]}});
+        made = {};
     } catch (...) {
         for (const QString& partial : made) {
             if (!partial.isEmpty()) {

@@ -62,6 +62,43 @@ void moveOver(const QString& source, const QString& target)
     }
 }
 
+void replaceTogether(const QList<std::pair<QString, QString>>& moves)
+{
+    for (const auto& [made, target] : moves) {
+        const QFileInfo standing(target);
+        if ((standing.exists() || standing.isSymLink()) && (!standing.isFile() || standing.isSymLink())) {
+            throw fileSystemError(EISDIR, target);
+        }
+    }
+    QList<std::pair<QString, QString>> aside; // target, where it went
+    QList<std::pair<QString, QString>> movedIn;
+    try {
+        for (const auto& [made, target] : moves) {
+            if (QFileInfo::exists(target)) {
+                const QString old = target + QStringLiteral(".old");
+                removeFile(old);
+                moveOver(target, old);
+                aside.append({target, old});
+            }
+        }
+        for (const auto& [made, target] : moves) {
+            moveOver(made, target);
+            movedIn.append({made, target});
+        }
+    } catch (const AppError&) {
+        for (const auto& [made, target] : movedIn) {
+            std::rename(QFile::encodeName(target).constData(), QFile::encodeName(made).constData());
+        }
+        for (const auto& [target, old] : aside) {
+            std::rename(QFile::encodeName(old).constData(), QFile::encodeName(target).constData());
+        }
+        throw;
+    }
+    for (const auto& [target, old] : aside) {
+        QFile::remove(old);
+    }
+}
+
 void removeFile(const QString& path)
 {
     if (::unlink(QFile::encodeName(path).constData()) != 0 && errno != ENOENT) {

@@ -2,7 +2,9 @@
 
 #include "frame/AppError.h"
 
+#include <QList>
 #include <QString>
+#include <utility>
 
 namespace vinora {
 
@@ -18,6 +20,12 @@ void checkWritableFolder(const QString& folder);
 // Moves `source` over `target` in one step (same folder); the file system's refusal comes
 // out as fileSystemError.
 void moveOver(const QString& source, const QString& target);
+
+// Puts each made file (first) in the place of its target (second), all or none: a target
+// that is not a plain file refuses the whole (53); the targets that stand are moved aside,
+// the made files moved in, and the old ones removed; a failure on the way moves everything
+// back and comes out as fileSystemError.
+void replaceTogether(const QList<std::pair<QString, QString>>& moves);
 
 // Removes the file when it is there; a refusal comes out as fileSystemError.
 void removeFile(const QString& path);
