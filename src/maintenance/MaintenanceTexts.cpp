@@ -10,6 +10,14 @@ QString kilobytesText(qint64 bytes)
     return QString::number(bytes / 1024) + QStringLiteral(" Kб");
 }
 
+QString compactionMessage(qint64 before, qint64 after)
+{
+    const qint64 gain = (before - after) / 1024;
+    return gain > 0 ? QStringLiteral("Операция успешно завершена! Файлы базы данных сжаты на ") + QString::number(gain) +
+                          QStringLiteral(" Кб.")
+                    : QStringLiteral("Операция успешно завершена! Файлы базы данных не были сжаты.");
+}
+
 QString fileTroubleText(const AppError& error)
 {
     switch (error.number()) {

@@ -3,6 +3,7 @@
 #include "frame/AppError.h"
 
 #include <QString>
+#include <functional>
 
 namespace vinora {
 
@@ -10,6 +11,9 @@ class AppContext;
 
 // A size as the wizard shows it: whole kilobytes and " Kб".
 QString kilobytesText(qint64 bytes);
+
+// The closing message of a compaction that took the databases from `before` to `after` bytes.
+QString compactionMessage(qint64 before, qint64 after);
 
 // The message for an error of the file system or of another process at work: 52 "Устройство
 // не готово!", 53 "Отказано в доступе!", 75 "Папка доступна только для чтения!", a full disk,

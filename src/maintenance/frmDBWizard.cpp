@@ -244,12 +244,9 @@ void frmDBWizard::cmdCompress()
         return;
     }
     const qint64 after = databasesSize(m_ctx);
-    const qint64 gain = (before - after) / 1024;
+    // Here the size ends in the Cyrillic "Кб".
     label(QStringLiteral("lblFileDBLen"))->setText(QString::number(after / 1024) + QStringLiteral(" Кб"));
-    m_ctx.prompter().message(gain > 0 ? QStringLiteral("Операция успешно завершена! Файлы базы данных сжаты на ") +
-                                            QString::number(gain) + QStringLiteral(" Кб.")
-                                      : QStringLiteral("Операция успешно завершена! Файлы базы данных не были сжаты."),
-                             MessageStyle::Information);
+    m_ctx.prompter().message(compactionMessage(before, after), MessageStyle::Information);
 }
 
 void frmDBWizard::editDictionary(Dictionary dictionary)
