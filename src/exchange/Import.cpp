@@ -6,6 +6,7 @@
 #include "store/Db.h"
 #include "store/InfoStamp.h"
 #include "store/Schema.h"
+#include "store/SqlFunctions.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -14,6 +15,7 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <optional>
+#include <sqlite3.h>
 
 namespace vinora {
 namespace {
@@ -195,6 +197,25 @@ private:
         }
     }
 
+    // After a failed disc: the disc goes, the whole discs before it stay. A full disk or a
+    // failed write may have made the engine roll the whole transaction back already; then
+    // the discs since the last commit are gone with it, and so are their counts.
+    void keepWholeDiscs()
+    {
+        if (sqlite3_get_autocommit(sqliteHandle(m_db.connection())) != 0) {
+            m_inTransaction = false;
+            m_counts = m_committed;
+            return;
+        }
+        QSqlQuery(QStringLiteral("ROLLBACK TO disc"), m_db.connection());
+        QSqlQuery(QStringLiteral("RELEASE disc"), m_db.connection());
+        try {
+            commit();
+        } catch (const AppError&) {
+            rollBack(); // the error of the disc is the one to tell
+        }
+    }
+
     // The discs of the last moment go in together.
     void commitNowAndThen()
     {
@@ -301,10 +322,8 @@ private:
                 insert.run(values);
                 m_db.exec(QStringLiteral("RELEASE disc"));
             } catch (const AppError&) {
-                QSqlQuery(QStringLiteral("ROLLBACK TO disc"), m_db.connection());
-                QSqlQuery(QStringLiteral("RELEASE disc"), m_db.connection());
                 m_counts = before; // what the disc had counted goes with it
-                commit();          // the whole discs before it stay
+                keepWholeDiscs();
                 throw;
             }
             ++m_counts.importedOf(def.category);

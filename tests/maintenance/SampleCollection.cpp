@@ -43,6 +43,9 @@ void addDiscs(const QString& folder, const QList<SampleDisc>& discs)
     const Db main(QDir(folder).filePath(QStringLiteral("vinora.db")));
     const Db files(QDir(folder).filePath(QStringLiteral("vinora_files.db")));
     const Db tracks(QDir(folder).filePath(QStringLiteral("vinora_tracks.db")));
+    Transaction mainWrites(main);
+    Transaction fileWrites(files);
+    Transaction trackWrites(tracks);
     for (const SampleDisc& disc : discs) {
         const CategoryInfo& info = categoryInfo(disc.category);
         const Dictionary dictionary = dictionaryOf(disc.category);
@@ -93,6 +96,9 @@ void addDiscs(const QString& folder, const QList<SampleDisc>& discs)
                       marks.join(", ") + ")",
                   values);
     }
+    trackWrites.commit();
+    fileWrites.commit();
+    mainWrites.commit();
 }
 
 QVariant valueOf(const QString& path, const QString& sql, const QVariantList& values)

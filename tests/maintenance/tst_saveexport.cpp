@@ -244,6 +244,40 @@ private slots:
         QCOMPARE(s.window->label("lblCDsAudio")->text(), QString("2"));
     }
 
+    void commandsOpenTheirWindows_data()
+    {
+        QTest::addColumn<QString>("command"); // a tool, or "panel" for the vinora panel's item
+        QTest::addColumn<QString>("window");
+        QTest::newRow("ID_DB_Wizard") << "ID_DB_Wizard"
+                                      << "frmDBWizard";
+        QTest::newRow("Мастер обслуживания") << "panel"
+                                             << "frmDBWizard";
+        QTest::newRow("ID_DB_Import") << "ID_DB_Import"
+                                      << "frmImport";
+    }
+
+    void commandsOpenTheirWindows()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, window);
+        Session s;
+        QString opened;
+        s.app.prompter.handleModal([&](QDialog& dialog) {
+            opened = dialog.objectName();
+            // A disc added meanwhile shows on the dashboard afterwards.
+            test::addDiscs(s.app.folder.path(), {{Category::Dvd, 2, "Новый", {}, "Боевик", {}}});
+            return 0;
+        });
+        if (command == "panel") {
+            s.window->listBarItemClicked("g3", "Мастер обслуживания");
+        } else {
+            QVERIFY(s.window->action(command)->isEnabled());
+            s.window->action(command)->trigger();
+        }
+        QCOMPARE(opened, window);
+        QCOMPARE(s.window->label("lblCDsDVD")->text(), QString("2"));
+    }
+
     void importFromAFolderWithAnExport()
     {
         Session s;
