@@ -44,10 +44,11 @@ void addAudioDiscs(const AppContext& ctx)
                   kTracksPerDisc, 1 + n % 31, id});
         lists.create(id);
         // One statement per list, as the program writes its lists.
-        tracks.exec(QStringLiteral("WITH RECURSIVE k(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM k WHERE i < ?) "
-                                   "INSERT INTO Треки (ДискID, Номер, Название) SELECT ?, i, 'Песня номер ' || i || "
-                                   "' диска ' || ? FROM k"),
-                    {kTracksPerDisc, id, n});
+        tracks.exec(
+            QStringLiteral("WITH RECURSIVE k(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM k WHERE i < ?) "
+                           "INSERT INTO Треки (ДискID, Номер, Название) SELECT ?, i, 'Песня номер ' || i || "
+                           "' диска ' || ? FROM k"),
+            {kTracksPerDisc, id, n});
     }
     trackWrites.commit();
     mainWrites.commit();
@@ -62,7 +63,8 @@ void makeCollection(const QString& folder)
     AppContext ctx(folder, prompts, clock);
     Reanimator(ctx, 0);
     std::printf("making the collection in %s (a few minutes, once)...\n", qPrintable(folder));
-    generateSearchCollection(ctx, {kComputerDiscs, kRowsPerDisc}, QDir(folder).filePath(QStringLiteral("names.txt")));
+    generateSearchCollection(ctx, {kComputerDiscs, kRowsPerDisc},
+                             QDir(folder).filePath(QStringLiteral("names.txt")));
     QFile::remove(QDir(folder).filePath(QStringLiteral("names.txt")));
     addAudioDiscs(ctx);
     QFile stamp(QDir(folder).filePath(kStamp));
@@ -102,8 +104,8 @@ qint64 sizeOf(const QString& folder)
 int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
-    const QString data = qEnvironmentVariable("VINORA_BENCH_DATA",
-                                              QCoreApplication::applicationDirPath() + QStringLiteral("/data"));
+    const QString data = qEnvironmentVariable("VINORA_BENCH_DATA", QCoreApplication::applicationDirPath() +
+                                                                       QStringLiteral("/data"));
     const QString collection = data + QStringLiteral("/maintenance-20k");
     if (!QFile::exists(QDir(collection).filePath(kStamp))) {
         makeCollection(collection);

@@ -22,13 +22,16 @@ namespace {
 const QCommandLineOption kAudio(QStringLiteral("ad"), QStringLiteral("Import the audio discs."));
 const QCommandLineOption kComputer(QStringLiteral("pc"), QStringLiteral("Import the computer discs."));
 const QCommandLineOption kDvd(QStringLiteral("dvd"), QStringLiteral("Import the DVDs."));
-const QCommandLineOption kTracks(QStringLiteral("tracks"),
-                                 QStringLiteral("With --ad: bring the track lists of the audio discs along."));
-const QCommandLineOption kFiles(QStringLiteral("files"),
-                                QStringLiteral("With --pc: bring the file lists of the computer discs along."));
-const QCommandLineOption kFix(QStringLiteral("fix"),
-                              QStringLiteral("Mend what can be mended: the broken links of the catalogue rows and "
-                                             "a search index out of step."));
+const QCommandLineOption
+    kTracks(QStringLiteral("tracks"),
+            QStringLiteral("With --ad: bring the track lists of the audio discs along."));
+const QCommandLineOption
+    kFiles(QStringLiteral("files"),
+           QStringLiteral("With --pc: bring the file lists of the computer discs along."));
+const QCommandLineOption
+    kFix(QStringLiteral("fix"),
+         QStringLiteral("Mend what can be mended: the broken links of the catalogue rows and "
+                        "a search index out of step."));
 const QCommandLineOption kSkipDoubles(QStringLiteral("skip-doubles"),
                                       QStringLiteral("Leave out the discs the catalogue has already (same "
                                                      "title, and album for audio discs)."));
@@ -44,7 +47,8 @@ DatabaseLock writerLock(const AppContext& ctx)
 void requireLocalDatabases(AppContext& ctx)
 {
     ctx.resolveDatabasePaths();
-    requireDatabase(ctx.MainDBPath, {QStringLiteral("Аудио"), QStringLiteral("Компьютер"), QStringLiteral("DVD")});
+    requireDatabase(ctx.MainDBPath,
+                    {QStringLiteral("Аудио"), QStringLiteral("Компьютер"), QStringLiteral("DVD")});
     requireDatabase(ctx.FilesDBPath, {QStringLiteral("Списки"), QStringLiteral("Файлы")});
     requireDatabase(ctx.TracksDBPath, {QStringLiteral("Списки"), QStringLiteral("Треки")});
 }
@@ -152,7 +156,8 @@ int exportDb(AppContext& ctx, const QCommandLineParser& parser)
     const QString path = QFileInfo(parser.positionalArguments().at(0)).absoluteFilePath();
     for (const QString& local : {ctx.MainDBPath, ctx.FilesDBPath, ctx.TracksDBPath}) {
         if (samePlace(path, local)) {
-            throw Failure{Refused, QStringLiteral("Вы попытались экспортировать базу данных по верх локальной.")};
+            throw Failure{Refused,
+                          QStringLiteral("Вы попытались экспортировать базу данных по верх локальной.")};
         }
     }
     onMaintenance(ctx.MainDBPath, [&] { SaveDB(ctx.MainDBPath, path); });
@@ -170,7 +175,8 @@ int import(AppContext& ctx, const QCommandLineParser& parser)
     choice.files = choice.computer && parser.isSet(kFiles);
     choice.skipDoubles = parser.isSet(kSkipDoubles);
     if (!choice.any()) {
-        throw Failure{BadUsage, QStringLiteral("Ни одна из категорий какталога не была выбрана! (--ad, --pc, --dvd)")};
+        throw Failure{BadUsage,
+                      QStringLiteral("Ни одна из категорий какталога не была выбрана! (--ad, --pc, --dvd)")};
     }
     requireLocalDatabases(ctx);
     const ImportSources sources = importSources(parser.positionalArguments().at(0), choice);
@@ -206,15 +212,17 @@ QList<Verb> maintenanceVerbs()
          QStringLiteral("Make or update the backup set of the three databases"),
          {},
          {},
-         QStringLiteral("The set is backup_of_vinora.db, backup_of_vinora_files.db and backup_of_vinora_tracks.db\n"
-                        "in the application folder; it replaces the earlier set only once it is complete."),
+         QStringLiteral(
+             "The set is backup_of_vinora.db, backup_of_vinora_files.db and backup_of_vinora_tracks.db\n"
+             "in the application folder; it replaces the earlier set only once it is complete."),
          backup},
         {QStringLiteral("restore"),
          QStringLiteral("Put the backup set in place of the three databases"),
          {},
          {},
-         QStringLiteral("The three databases are restored together or not at all; the date of the last backup\n"
-                        "stays as the databases had it."),
+         QStringLiteral(
+             "The three databases are restored together or not at all; the date of the last backup\n"
+             "stays as the databases had it."),
          restore},
         {QStringLiteral("compact"),
          QStringLiteral("Give the free space of the three databases back to the disc"),
@@ -226,18 +234,21 @@ QList<Verb> maintenanceVerbs()
          QStringLiteral("Check the three databases and the links of the catalogue rows to their lists"),
          {},
          {kFix},
-         QStringLiteral("Prints the engine's verdict on each database, then each disc whose Дисков is 0 or whose\n"
-                        "ДискID names a list that is not there. The status is 0 when nothing is wrong (or\n"
-                        "everything was mended with --fix), 1 when --fix would mend what was found, 3 when a\n"
-                        "database is damaged."),
+         QStringLiteral(
+             "Prints the engine's verdict on each database, then each disc whose Дисков is 0 or whose\n"
+             "ДискID names a list that is not there. The status is 0 when nothing is wrong (or\n"
+             "everything was mended with --fix), 1 when --fix would mend what was found, 3 when a\n"
+             "database is damaged."),
          check},
         {QStringLiteral("export-db"),
          QStringLiteral("Write the catalogues alone into one database file for other users"),
-         {{QStringLiteral("FILE"), QStringLiteral("The database file to write; one that stands there is replaced.")}},
+         {{QStringLiteral("FILE"),
+           QStringLiteral("The database file to write; one that stands there is replaced.")}},
          {},
-         QStringLiteral("The file holds the three catalogues with their styles, descriptions, genres and sound\n"
-                        "formats: no loans, no borrowers, no disc identities. vinora opens it as an external\n"
-                        "database; so does any SQLite tool."),
+         QStringLiteral(
+             "The file holds the three catalogues with their styles, descriptions, genres and sound\n"
+             "formats: no loans, no borrowers, no disc identities. vinora opens it as an external\n"
+             "database; so does any SQLite tool."),
          exportDb},
     };
 }

@@ -28,8 +28,8 @@ struct StepDef
 {
     Category category;
     const char* stage;
-    QStringList copied;  // fields taken as they are
-    QString dictionary;  // the dictionary table, whose name field has the same name
+    QStringList copied; // fields taken as they are
+    QString dictionary; // the dictionary table, whose name field has the same name
     QString dictionaryKey;
     std::optional<ContentsKind> lists;
 };
@@ -47,8 +47,8 @@ const StepDef& stepDef(Category category)
 {
     static const StepDef audio{Category::Audio,
                                "Импортирование Аудио дисков...",
-                               names({"Название", "Альбом", "Год", "Дисков", "Записей1", "Записей2", "Записей3",
-                                      "Записей4", "Время1", "Время2", "Время3", "Время4"}),
+                               names({"Название", "Альбом", "Год", "Дисков", "Записей1", "Записей2",
+                                      "Записей3", "Записей4", "Время1", "Время2", "Время3", "Время4"}),
                                QStringLiteral("Стиль"),
                                QStringLiteral("КодСтиля"),
                                ContentsKind::Tracks};
@@ -98,8 +98,8 @@ public:
 
     bool contains(const QString& title, const QString& album) const
     {
-        for (auto it = m_rows.constFind(key(title, album)); it != m_rows.cend() && it.key() == key(title, album);
-             ++it) {
+        for (auto it = m_rows.constFind(key(title, album));
+             it != m_rows.cend() && it.key() == key(title, album); ++it) {
             if (compareText(it->first, title) == 0 && compareText(it->second, album) == 0) {
                 return true;
             }
@@ -119,10 +119,14 @@ private:
                 visible.append(ch);
             }
         }
-        return visible.normalized(QString::NormalizationForm_KC).toCaseFolded().normalized(
-            QString::NormalizationForm_KC);
+        return visible.normalized(QString::NormalizationForm_KC)
+            .toCaseFolded()
+            .normalized(QString::NormalizationForm_KC);
     }
-    static QString key(const QString& title, const QString& album) { return fold(title) + QChar(0) + fold(album); }
+    static QString key(const QString& title, const QString& album)
+    {
+        return fold(title) + QChar(0) + fold(album);
+    }
 
     QMultiHash<QString, std::pair<QString, QString>> m_rows;
 };
@@ -272,14 +276,15 @@ private:
             }
         }
 
-        const int last = m_db.scalar(QStringLiteral("SELECT max(\"Номер\") FROM ") + in(QStringLiteral("main"), info.table))
+        const int last = m_db.scalar(QStringLiteral("SELECT max(\"Номер\") FROM ") +
+                                     in(QStringLiteral("main"), info.table))
                              .toInt();
         DoubleIndex doubles;
         if (m_choice.skipDoubles) {
-            QSqlQuery existing = m_db.query(QStringLiteral("SELECT \"Название\", ") +
-                                            (def.category == Category::Audio ? QStringLiteral("\"Альбом\"")
-                                                                             : QStringLiteral("NULL")) +
-                                            QStringLiteral(" FROM ") + in(QStringLiteral("main"), info.table));
+            QSqlQuery existing = m_db.query(
+                QStringLiteral("SELECT \"Название\", ") +
+                (def.category == Category::Audio ? QStringLiteral("\"Альбом\"") : QStringLiteral("NULL")) +
+                QStringLiteral(" FROM ") + in(QStringLiteral("main"), info.table));
             while (existing.next()) {
                 doubles.add(textOf(existing.value(0)), textOf(existing.value(1)));
             }
@@ -287,15 +292,16 @@ private:
 
         QStringList marks;
         marks.fill(QStringLiteral("?"), targetFields.size());
-        Statement insert(m_db, QStringLiteral("INSERT INTO ") + in(QStringLiteral("main"), info.table) + u'(' +
-                                   [&] {
-                                       QStringList quotedFields;
-                                       for (const QString& field : targetFields) {
-                                           quotedFields.append(quoted(field));
-                                       }
-                                       return quotedFields.join(QStringLiteral(", "));
-                                   }() +
-                                   QStringLiteral(") VALUES (") + marks.join(QStringLiteral(", ")) + u')');
+        Statement insert(
+            m_db, QStringLiteral("INSERT INTO ") + in(QStringLiteral("main"), info.table) + u'(' +
+                      [&] {
+                          QStringList quotedFields;
+                          for (const QString& field : targetFields) {
+                              quotedFields.append(quoted(field));
+                          }
+                          return quotedFields.join(QStringLiteral(", "));
+                      }() +
+                      QStringLiteral(") VALUES (") + marks.join(QStringLiteral(", ")) + u')');
 
         if (m_stage) {
             m_stage(QString::fromUtf8(def.stage));
@@ -341,15 +347,16 @@ private:
     {
         const QString name = textOf(text);
         const QString table = in(QStringLiteral("main"), def.dictionary);
-        const QVariant code =
-            m_db.scalar(QStringLiteral("SELECT ") + quoted(def.dictionaryKey) + QStringLiteral(" FROM ") + table +
-                            QStringLiteral(" WHERE ") + quoted(def.dictionary) + QStringLiteral(" = ? ORDER BY ") +
-                            quoted(def.dictionaryKey) + QStringLiteral(" LIMIT 1"),
-                        {name});
+        const QVariant code = m_db.scalar(QStringLiteral("SELECT ") + quoted(def.dictionaryKey) +
+                                              QStringLiteral(" FROM ") + table + QStringLiteral(" WHERE ") +
+                                              quoted(def.dictionary) + QStringLiteral(" = ? ORDER BY ") +
+                                              quoted(def.dictionaryKey) + QStringLiteral(" LIMIT 1"),
+                                          {name});
         if (code.isValid()) {
             return code;
         }
-        m_db.exec(QStringLiteral("INSERT INTO ") + table + u'(' + quoted(def.dictionary) + QStringLiteral(") VALUES (?)"),
+        m_db.exec(QStringLiteral("INSERT INTO ") + table + u'(' + quoted(def.dictionary) +
+                      QStringLiteral(") VALUES (?)"),
                   {name});
         return m_db.scalar(QStringLiteral("SELECT last_insert_rowid()"));
     }
@@ -381,19 +388,22 @@ private:
         const ContentsDescriptor& descriptor = contentsDescriptor(kind);
         const QString registry = in(listSchema(kind), QStringLiteral("Списки"));
         try {
-            if (m_db.scalar(QStringLiteral("SELECT count(*) FROM ") + registry + QStringLiteral(" WHERE \"ДискID\" = ?"),
+            if (m_db.scalar(QStringLiteral("SELECT count(*) FROM ") + registry +
+                                QStringLiteral(" WHERE \"ДискID\" = ?"),
                             {id})
                     .toInt() > 0) {
                 return false;
             }
-            m_db.exec(QStringLiteral("INSERT INTO ") + registry + QStringLiteral(" (\"ДискID\") VALUES (?)"), {id});
+            m_db.exec(QStringLiteral("INSERT INTO ") + registry + QStringLiteral(" (\"ДискID\") VALUES (?)"),
+                      {id});
         } catch (const AppError& error) {
             throwIfOurs(error);
             return false; // an id no list can have
         }
         try {
             const QString sourceSchema = sourceListSchema(kind);
-            if (m_db.scalar(QStringLiteral("SELECT count(*) FROM ") + in(sourceSchema, QStringLiteral("Списки")) +
+            if (m_db.scalar(QStringLiteral("SELECT count(*) FROM ") +
+                                in(sourceSchema, QStringLiteral("Списки")) +
                                 QStringLiteral(" WHERE \"ДискID\" = ?"),
                             {id})
                     .toInt() == 0) {
@@ -406,8 +416,8 @@ private:
             const QString columns = fields.join(QStringLiteral(", "));
             // One statement per list: the search index takes the rows in one piece.
             m_db.exec(QStringLiteral("INSERT INTO ") + in(listSchema(kind), descriptor.rowsTable) +
-                          QStringLiteral(" (\"ДискID\", ") + columns + QStringLiteral(") SELECT ?, ") + columns +
-                          QStringLiteral(" FROM ") + in(sourceSchema, descriptor.rowsTable) +
+                          QStringLiteral(" (\"ДискID\", ") + columns + QStringLiteral(") SELECT ?, ") +
+                          columns + QStringLiteral(" FROM ") + in(sourceSchema, descriptor.rowsTable) +
                           QStringLiteral(" WHERE \"ДискID\" = ? ORDER BY rowid"),
                       {id, id});
             return true;
@@ -442,7 +452,8 @@ bool isExport(const QString& path)
     try {
         const Db db(path, Db::Access::ReadOnly);
         return db.tableExists(QStringLiteral("Аудио")) &&
-               db.scalar(QStringLiteral("SELECT count(*) FROM pragma_table_info('Аудио') WHERE name = 'ДискID1'"))
+               db.scalar(
+                     QStringLiteral("SELECT count(*) FROM pragma_table_info('Аудио') WHERE name = 'ДискID1'"))
                        .toInt() == 0;
     } catch (const AppError&) {
         return false;
@@ -465,7 +476,8 @@ QStringList countLines(const ImportChoice& choice, const ImportCounts& counts)
         }
     }
     if (choice.tracks) {
-        lines += {QString(), line("- треков: ", counts.tracksCopied, counts.tracksCopied + counts.tracksFailed)};
+        lines +=
+            {QString(), line("- треков: ", counts.tracksCopied, counts.tracksCopied + counts.tracksFailed)};
     }
     if (choice.files) {
         lines.append(line("- списков файлов: ", counts.filesCopied, counts.filesCopied + counts.filesFailed));
@@ -513,7 +525,8 @@ QString sourceCheckText(const AppContext& ctx, const ImportSources& sources, con
     }
     // Our own database would be read and written at once.
     if (QFileInfo(sources.main).canonicalFilePath() == QFileInfo(ctx.MainDBPath).canonicalFilePath()) {
-        return QStringLiteral("В указанном каталоге находится открытая база данных vinora. Импорт из нее невозможен.");
+        return QStringLiteral(
+            "В указанном каталоге находится открытая база данных vinora. Импорт из нее невозможен.");
     }
     if (sources.exported) {
         return {};
@@ -541,8 +554,8 @@ ImportCounts importCatalogues(const AppContext& ctx, const ImportSources& source
 
 QString importSummary(const ImportChoice& choice, const ImportCounts& counts)
 {
-    QStringList lines{QStringLiteral("Операция успешно завершена!"), QString(), QStringLiteral("Импортировано:"),
-                      QString()};
+    QStringList lines{QStringLiteral("Операция успешно завершена!"), QString(),
+                      QStringLiteral("Импортировано:"), QString()};
     lines += countLines(choice, counts);
     return lines.join(u'\n');
 }
@@ -552,7 +565,8 @@ QString importFailureText(const ImportChoice& choice, const ImportFailure& failu
     QString text = QStringLiteral("ОШИБКА!\n\n");
     text += failure.error.number() == err::DiskFull
                 ? QStringLiteral("Недостаточно места на диске для базы данных.")
-                : QStringLiteral("База данных имеет атрибут 'только чтение', повреждена или имеет не верный формат.");
+                : QStringLiteral(
+                      "База данных имеет атрибут 'только чтение', повреждена или имеет не верный формат.");
     QStringList lines{text, QString(), QStringLiteral("Импортировано до ошибки:"), QString()};
     lines += countLines(choice, failure.counts);
     return lines.join(u'\n');

@@ -22,9 +22,10 @@ frmImport::frmImport(AppContext& ctx, QWidget* parent) : QDialog(parent), m_ctx(
     setObjectName(QStringLiteral("frmImport"));
     setWindowTitle(QStringLiteral("Импорт"));
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(new QLabel(QStringLiteral("Каталоги другой базы данных vinora добавляются в конец ваших "
-                                                "каталогов под новыми номерами."),
-                                 this));
+    layout->addWidget(
+        new QLabel(QStringLiteral("Каталоги другой базы данных vinora добавляются в конец ваших "
+                                  "каталогов под новыми номерами."),
+                   this));
     const auto box = [this](const char* name, const char* text, bool checked) {
         auto* check = new QCheckBox(QString::fromUtf8(text), this);
         check->setObjectName(QString::fromLatin1(name));
@@ -104,8 +105,8 @@ void frmImport::Import()
                                      MessageStyle::Exclamation);
             return;
         }
-        const QString folder =
-            m_ctx.prompter().chooseFolder(QStringLiteral("Укажите каталог с базой данных vinora."), QString());
+        const QString folder = m_ctx.prompter().chooseFolder(
+            QStringLiteral("Укажите каталог с базой данных vinora."), QString());
         if (folder.isEmpty()) {
             return;
         }
@@ -132,7 +133,8 @@ void frmImport::Import()
         {
             WaitCursor hourglass;
             const ImportStage stage = [this](const QString& text) {
-                QMetaObject::invokeMethod(this, [this, text] { setStage(text); }, Qt::QueuedConnection);
+                QMetaObject::invokeMethod(
+                    this, [this, text] { setStage(text); }, Qt::QueuedConnection);
             };
             try {
                 counts = runInBackground([&] { return importCatalogues(m_ctx, sources, chosen, stage); });

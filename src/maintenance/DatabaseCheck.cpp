@@ -25,7 +25,8 @@ bool searchIndexInStep(const Db& db, ContentsKind kind)
     for (const QString& field : descriptor.searchedFields) {
         const QString table = quoted(searchIndexTable(descriptor, field));
         try {
-            db.exec(QStringLiteral("INSERT INTO ") + table + u'(' + table + QStringLiteral(", rank) VALUES ('integrity-check', 1)"));
+            db.exec(QStringLiteral("INSERT INTO ") + table + u'(' + table +
+                    QStringLiteral(", rank) VALUES ('integrity-check', 1)"));
         } catch (const AppError&) {
             return false;
         }

@@ -12,7 +12,7 @@ class AppContext;
 struct DatabaseCheck
 {
     QString path;
-    QStringList problems;        // empty when sound
+    QStringList problems;              // empty when sound
     bool searchIndexOutOfStep = false; // a contents database whose search index misses rows
 };
 

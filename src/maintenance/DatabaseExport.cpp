@@ -25,8 +25,9 @@ bool leftOut(const QString& field)
 
 QList<TableDef> buildExportTables()
 {
-    static const QStringList kept = {QStringLiteral("_Информация"), QStringLiteral("Аудио"), QStringLiteral("Стиль"),
-                                     QStringLiteral("Компьютер"),   QStringLiteral("Описание"), QStringLiteral("DVD"),
+    static const QStringList kept = {QStringLiteral("_Информация"), QStringLiteral("Аудио"),
+                                     QStringLiteral("Стиль"),       QStringLiteral("Компьютер"),
+                                     QStringLiteral("Описание"),    QStringLiteral("DVD"),
                                      QStringLiteral("Жанр"),        QStringLiteral("ФорматЗвука")};
     QList<TableDef> tables;
     for (const TableDef& table : mainTables()) {
@@ -102,8 +103,9 @@ void SaveDB(const QString& mainPath, const QString& path)
         for (const TableDef* table : order) {
             const QString fields = fieldList(*table);
             const bool info = table->name == u"_Информация";
-            db.exec(QStringLiteral("INSERT INTO main.") + quoted(table->name) + u'(' + fields + QStringLiteral(") SELECT ") +
-                    fields + QStringLiteral(" FROM src.") + quoted(table->name) +
+            db.exec(QStringLiteral("INSERT INTO main.") + quoted(table->name) + u'(' + fields +
+                    QStringLiteral(") SELECT ") + fields + QStringLiteral(" FROM src.") +
+                    quoted(table->name) +
                     (info ? QStringLiteral(" ORDER BY rowid LIMIT 1") : QStringLiteral(" ORDER BY 1")));
         }
         transaction.commit();

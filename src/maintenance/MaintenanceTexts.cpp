@@ -13,8 +13,8 @@ QString kilobytesText(qint64 bytes)
 QString compactionMessage(qint64 before, qint64 after)
 {
     const qint64 gain = (before - after) / 1024;
-    return gain > 0 ? QStringLiteral("Операция успешно завершена! Файлы базы данных сжаты на ") + QString::number(gain) +
-                          QStringLiteral(" Кб.")
+    return gain > 0 ? QStringLiteral("Операция успешно завершена! Файлы базы данных сжаты на ") +
+                          QString::number(gain) + QStringLiteral(" Кб.")
                     : QStringLiteral("Операция успешно завершена! Файлы базы данных не были сжаты.");
 }
 
@@ -28,8 +28,9 @@ QString fileTroubleText(const AppError& error)
     case err::PathFileAccess:
         return QStringLiteral("Папка доступна только для чтения!");
     case err::DiskFull:
-        return QStringLiteral("Недостаточно места на диске!\n\nДействие не выполнено. Данные, сохранённые ранее, не "
-                              "изменены.");
+        return QStringLiteral(
+            "Недостаточно места на диске!\n\nДействие не выполнено. Данные, сохранённые ранее, не "
+            "изменены.");
     case err::DatabasesBusy:
         return error.description() + QStringLiteral("\n\nПовторите действие, когда она закончит работу.");
     default:

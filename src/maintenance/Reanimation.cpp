@@ -73,8 +73,8 @@ RepairReport Reanimation(const AppContext& ctx, int kind, bool apply)
                                        }
                                        return fields.join(QStringLiteral(", "));
                                    }() +
-                                   QStringLiteral(" FROM ") + quoted(info.table) + QStringLiteral(" ORDER BY ") +
-                                   quoted(info.keyField));
+                                   QStringLiteral(" FROM ") + quoted(info.table) +
+                                   QStringLiteral(" ORDER BY ") + quoted(info.keyField));
         while (query.next()) {
             QVariantList row;
             for (int i = 0; i < 3 + idFields.size(); ++i) {
@@ -91,7 +91,8 @@ RepairReport Reanimation(const AppContext& ctx, int kind, bool apply)
             ++report.errors;
             report.found.append(disc + QStringLiteral(": Дисков 0"));
             if (apply) {
-                db.exec(QStringLiteral("UPDATE ") + quoted(info.table) + QStringLiteral(" SET \"Дисков\" = 1") + where,
+                db.exec(QStringLiteral("UPDATE ") + quoted(info.table) +
+                            QStringLiteral(" SET \"Дисков\" = 1") + where,
                         {row.at(0)});
             }
         }
@@ -101,11 +102,11 @@ RepairReport Reanimation(const AppContext& ctx, int kind, bool apply)
                 continue;
             }
             ++report.errors;
-            report.found.append(disc + QStringLiteral(": ") + idFields[k] + QStringLiteral(" '") + id.toString() +
-                                QStringLiteral("' - нет такого списка"));
+            report.found.append(disc + QStringLiteral(": ") + idFields[k] + QStringLiteral(" '") +
+                                id.toString() + QStringLiteral("' - нет такого списка"));
             if (apply) {
-                db.exec(QStringLiteral("UPDATE ") + quoted(info.table) + QStringLiteral(" SET ") + quoted(idFields[k]) +
-                            QStringLiteral(" = NULL") + where,
+                db.exec(QStringLiteral("UPDATE ") + quoted(info.table) + QStringLiteral(" SET ") +
+                            quoted(idFields[k]) + QStringLiteral(" = NULL") + where,
                         {row.at(0)});
             }
         }

@@ -53,17 +53,20 @@ frmDBWizard::frmDBWizard(AppContext& ctx, QWidget* parent) : QDialog(parent), m_
         m_buttons.append(button);
         return button;
     };
-    const char* captions[] = {"Закрыть",     "Восстановить", "Создать/обновить", "Удалить",    "Стили...",
-                              "Описания...", "Жанры...",     "Реанимация...",    "Сжать базу данных"};
+    const char* captions[] = {"Закрыть",  "Восстановить",  "Создать/обновить",
+                              "Удалить",  "Стили...",      "Описания...",
+                              "Жанры...", "Реанимация...", "Сжать базу данных"};
     for (int i = 0; i < 9; ++i) {
         makeButton(i, captions[i]);
     }
 
     auto* backup = new QGroupBox(QStringLiteral("Резервная копия"), this);
     auto* backupForm = new QFormLayout(backup);
-    backupForm->addRow(QStringLiteral("Последняя резервная копия:"), addValue(QStringLiteral("lblLastBackup")));
+    backupForm->addRow(QStringLiteral("Последняя резервная копия:"),
+                       addValue(QStringLiteral("lblLastBackup")));
     backupForm->addRow(QStringLiteral("Размер базы данных:"), addValue(QStringLiteral("lblFileDBLen")));
-    backupForm->addRow(QStringLiteral("Размер резервной копии:"), addValue(QStringLiteral("lblFileBackupLen")));
+    backupForm->addRow(QStringLiteral("Размер резервной копии:"),
+                       addValue(QStringLiteral("lblFileBackupLen")));
     auto* backupButtons = new QHBoxLayout;
     for (int index : {2, 1, 3}) {
         backupButtons->addWidget(button(index));
@@ -149,7 +152,8 @@ void frmDBWizard::UpdateCount()
         for (const auto& [name, table] : counts) {
             label(QString::fromLatin1(name))
                 ->setText(QString::number(
-                    db.scalar(QStringLiteral("SELECT count(*) FROM \"") + QString::fromUtf8(table) + u'"').toInt()));
+                    db.scalar(QStringLiteral("SELECT count(*) FROM \"") + QString::fromUtf8(table) + u'"')
+                        .toInt()));
         }
     });
 }
@@ -180,8 +184,9 @@ void frmDBWizard::cmdCreate()
 
 void frmDBWizard::cmdRecover()
 {
-    if (m_ctx.prompter().message(QStringLiteral("Вы действительно хотите восстановить резервную копию данных?"),
-                                 MessageStyle::YesNoQuestion) != Answer::Yes) {
+    if (m_ctx.prompter().message(
+            QStringLiteral("Вы действительно хотите восстановить резервную копию данных?"),
+            MessageStyle::YesNoQuestion) != Answer::Yes) {
         return;
     }
     if (!backupSetComplete(m_ctx)) {
@@ -227,9 +232,10 @@ void frmDBWizard::cmdDelete()
 
 void frmDBWizard::cmdCompress()
 {
-    if (m_ctx.prompter().message(QStringLiteral("Этот процесс может занять некоторое время, в зависимости от объема "
-                                                "файлов базы данных!\nПродолжить?"),
-                                 MessageStyle::OkCancelQuestion) != Answer::Ok) {
+    if (m_ctx.prompter().message(
+            QStringLiteral("Этот процесс может занять некоторое время, в зависимости от объема "
+                           "файлов базы данных!\nПродолжить?"),
+            MessageStyle::OkCancelQuestion) != Answer::Ok) {
         return;
     }
     const qint64 before = databasesSize(m_ctx);

@@ -99,17 +99,20 @@ void frmReanimation::cmdStart()
 {
     const int chosen = option();
     if (chosen == 0) {
-        if (m_ctx.prompter().message(QStringLiteral("Вы уверены, что хотите приступить к реанимации vinora?\n\nВсе "
-                                                    "ранее внесенные данные будут потеряны!"),
-                                     MessageStyle::OkCancelStop) != Answer::Ok) {
+        if (m_ctx.prompter().message(
+                QStringLiteral("Вы уверены, что хотите приступить к реанимации vinora?\n\nВсе "
+                               "ранее внесенные данные будут потеряны!"),
+                MessageStyle::OkCancelStop) != Answer::Ok) {
             return;
         }
-        const bool rebuilt = underMaintenanceReport(m_ctx, QStringLiteral("frmReanimation, imgButton_Click()"), [this] {
-            WaitCursor hourglass;
-            runInBackground([this] { fullReanimation(m_ctx); });
-        });
+        const bool rebuilt =
+            underMaintenanceReport(m_ctx, QStringLiteral("frmReanimation, imgButton_Click()"), [this] {
+                WaitCursor hourglass;
+                runInBackground([this] { fullReanimation(m_ctx); });
+            });
         if (rebuilt) {
-            m_ctx.prompter().message(QStringLiteral("Реанимация vinora успешно завершена!"), MessageStyle::Information);
+            m_ctx.prompter().message(QStringLiteral("Реанимация vinora успешно завершена!"),
+                                     MessageStyle::Information);
             m_returnToMain = true;
             accept();
         }
@@ -119,10 +122,11 @@ void frmReanimation::cmdStart()
         repair(chosen);
         return;
     }
-    recreate(chosen, chosen == 1 ? QStringLiteral("Вы уверены, что хотите приступить к реанимации структуры дисков?"
-                                                  "\n\nВсе ранее добавленные файлы будут удалены!")
-                                 : QStringLiteral("Вы уверены, что хотите приступить к реанимации треков?\n\nВсе "
-                                                  "ранее добавленные треки будут удалены!"));
+    recreate(chosen, chosen == 1
+                         ? QStringLiteral("Вы уверены, что хотите приступить к реанимации структуры дисков?"
+                                          "\n\nВсе ранее добавленные файлы будут удалены!")
+                         : QStringLiteral("Вы уверены, что хотите приступить к реанимации треков?\n\nВсе "
+                                          "ранее добавленные треки будут удалены!"));
 }
 
 void frmReanimation::repair(int kind)
@@ -142,10 +146,11 @@ void frmReanimation::recreate(int kind, const QString& question)
     if (m_ctx.prompter().message(question, MessageStyle::OkCancelStop) != Answer::Ok) {
         return;
     }
-    const bool done = underMaintenanceReport(m_ctx, QStringLiteral("frmReanimation, ReanimationReCreate()"), [&] {
-        WaitCursor hourglass;
-        runInBackground([&] { ReanimationReCreate(m_ctx, kind); });
-    });
+    const bool done =
+        underMaintenanceReport(m_ctx, QStringLiteral("frmReanimation, ReanimationReCreate()"), [&] {
+            WaitCursor hourglass;
+            runInBackground([&] { ReanimationReCreate(m_ctx, kind); });
+        });
     if (done) {
         m_ctx.prompter().message(QStringLiteral("Операция успешно завершена!"), MessageStyle::Information);
     }

@@ -42,7 +42,8 @@ void frmMain::mnuDBESave_Click()
     const QString place = QStringLiteral("frmMain, mnuDBESave_Click()");
     const QString folder = underFaultHandler(m_ctx, place, [this] {
         return m_ctx.prompter().chooseFolder(
-            QStringLiteral("Выберите каталог для сохранения файлов базы данных программы vinora (требуется: ") +
+            QStringLiteral(
+                "Выберите каталог для сохранения файлов базы данных программы vinora (требуется: ") +
                 QString::number(databasesSize(m_ctx) / 1024) + QStringLiteral(" Kб):"),
             QString());
     });
@@ -66,8 +67,9 @@ void frmMain::mnuDBESave_Click()
     });
     if (saved) {
         m_ctx.prompter().message(
-            QStringLiteral("Файлы базы данных (vinora.db, vinora_files.db, vinora_tracks.db) успешно сохранены в "
-                           "каталоге '") +
+            QStringLiteral(
+                "Файлы базы данных (vinora.db, vinora_files.db, vinora_tracks.db) успешно сохранены в "
+                "каталоге '") +
                 folder + QStringLiteral("'."),
             MessageStyle::Information);
     }
@@ -85,8 +87,9 @@ void frmMain::mnuDBExportDB_Click()
     // None of the local databases is ever written over, not only the main one.
     for (const QString& local : {m_ctx.MainDBPath, m_ctx.FilesDBPath, m_ctx.TracksDBPath}) {
         if (samePlace(path, local)) {
-            m_ctx.prompter().message(QStringLiteral("Вы попытались экспортировать базу данных по верх локальной."),
-                                     MessageStyle::Exclamation);
+            m_ctx.prompter().message(
+                QStringLiteral("Вы попытались экспортировать базу данных по верх локальной."),
+                MessageStyle::Exclamation);
             return;
         }
     }

@@ -130,8 +130,9 @@ void restoreBackupSet(const AppContext& ctx)
     const std::array<QString, 3> backups = backupSetPaths(ctx);
     for (const QString& backup : backups) {
         if (!opensAsDatabase(backup)) {
-            throw AppError(err::UnrecognizedFormat, QStringLiteral("Файл резервной копии '") + backup +
-                                                        QStringLiteral("' поврежден или имеет не верный формат."));
+            throw AppError(err::UnrecognizedFormat,
+                           QStringLiteral("Файл резервной копии '") + backup +
+                               QStringLiteral("' поврежден или имеет не верный формат."));
         }
     }
     const DatabaseLock alone = lockAlone(ctx);
@@ -180,8 +181,9 @@ void restoreBackupSet(const AppContext& ctx)
         }
         if (!left.isEmpty()) {
             throw AppError(err::EngineError,
-                           error.description() + QStringLiteral("\n\nНе все базы данных удалось вернуть в прежнее "
-                                                                 "состояние; их прежние копии сохранены: ") +
+                           error.description() +
+                               QStringLiteral("\n\nНе все базы данных удалось вернуть в прежнее "
+                                              "состояние; их прежние копии сохранены: ") +
                                left.join(QStringLiteral(", ")));
         }
         for (const Previous& before : previous) {

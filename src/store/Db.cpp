@@ -188,7 +188,8 @@ void Db::attach(const QString& path, const QString& schema, Access access) const
         scalar(QStringLiteral("SELECT count(*) FROM ") + name + QStringLiteral(".sqlite_master"));
     } catch (const AppError& error) {
         QSqlQuery(QStringLiteral("DETACH DATABASE ") + name, m_db);
-        throw AppError(error.number(), error.description() + QStringLiteral(" ('") + path + QStringLiteral("')"));
+        throw AppError(error.number(),
+                       error.description() + QStringLiteral(" ('") + path + QStringLiteral("')"));
     }
 }
 

@@ -26,7 +26,8 @@ const QList<test::SampleDisc> kOtherCopy = {
 
 QString hashOf(const QString& path)
 {
-    return QString::fromLatin1(QCryptographicHash::hash(test::readFile(path), QCryptographicHash::Sha1).toHex());
+    return QString::fromLatin1(
+        QCryptographicHash::hash(test::readFile(path), QCryptographicHash::Sha1).toHex());
 }
 
 struct ImportCase
@@ -74,45 +75,56 @@ private slots:
                                           hashOf(c.other.filePath("vinora_files.db")),
                                           hashOf(c.other.filePath("vinora_tracks.db"))};
         QCOMPARE(c.run(c.other.path()), QString("Готово"));
-        QCOMPARE(c.app.prompter.texts(), (QStringList{"Укажите каталог с базой данных vinora.", kFullSummary}));
+        QCOMPARE(c.app.prompter.texts(),
+                 (QStringList{"Укажите каталог с базой данных vinora.", kFullSummary}));
         QCOMPARE(c.app.prompter.shown.last().style, MessageStyle::Information);
 
         // Numbers from 1 in the order of theirs, without their gaps.
         QCOMPARE(test::catalogueOf(c.main(), Category::Audio), QString("1 Aria, 2 Сплин, 3 Кино"));
-        QCOMPARE(test::catalogueOf(c.main(), Category::Computer), QString("1 Office \"2000\", 2 Дистрибутив"));
+        QCOMPARE(test::catalogueOf(c.main(), Category::Computer),
+                 QString("1 Office \"2000\", 2 Дистрибутив"));
         QCOMPARE(test::catalogueOf(c.main(), Category::Dvd), QString("1 Матрица"));
         // Dictionary values by their text: ours where we have it, added where we do not.
-        QCOMPARE(test::valueOf(c.main(), "SELECT s.Стиль FROM Аудио a JOIN Стиль s USING (КодСтиля) WHERE Номер = 3")
+        QCOMPARE(test::valueOf(c.main(),
+                               "SELECT s.Стиль FROM Аудио a JOIN Стиль s USING (КодСтиля) WHERE Номер = 3")
                      .toString(),
                  QString("Rock"));
         QCOMPARE(test::countOf(c.main(), "SELECT count(*) FROM Стиль"), 32);
         QCOMPARE(test::valueOf(c.main(), "SELECT КодСтиля FROM Стиль WHERE Стиль = 'Шансон'").toInt(), 32);
         QCOMPARE(test::valueOf(c.main(), "SELECT Альбом FROM Аудио WHERE Номер = 2").isNull(), true);
         // The lists with their rows, and the ids that point at them.
-        QCOMPARE(test::valueOf(c.main(), "SELECT ДискID1 || ',' || ДискID2 FROM Аудио WHERE Номер = 3").toString(),
-                 QString("A1,A2"));
+        QCOMPARE(
+            test::valueOf(c.main(), "SELECT ДискID1 || ',' || ДискID2 FROM Аудио WHERE Номер = 3").toString(),
+            QString("A1,A2"));
         QCOMPARE(test::countOf(c.app.ctx.TracksDBPath, "SELECT count(*) FROM Треки WHERE ДискID = 'A2'"), 3);
         QCOMPARE(test::countOf(c.app.ctx.FilesDBPath, "SELECT count(*) FROM Файлы WHERE ДискID = 'C1'"), 4);
-        QCOMPARE(test::valueOf(c.app.ctx.TracksDBPath,
-                               "SELECT count(*) FROM ТрекиПоискНазвание WHERE ТрекиПоискНазвание MATCH '\"''A3\"'")
-                     .toInt(),
-                 3);
+        QCOMPARE(
+            test::valueOf(c.app.ctx.TracksDBPath,
+                          "SELECT count(*) FROM ТрекиПоискНазвание WHERE ТрекиПоискНазвание MATCH '\"''A3\"'")
+                .toInt(),
+            3);
         // What is not copied: the bindings and the loan mark.
-        QCOMPARE(test::countOf(c.main(), "SELECT count(*) FROM Аудио WHERE ДискID1_d IS NOT NULL OR Должник <> 0"), 0);
-        QCOMPARE(test::valueOf(c.main(), "SELECT ПослОбновлDVD FROM _Информация").toString(), QString("2026-11-22"));
+        QCOMPARE(
+            test::countOf(c.main(), "SELECT count(*) FROM Аудио WHERE ДискID1_d IS NOT NULL OR Должник <> 0"),
+            0);
+        QCOMPARE(test::valueOf(c.main(), "SELECT ПослОбновлDVD FROM _Информация").toString(),
+                 QString("2026-11-22"));
         // Theirs is never changed.
-        QCOMPARE((QStringList{hashOf(c.other.filePath("vinora.db")), hashOf(c.other.filePath("vinora_files.db")),
-                              hashOf(c.other.filePath("vinora_tracks.db"))}),
-                 sourceHashes);
+        QCOMPARE(
+            (QStringList{hashOf(c.other.filePath("vinora.db")), hashOf(c.other.filePath("vinora_files.db")),
+                         hashOf(c.other.filePath("vinora_tracks.db"))}),
+            sourceHashes);
     }
 
     void behindOurLastNumber()
     {
-        ImportCase c({{Category::Dvd, 4, "Чужой", {}, "Ужасы", {}}, {Category::Dvd, 2, "Терминатор", {}, "Боевик", {}}});
+        ImportCase c({{Category::Dvd, 4, "Чужой", {}, "Ужасы", {}},
+                      {Category::Dvd, 2, "Терминатор", {}, "Боевик", {}}});
         test::addDiscs(c.app.folder.path(), {{Category::Dvd, 40, "Наш", {}, "Комедия", {}}});
         c.run(c.other.path(), {"chAD", "chPC"});
         QCOMPARE(test::catalogueOf(c.main(), Category::Dvd), QString("40 Наш, 41 Терминатор, 42 Чужой"));
-        QCOMPARE(c.lastMessage(), QString("Операция успешно завершена!\n\nИмпортировано:\n\n- DVD дисков: 2 из 2"));
+        QCOMPARE(c.lastMessage(),
+                 QString("Операция успешно завершена!\n\nИмпортировано:\n\n- DVD дисков: 2 из 2"));
     }
 
     void secondImport_data()
@@ -123,13 +135,15 @@ private slots:
         QTest::newRow("doubles skipped")
             << true
             << "Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 0 из 3\n"
-               "- Компьютерных дисков: 0 из 2\n- DVD дисков: 0 из 1\n\n- треков: 0 из 0\n- списков файлов: 0 из 0"
+               "- Компьютерных дисков: 0 из 2\n- DVD дисков: 0 из 1\n\n- треков: 0 из 0\n- списков файлов: 0 "
+               "из 0"
             << "1 Aria, 2 Сплин, 3 Кино";
         // Without the test every disc comes again; its lists clash with the first ones.
         QTest::newRow("doubles imported")
             << false
             << "Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 3 из 3\n"
-               "- Компьютерных дисков: 2 из 2\n- DVD дисков: 1 из 1\n\n- треков: 0 из 3\n- списков файлов: 0 из 3"
+               "- Компьютерных дисков: 2 из 2\n- DVD дисков: 1 из 1\n\n- треков: 0 из 3\n- списков файлов: 0 "
+               "из 3"
             << "1 Aria, 2 Сплин, 3 Кино, 4 Aria, 5 Сплин, 6 Кино";
     }
 
@@ -143,7 +157,8 @@ private slots:
         c.run(c.other.path(), skipDoubles ? QStringList() : QStringList{"chDouble"});
         QCOMPARE(c.lastMessage(), summary);
         QCOMPARE(test::catalogueOf(c.main(), Category::Audio), audio);
-        QCOMPARE(test::countOf(c.main(), "SELECT count(*) FROM Аудио WHERE Номер > 3 AND ДискID1 IS NOT NULL"), 0);
+        QCOMPARE(
+            test::countOf(c.main(), "SELECT count(*) FROM Аудио WHERE Номер > 3 AND ДискID1 IS NOT NULL"), 0);
         QCOMPARE(test::countOf(c.app.ctx.TracksDBPath, "SELECT count(*) FROM Треки"), 9);
     }
 
@@ -154,11 +169,12 @@ private slots:
                       {Category::Audio, 3, "Кино", "Звезда", "Rock", {}},
                       {Category::Computer, 1, "Say \"hi\" [1]", {}, "", {}}});
         test::addDiscs(c.app.folder.path(), {{Category::Audio, 1, "кино", "группа крови", "Rock", {}},
-                                              {Category::Computer, 1, "say \"HI\" [1]", {}, "", {}}});
+                                             {Category::Computer, 1, "say \"HI\" [1]", {}, "", {}}});
         c.run(c.other.path(), {"chDVD"});
         // Two equal discs of theirs give one: what came in a moment ago counts too.
-        QCOMPARE(c.lastMessage(), QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 1 из 3\n"
-                                          "- Компьютерных дисков: 0 из 1\n\n- треков: 0 из 0\n- списков файлов: 0 из 0"));
+        QCOMPARE(c.lastMessage(),
+                 QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 1 из 3\n"
+                         "- Компьютерных дисков: 0 из 1\n\n- треков: 0 из 0\n- списков файлов: 0 из 0"));
         QCOMPARE(test::catalogueOf(c.main(), Category::Audio), QString("1 кино, 2 Кино"));
     }
 
@@ -166,23 +182,26 @@ private slots:
     {
         ImportCase c({{Category::Audio, 1, "Кино", "Звезда", "Rock", {"B1", "-B2", "-"}}});
         c.run(c.other.path(), {"chPC", "chDVD"});
-        QCOMPARE(c.lastMessage(), QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 1 из 1\n\n"
-                                          "- треков: 1 из 2"));
+        QCOMPARE(c.lastMessage(),
+                 QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 1 из 1\n\n"
+                         "- треков: 1 из 2"));
         QCOMPARE(test::valueOf(c.main(), "SELECT ifnull(ДискID1, '-') || ifnull(ДискID2, '-') || "
                                          "ifnull(ДискID3, '-') FROM Аудио")
                      .toString(),
                  QString("B1--"));
         // The list made for the missing one stays, empty.
-        QCOMPARE(test::valueOf(c.app.ctx.TracksDBPath, "SELECT group_concat(ДискID, ',') FROM Списки").toString(),
-                 QString("B1,B2"));
+        QCOMPARE(
+            test::valueOf(c.app.ctx.TracksDBPath, "SELECT group_concat(ДискID, ',') FROM Списки").toString(),
+            QString("B1,B2"));
     }
 
     void listsNotAskedFor()
     {
         ImportCase c;
         c.run(c.other.path(), {"chImportTracks", "chImportFiles"});
-        QCOMPARE(c.lastMessage(), QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 3 из 3\n"
-                                          "- Компьютерных дисков: 2 из 2\n- DVD дисков: 1 из 1"));
+        QCOMPARE(c.lastMessage(),
+                 QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 3 из 3\n"
+                         "- Компьютерных дисков: 2 из 2\n- DVD дисков: 1 из 1"));
         QCOMPARE(test::countOf(c.main(), "SELECT count(*) FROM Аудио WHERE ДискID1 IS NOT NULL"), 0);
         QCOMPARE(test::countOf(c.app.ctx.TracksDBPath, "SELECT count(*) FROM Списки"), 0);
     }
@@ -191,9 +210,12 @@ private slots:
     {
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("main");
-        QTest::newRow("root") << "/" << "/vinora.db";
-        QTest::newRow("folder") << "/media/cdrom" << "/media/cdrom/vinora.db";
-        QTest::newRow("with separator") << "/media/cdrom/" << "/media/cdrom/vinora.db";
+        QTest::newRow("root") << "/"
+                              << "/vinora.db";
+        QTest::newRow("folder") << "/media/cdrom"
+                                << "/media/cdrom/vinora.db";
+        QTest::newRow("with separator") << "/media/cdrom/"
+                                        << "/media/cdrom/vinora.db";
     }
 
     void sourcePaths()
@@ -223,9 +245,10 @@ private slots:
                                   << "В указанном каталоге база данных vinora со списком файлов не найдена!";
         QTest::newRow("tracks not asked for") << QStringList{"chImportTracks"} << "vinora_tracks.db"
                                               << "";
-        QTest::newRow("our own folder") << QStringList() << "*"
-                                        << "В указанном каталоге находится открытая база данных vinora. Импорт из "
-                                           "нее невозможен.";
+        QTest::newRow("our own folder")
+            << QStringList() << "*"
+            << "В указанном каталоге находится открытая база данных vinora. Импорт из "
+               "нее невозможен.";
     }
 
     void refusals()
@@ -288,8 +311,9 @@ private slots:
         ImportCase c;
         test::writeFile(c.other.filePath("vinora.db"), QByteArray(4096, 'x'));
         c.run(c.other.path());
-        QVERIFY(c.lastMessage().startsWith("ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или "
-                                           "имеет не верный формат.\n\nИмпортировано до ошибки:"));
+        QVERIFY(
+            c.lastMessage().startsWith("ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или "
+                                       "имеет не верный формат.\n\nИмпортировано до ошибки:"));
         QCOMPARE(c.app.prompter.shown.last().style, MessageStyle::Stop);
         QCOMPARE(test::countOf(c.main(), "SELECT count(*) FROM Аудио"), 0);
         QCOMPARE(test::integrityOf(c.main()), QString("ok"));
@@ -298,12 +322,14 @@ private slots:
     void numbersBeyondTheLastStopWithWholeDiscs()
     {
         // Numbers are 16-bit: the second disc of theirs has no number left.
-        ImportCase c({{Category::Audio, 1, "Первый", "", "Rock", {"D1"}}, {Category::Audio, 2, "Второй", "", "Rock", {"D2"}}});
+        ImportCase c({{Category::Audio, 1, "Первый", "", "Rock", {"D1"}},
+                      {Category::Audio, 2, "Второй", "", "Rock", {"D2"}}});
         test::addDiscs(c.app.folder.path(), {{Category::Audio, 32766, "Наш", "", "Rock", {}}});
         c.run(c.other.path(), {"chPC", "chDVD"});
-        QCOMPARE(c.lastMessage(), QString("ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или имеет не "
-                                          "верный формат.\n\nИмпортировано до ошибки:\n\n- Аудио дисков: 1 из 1\n\n"
-                                          "- треков: 1 из 1"));
+        QCOMPARE(c.lastMessage(),
+                 QString("ОШИБКА!\n\nБаза данных имеет атрибут 'только чтение', повреждена или имеет не "
+                         "верный формат.\n\nИмпортировано до ошибки:\n\n- Аудио дисков: 1 из 1\n\n"
+                         "- треков: 1 из 1"));
         QCOMPARE(c.run(c.other.path(), {"chPC", "chDVD"}), QString("Импортирование Аудио дисков..."));
         QCOMPARE(test::catalogueOf(c.main(), Category::Audio), QString("32766 Наш, 32767 Первый"));
         // The failed disc took its list with it.

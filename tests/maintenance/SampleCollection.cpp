@@ -51,15 +51,17 @@ void addDiscs(const QString& folder, const QList<SampleDisc>& discs)
         const Dictionary dictionary = dictionaryOf(disc.category);
         const QString table = QString::fromUtf8(dictionary.table);
         const QString key = QString::fromUtf8(dictionary.key);
-        QVariant code = main.scalar("SELECT " + quoted(key) + " FROM " + quoted(table) + " WHERE " + quoted(table) +
-                                        " = ?",
+        QVariant code = main.scalar("SELECT " + quoted(key) + " FROM " + quoted(table) + " WHERE " +
+                                        quoted(table) + " = ?",
                                     {disc.dictionary});
         if (!code.isValid()) {
-            main.exec("INSERT INTO " + quoted(table) + " (" + quoted(table) + ") VALUES (?)", {disc.dictionary});
+            main.exec("INSERT INTO " + quoted(table) + " (" + quoted(table) + ") VALUES (?)",
+                      {disc.dictionary});
             code = main.scalar("SELECT last_insert_rowid()");
         }
         QStringList fields{"Номер", "Название", key, "Дисков"};
-        QVariantList values{disc.number, disc.title, code, std::max<int>(1, static_cast<int>(disc.ids.size()))};
+        QVariantList values{disc.number, disc.title, code,
+                            std::max<int>(1, static_cast<int>(disc.ids.size()))};
         if (disc.category == Category::Audio) {
             fields.append("Альбом");
             values.append(disc.album.isNull() ? QVariant() : QVariant(disc.album));
@@ -121,8 +123,9 @@ QString integrityOf(const QString& path)
 QString catalogueOf(const QString& mainPath, Category category)
 {
     const Db db(mainPath, Db::Access::ReadOnly);
-    return db.texts("SELECT Номер || ' ' || Название FROM " + quoted(categoryInfo(category).table) +
-                    " ORDER BY Номер")
+    return db
+        .texts("SELECT Номер || ' ' || Название FROM " + quoted(categoryInfo(category).table) +
+               " ORDER BY Номер")
         .join(", ");
 }
 

@@ -25,8 +25,9 @@ using namespace vinora;
 
 namespace {
 
-const QString kDiskFull = "Недостаточно места на диске!\n\nДействие не выполнено. Данные, сохранённые ранее, не "
-                          "изменены.";
+const QString kDiskFull =
+    "Недостаточно места на диске!\n\nДействие не выполнено. Данные, сохранённые ранее, не "
+    "изменены.";
 
 // A tmpfs of `megabytes` mounted on a folder of its own for the life of the guard.
 class SmallDisk
@@ -35,7 +36,8 @@ public:
     explicit SmallDisk(int megabytes)
     {
         QProcess mount;
-        mount.start("mount", {"-t", "tmpfs", "-o", QString("size=%1m").arg(megabytes), "tmpfs", m_folder.path()});
+        mount.start("mount",
+                    {"-t", "tmpfs", "-o", QString("size=%1m").arg(megabytes), "tmpfs", m_folder.path()});
         m_mounted = mount.waitForFinished(20000) && mount.exitStatus() == QProcess::NormalExit &&
                     mount.exitCode() == 0;
         m_why = QString::fromLocal8Bit(mount.readAllStandardError()).trimmed();
@@ -79,11 +81,12 @@ private:
     mutable int m_fillers = 0;
 };
 
-#define SMALL_DISK(name, megabytes)                                                                                  \
-    SmallDisk name(megabytes);                                                                                       \
-    if (!name.mounted()) {                                                                                           \
-        QSKIP(qPrintable("no small file system can be mounted here (" + name.why() + "); run as root to test a "    \
-                         "full disk"));                                                                              \
+#define SMALL_DISK(name, megabytes)                                                                          \
+    SmallDisk name(megabytes);                                                                               \
+    if (!name.mounted()) {                                                                                   \
+        QSKIP(qPrintable("no small file system can be mounted here (" + name.why() +                         \
+                         "); run as root to test a "                                                         \
+                         "full disk"));                                                                      \
     }
 
 // A context whose application folder (and databases) is `folder`.
@@ -103,7 +106,8 @@ QList<test::SampleDisc> computerDiscs(int discs, int rows, int from = 1)
 {
     QList<test::SampleDisc> list;
     for (int n = from; n < from + discs; ++n) {
-        list.append({Category::Computer, n, QString("Диск %1").arg(n), {}, "Квест", {QString("F%1").arg(n)}, rows});
+        list.append(
+            {Category::Computer, n, QString("Диск %1").arg(n), {}, "Квест", {QString("F%1").arg(n)}, rows});
     }
     return list;
 }
@@ -118,7 +122,8 @@ QString stateOf(const AppContext& ctx)
     state.append(QString::number(test::countOf(ctx.MainDBPath, "SELECT count(*) FROM Компьютер")));
     state.append(QString::number(test::countOf(ctx.MainDBPath, "SELECT count(*) FROM Аудио")));
     state.append(QString::number(test::countOf(ctx.FilesDBPath, "SELECT count(*) FROM Файлы")));
-    state.append(test::valueOf(ctx.MainDBPath, "SELECT ifnull(max(РезервнаяКопия), '-') FROM _Информация").toString());
+    state.append(
+        test::valueOf(ctx.MainDBPath, "SELECT ifnull(max(РезервнаяКопия), '-') FROM _Информация").toString());
     return state.join(' ');
 }
 
@@ -133,7 +138,8 @@ void stillUsable(const AppContext& ctx, const SmallDisk& disk)
 
 QString hashOf(const QString& path)
 {
-    return QString::fromLatin1(QCryptographicHash::hash(test::readFile(path), QCryptographicHash::Sha1).toHex());
+    return QString::fromLatin1(
+        QCryptographicHash::hash(test::readFile(path), QCryptographicHash::Sha1).toHex());
 }
 
 } // namespace
@@ -187,7 +193,8 @@ private slots:
             databases += QFileInfo(path).size();
         }
         const qint64 setSize = QFileInfo(disk.file("backup_of_vinora_files.db")).size();
-        QVERIFY2(setSize > databases + 2 * 1024 * 1024, qPrintable(QString("%1 %2").arg(setSize).arg(databases)));
+        QVERIFY2(setSize > databases + 2 * 1024 * 1024,
+                 qPrintable(QString("%1 %2").arg(setSize).arg(databases)));
         QVERIFY(disk.fillLeaving(databases + 512 * 1024));
         app.prompter.answer(Answer::Yes);
         window.cmdRecover();
@@ -238,11 +245,13 @@ private slots:
         app.prompter.answerPath(other.path());
         window.Import();
         const QString told = app.prompter.texts().last();
-        QVERIFY2(told.startsWith("ОШИБКА!\n\nНедостаточно места на диске для базы данных.\n\nИмпортировано до "
-                                 "ошибки:\n\n- Компьютерных дисков: "),
-                 qPrintable(told));
+        QVERIFY2(
+            told.startsWith("ОШИБКА!\n\nНедостаточно места на диске для базы данных.\n\nИмпортировано до "
+                            "ошибки:\n\n- Компьютерных дисков: "),
+            qPrintable(told));
         const QRegularExpressionMatch counts =
-            QRegularExpression("Компьютерных дисков: (\\d+) из (\\d+)\n- списков файлов: (\\d+) из").match(told);
+            QRegularExpression("Компьютерных дисков: (\\d+) из (\\d+)\n- списков файлов: (\\d+) из")
+                .match(told);
         QVERIFY(counts.hasMatch());
         const int came = counts.captured(1).toInt();
         QVERIFY2(came < 400, qPrintable(told));

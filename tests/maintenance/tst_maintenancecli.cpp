@@ -64,7 +64,8 @@ private slots:
         QCOMPARE(run.code, 0);
         QCOMPARE(run.out, QString("Создание/обновление резервной копии данных успешно завершено.\n"));
         QCOMPARE(test::countOf(home.file("backup_of_vinora_files.db"), "SELECT count(*) FROM Файлы"), 6);
-        const QString date = test::valueOf(home.file("vinora.db"), "SELECT РезервнаяКопия FROM _Информация").toString();
+        const QString date =
+            test::valueOf(home.file("vinora.db"), "SELECT РезервнаяКопия FROM _Информация").toString();
         QCOMPARE(date, QDate::currentDate().toString(Qt::ISODate));
 
         test::addDiscs(home.dir.path(), {{Category::Audio, 2, "Сплин", "", "Rock", {"A2"}}});
@@ -72,7 +73,8 @@ private slots:
         QCOMPARE(run.code, 0);
         QCOMPARE(run.out, QString("Резервная копия данных успешно восстановлена.\n"));
         QCOMPARE(home.discs(), 1);
-        QCOMPARE(test::valueOf(home.file("vinora.db"), "SELECT РезервнаяКопия FROM _Информация").toString(), date);
+        QCOMPARE(test::valueOf(home.file("vinora.db"), "SELECT РезервнаяКопия FROM _Информация").toString(),
+                 date);
 
         {
             Db files(home.file("vinora_files.db"));
@@ -81,7 +83,8 @@ private slots:
         run = home.cli({"compact"});
         QCOMPARE(run.code, 0);
         QVERIFY2(run.out.startsWith("Операция успешно завершена! Файлы базы данных"), qPrintable(run.out));
-        QCOMPARE(home.cli({"compact"}).out, QString("Операция успешно завершена! Файлы базы данных не были сжаты.\n"));
+        QCOMPARE(home.cli({"compact"}).out,
+                 QString("Операция успешно завершена! Файлы базы данных не были сжаты.\n"));
     }
 
     void refusals_data()
@@ -91,18 +94,22 @@ private slots:
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("message");
         const QString busy = "vinora-cli: С базами данных сейчас работает другая программа (vinora-cli).";
-        QTest::newRow("restore without a set") << QStringList{"restore"} << false << 1
-                                               << "vinora-cli: ОШИБКА. Файл резервной копии данных не найден!";
+        QTest::newRow("restore without a set")
+            << QStringList{"restore"} << false << 1
+            << "vinora-cli: ОШИБКА. Файл резервной копии данных не найден!";
         QTest::newRow("backup while writing") << QStringList{"backup"} << true << 1 << busy;
         QTest::newRow("compact while writing") << QStringList{"compact"} << true << 1 << busy;
-        QTest::newRow("export over our own") << QStringList{"export-db", "vinora_tracks.db"} << false << 1
-                                             << "vinora-cli: Вы попытались экспортировать базу данных по верх "
-                                                "локальной.";
-        QTest::newRow("import of nothing") << QStringList{"import", "/"} << false << 2
-                                           << "vinora-cli: Ни одна из категорий какталога не была выбрана! (--ad, "
-                                              "--pc, --dvd); 'vinora-cli import --help' tells its usage";
-        QTest::newRow("import from no database") << QStringList{"import", "/", "--dvd"} << false << 1
-                                                 << "vinora-cli: В указанном каталоге база данных vinora не найдена!";
+        QTest::newRow("export over our own")
+            << QStringList{"export-db", "vinora_tracks.db"} << false << 1
+            << "vinora-cli: Вы попытались экспортировать базу данных по верх "
+               "локальной.";
+        QTest::newRow("import of nothing")
+            << QStringList{"import", "/"} << false << 2
+            << "vinora-cli: Ни одна из категорий какталога не была выбрана! (--ad, "
+               "--pc, --dvd); 'vinora-cli import --help' tells its usage";
+        QTest::newRow("import from no database")
+            << QStringList{"import", "/", "--dvd"} << false << 1
+            << "vinora-cli: В указанном каталоге база данных vinora не найдена!";
     }
 
     void refusals()
@@ -135,8 +142,9 @@ private slots:
         Home home;
         Run run = home.cli({"check"});
         QCOMPARE(run.code, 0);
-        QCOMPARE(run.out, QString("vinora.db: ok\nvinora_files.db: ok\nvinora_tracks.db: ok\n"
-                                  "Компьютерные диски: Ошибок не найдено!\nАудио диски: Ошибок не найдено!\n"));
+        QCOMPARE(run.out,
+                 QString("vinora.db: ok\nvinora_files.db: ok\nvinora_tracks.db: ok\n"
+                         "Компьютерные диски: Ошибок не найдено!\nАудио диски: Ошибок не найдено!\n"));
         {
             Db files(home.file("vinora_files.db"));
             ContentsLists(files, ContentsKind::Files).drop("C2");
@@ -147,15 +155,17 @@ private slots:
         }
         run = home.cli({"check"});
         QCOMPARE(run.code, 1);
-        QCOMPARE(run.out, QString("vinora.db: ok\nvinora_files.db: the search index is out of step with the rows\n"
-                                  "vinora_tracks.db: ok\nКомпьютер № 1: ДискID2 'C2' - нет такого списка\n"
-                                  "Компьютерные диски: найдено ошибок: 1\nАудио № 1: Дисков 0\n"
-                                  "Аудио диски: найдено ошибок: 1\n"));
+        QCOMPARE(run.out,
+                 QString("vinora.db: ok\nvinora_files.db: the search index is out of step with the rows\n"
+                         "vinora_tracks.db: ok\nКомпьютер № 1: ДискID2 'C2' - нет такого списка\n"
+                         "Компьютерные диски: найдено ошибок: 1\nАудио № 1: Дисков 0\n"
+                         "Аудио диски: найдено ошибок: 1\n"));
         run = home.cli({"check", "--fix"});
         QCOMPARE(run.code, 0);
         QCOMPARE(run.out.section('\n', 1, 1),
                  QString("vinora_files.db: the search index was out of step with the rows; rebuilt"));
-        QVERIFY(run.out.contains("Компьютерные диски: Операция успешно завершена! Найдено и исправлено ошибок: 1\n"));
+        QVERIFY(run.out.contains(
+            "Компьютерные диски: Операция успешно завершена! Найдено и исправлено ошибок: 1\n"));
         QCOMPARE(home.cli({"check"}).code, 0);
         QCOMPARE(test::countOf(home.file("vinora_files.db"),
                                "SELECT count(*) FROM ФайлыПоискИмя WHERE ФайлыПоискИмя MATCH '\"fil\"'"),
@@ -172,7 +182,8 @@ private slots:
         file.close();
         const Run run = home.cli({"check", "--fix"});
         QCOMPARE(run.code, 3);
-        QVERIFY2(run.out.startsWith("vinora.db: ok\nvinora_files.db: ok\nvinora_tracks.db: "), qPrintable(run.out));
+        QVERIFY2(run.out.startsWith("vinora.db: ok\nvinora_files.db: ok\nvinora_tracks.db: "),
+                 qPrintable(run.out));
         QVERIFY(!run.out.contains("vinora_tracks.db: ok"));
         QVERIFY(run.err.contains("vinora-cli restore"));
     }
@@ -192,8 +203,9 @@ private slots:
         Home other;
         run = other.cli({"import", home.dir.path(), "--ad", "--tracks", "--pc", "--files", "--skip-doubles"});
         QCOMPARE(run.code, 0);
-        QCOMPARE(run.out, QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 0 из 1\n"
-                                  "- Компьютерных дисков: 0 из 1\n\n- треков: 0 из 0\n- списков файлов: 0 из 0\n"));
+        QCOMPARE(run.out,
+                 QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 0 из 1\n"
+                         "- Компьютерных дисков: 0 из 1\n\n- треков: 0 из 0\n- списков файлов: 0 из 0\n"));
         run = other.cli({"import", elsewhere.path(), "--dvd", "--ad"});
         QCOMPARE(run.code, 0);
         QCOMPARE(run.out, QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 1 из 1\n"
@@ -205,12 +217,18 @@ private slots:
     {
         QTest::addColumn<QString>("verb");
         QTest::addColumn<QString>("usage");
-        QTest::newRow("backup") << "backup" << "Usage: vinora-cli backup\n";
-        QTest::newRow("restore") << "restore" << "Usage: vinora-cli restore\n";
-        QTest::newRow("compact") << "compact" << "Usage: vinora-cli compact\n";
-        QTest::newRow("check") << "check" << "Usage: vinora-cli check [options]\n";
-        QTest::newRow("import") << "import" << "Usage: vinora-cli import [options] FOLDER\n";
-        QTest::newRow("export-db") << "export-db" << "Usage: vinora-cli export-db FILE\n";
+        QTest::newRow("backup") << "backup"
+                                << "Usage: vinora-cli backup\n";
+        QTest::newRow("restore") << "restore"
+                                 << "Usage: vinora-cli restore\n";
+        QTest::newRow("compact") << "compact"
+                                 << "Usage: vinora-cli compact\n";
+        QTest::newRow("check") << "check"
+                               << "Usage: vinora-cli check [options]\n";
+        QTest::newRow("import") << "import"
+                                << "Usage: vinora-cli import [options] FOLDER\n";
+        QTest::newRow("export-db") << "export-db"
+                                   << "Usage: vinora-cli export-db FILE\n";
     }
 
     void helpOfTheVerbs()

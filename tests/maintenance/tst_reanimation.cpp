@@ -21,11 +21,10 @@ struct Repair
     Repair()
     {
         Reanimator(app.ctx, 0);
-        test::addDiscs(app.folder.path(),
-                       {{Category::Computer, 1, "Игры", {}, "Квест", {"C1", "C2"}},
-                        {Category::Computer, 2, "Без списка", {}, "Квест", {}},
-                        {Category::Audio, 1, "Кино", "Звезда", "Rock", {"A1", "A2", "A3"}},
-                        {Category::Audio, 2, "Сплин", "", "Rock", {}}});
+        test::addDiscs(app.folder.path(), {{Category::Computer, 1, "Игры", {}, "Квест", {"C1", "C2"}},
+                                           {Category::Computer, 2, "Без списка", {}, "Квест", {}},
+                                           {Category::Audio, 1, "Кино", "Звезда", "Rock", {"A1", "A2", "A3"}},
+                                           {Category::Audio, 2, "Сплин", "", "Rock", {}}});
         Db files(app.ctx.FilesDBPath);
         ContentsLists(files, ContentsKind::Files).create("ORPHAN");
     }
@@ -33,7 +32,8 @@ struct Repair
     {
         return test::valueOf(app.ctx.MainDBPath,
                              "SELECT Дисков || ':' || ifnull(ДискID1, '-') || ifnull(ДискID2, '-') || "
-                             "ifnull(ДискID3, '-') FROM " + table + " WHERE Номер = ?",
+                             "ifnull(ДискID3, '-') FROM " +
+                                 table + " WHERE Номер = ?",
                              {number})
             .toString();
     }
@@ -41,7 +41,8 @@ struct Repair
     void start(int index, bool recreate)
     {
         frmReanimation window(app.ctx);
-        QTest::mouseClick(window.findChild<QRadioButton*>(QString("optReanimation%1").arg(index)), Qt::LeftButton);
+        QTest::mouseClick(window.findChild<QRadioButton*>(QString("optReanimation%1").arg(index)),
+                          Qt::LeftButton);
         window.findChild<QCheckBox*>("chReCreate")->setChecked(recreate);
         QTest::mouseClick(window.findChild<QPushButton*>("imgButton0"), Qt::LeftButton);
         returnedToMain = window.returnToMain();
@@ -62,7 +63,8 @@ private slots:
         frmReanimation window(app.ctx);
         auto* box = window.findChild<QCheckBox*>("chReCreate");
         const auto choose = [&](int index) {
-            QTest::mouseClick(window.findChild<QRadioButton*>(QString("optReanimation%1").arg(index)), Qt::LeftButton);
+            QTest::mouseClick(window.findChild<QRadioButton*>(QString("optReanimation%1").arg(index)),
+                              Qt::LeftButton);
         };
         choose(2);
         QCOMPARE(box->text(), QString("Пересоздать базу данных по трекам"));
@@ -73,10 +75,12 @@ private slots:
         choose(1);
         QCOMPARE(box->text(), QString("Пересоздать базу данных по структуре дисков"));
         QCOMPARE(box->isEnabled(), true);
-        QCOMPARE(window.findChild<QRadioButton*>("optReanimation0")->text(), QString("Полное восстановление"));
+        QCOMPARE(window.findChild<QRadioButton*>("optReanimation0")->text(),
+                 QString("Полное восстановление"));
         QCOMPARE(window.findChild<QRadioButton*>("optReanimation1")->text(),
                  QString("Восстановление ссылок на структуру диска"));
-        QCOMPARE(window.findChild<QRadioButton*>("optReanimation2")->text(), QString("Восстановление ссылок на треки"));
+        QCOMPARE(window.findChild<QRadioButton*>("optReanimation2")->text(),
+                 QString("Восстановление ссылок на треки"));
         QCOMPARE(window.windowTitle(), QString("Реанимация Базы данных"));
     }
 
@@ -87,8 +91,14 @@ private slots:
         QTest::addColumn<QString>("contents");
         QTest::addColumn<QString>("dropped");
         QTest::addColumn<QString>("repaired");
-        QTest::newRow("file lists") << 1 << "Компьютер" << "files" << "C2" << "2:C1--";
-        QTest::newRow("track lists") << 2 << "Аудио" << "tracks" << "A1" << "3:-A2A3";
+        QTest::newRow("file lists") << 1 << "Компьютер"
+                                    << "files"
+                                    << "C2"
+                                    << "2:C1--";
+        QTest::newRow("track lists") << 2 << "Аудио"
+                                     << "tracks"
+                                     << "A1"
+                                     << "3:-A2A3";
     }
 
     void linksRepaired()
@@ -110,27 +120,30 @@ private slots:
         const RepairReport found = Reanimation(r.app.ctx, option, false);
         QCOMPARE(found.errors, 2);
         QCOMPARE(found.found.first(), table + " № 1: ДискID" + (option == 1 ? "2" : "1") + " '" + dropped +
-                                         "' - нет такого списка");
+                                          "' - нет такого списка");
         QCOMPARE(r.ids(table, 2).left(2), QString("0:"));
 
         r.start(option, false);
-        QCOMPARE(r.app.prompter.texts(), QStringList{"Операция успешно завершена!\nНайдено и исправлено ошибок: 2"});
+        QCOMPARE(r.app.prompter.texts(),
+                 QStringList{"Операция успешно завершена!\nНайдено и исправлено ошибок: 2"});
         QCOMPARE(r.app.prompter.shown.last().style, MessageStyle::Information);
         QCOMPARE(r.ids(table, 1), repaired);
         QCOMPARE(r.ids(table, 2), QString("1:---"));
         r.start(option, false);
         QCOMPARE(r.app.prompter.texts().last(), QString("Ошибок не найдено!"));
         // The repair goes from the rows to the lists: a list no row points at stays.
-        QCOMPARE(test::countOf(r.app.ctx.FilesDBPath, "SELECT count(*) FROM Списки WHERE ДискID = 'ORPHAN'"), 1);
+        QCOMPARE(test::countOf(r.app.ctx.FilesDBPath, "SELECT count(*) FROM Списки WHERE ДискID = 'ORPHAN'"),
+                 1);
     }
 
     void listsRebuilt_data()
     {
         QTest::addColumn<int>("option");
         QTest::addColumn<QString>("question");
-        QTest::newRow("file lists") << 1
-                                    << "Вы уверены, что хотите приступить к реанимации структуры дисков?\n\nВсе ранее "
-                                       "добавленные файлы будут удалены!";
+        QTest::newRow("file lists")
+            << 1
+            << "Вы уверены, что хотите приступить к реанимации структуры дисков?\n\nВсе ранее "
+               "добавленные файлы будут удалены!";
         QTest::newRow("track lists") << 2
                                      << "Вы уверены, что хотите приступить к реанимации треков?\n\nВсе ранее "
                                         "добавленные треки будут удалены!";
@@ -159,10 +172,11 @@ private slots:
         r.start(option, true);
         QCOMPARE(r.app.prompter.texts().last(), QString("Операция успешно завершена!"));
         QCOMPARE(test::countOf(contents, "SELECT count(*) FROM Списки"), 0);
-        QCOMPARE(test::countOf(r.app.ctx.MainDBPath, "SELECT count(*) FROM " + table +
-                                                         " WHERE coalesce(ДискID1, ДискID2, ДискID3, ДискID4, "
-                                                         "ДискID5, ДискID6) IS NOT NULL"),
-                 0);
+        QCOMPARE(
+            test::countOf(r.app.ctx.MainDBPath, "SELECT count(*) FROM " + table +
+                                                    " WHERE coalesce(ДискID1, ДискID2, ДискID3, ДискID4, "
+                                                    "ДискID5, ДискID6) IS NOT NULL"),
+            0);
         QCOMPARE(test::countOf(other, "SELECT count(*) FROM Списки"), otherLists);
         if (option == 1) {
             QCOMPARE(test::countOf(r.app.ctx.FilesDBPath, "SELECT count(*) FROM Фильтр1"), 8);
@@ -182,8 +196,9 @@ private slots:
         Repair r;
         r.app.prompter.answer(ok ? Answer::Ok : Answer::Cancel);
         r.start(0, false);
-        QStringList told{"Вы уверены, что хотите приступить к реанимации vinora?\n\nВсе ранее внесенные данные будут "
-                         "потеряны!"};
+        QStringList told{
+            "Вы уверены, что хотите приступить к реанимации vinora?\n\nВсе ранее внесенные данные будут "
+            "потеряны!"};
         if (ok) {
             told.append("Реанимация vinora успешно завершена!");
         }

@@ -32,9 +32,9 @@ struct Session
     {
         Reanimator(app.ctx, 0);
         test::addDiscs(app.folder.path(), {{Category::Audio, 1, "Кино", "Звезда", "Шансон", {"A1"}},
-                                            {Category::Audio, 2, "Aria", "", "Rock", {"A2"}},
-                                            {Category::Computer, 1, "Игры", {}, "Квест", {"C1"}},
-                                            {Category::Dvd, 1, "Матрица", {}, "Фантастика", {}}});
+                                           {Category::Audio, 2, "Aria", "", "Rock", {"A2"}},
+                                           {Category::Computer, 1, "Игры", {}, "Квест", {"C1"}},
+                                           {Category::Dvd, 1, "Матрица", {}, "Фантастика", {}}});
         Db db(app.ctx.MainDBPath);
         db.exec("UPDATE Аудио SET ДискID1_d = 'AD:1', Должник = -1 WHERE Номер = 1");
         db.exec("INSERT INTO ИменаДолжников (Имя) VALUES ('Петров')");
@@ -48,7 +48,8 @@ struct Session
     {
         QString all;
         for (const QString& path : {app.ctx.MainDBPath, app.ctx.FilesDBPath, app.ctx.TracksDBPath}) {
-            all += QString::fromLatin1(QCryptographicHash::hash(test::readFile(path), QCryptographicHash::Sha1).toHex());
+            all += QString::fromLatin1(
+                QCryptographicHash::hash(test::readFile(path), QCryptographicHash::Sha1).toHex());
         }
         return all;
     }
@@ -59,7 +60,8 @@ QString stockTool(const QString& database, const QString& sql)
     QProcess sqlite;
     sqlite.start("sqlite3", {database, sql});
     sqlite.waitForFinished(20000);
-    return QString::fromUtf8(sqlite.readAllStandardOutput()).trimmed() + QString::fromUtf8(sqlite.readAllStandardError());
+    return QString::fromUtf8(sqlite.readAllStandardOutput()).trimmed() +
+           QString::fromUtf8(sqlite.readAllStandardError());
 }
 
 } // namespace
@@ -76,38 +78,46 @@ private slots:
         const QString path = target.filePath("каталог.db");
         s.app.prompter.answerPath(path);
         s.window->runCommand("ID_DB_ExportDB");
-        QCOMPARE(s.app.prompter.texts(),
-                 (QStringList{"Экспорт базы данных vinora", "База данных успешно cохранена в файл:\n" + path}));
+        QCOMPARE(s.app.prompter.texts(), (QStringList{"Экспорт базы данных vinora",
+                                                      "База данных успешно cохранена в файл:\n" + path}));
         // Exactly these tables and fields, in the order of the main database.
         const QString structure = stockTool(
-            path, "SELECT m.name || ':' || (SELECT group_concat(name, ',') FROM (SELECT name FROM "
-                  "pragma_table_info(m.name) ORDER BY cid)) FROM sqlite_master m WHERE m.type = 'table' AND m.name "
-                  "NOT LIKE 'sqlite%' ORDER BY m.rowid;");
-        QCOMPARE(structure.split('\n'),
-                 (QStringList{"_Информация:ПослОбновлАудио,ПослОбновлКомпьютер,ПослОбновлDVD",
-                              "Аудио:КодАудиоДиск,Номер,Название,Альбом,Год,Дисков,Записей1,Записей2,Записей3,Записей4,"
-                              "Записей5,Записей6,Время1,Время2,Время3,Время4,Время5,Время6,КодСтиля,ДатаЗаписи,"
-                              "ДатаИзменения",
-                              "Стиль:КодСтиля,Стиль",
-                              "Компьютер:КодКомпьютерныйДиск,Номер,Название,КодОписания,РасОписание,Год,Дисков,"
-                              "ДатаЗаписи,ДатаИзменения",
-                              "Описание:КодОписания,Описание",
-                              "DVD:КодDVDДиск,Номер,Название,Описание,Год,Дисков,Время,Зона,КодЖанр,ФорматЗвука,"
-                              "ДатаЗаписи,ДатаИзменения",
-                              "Жанр:КодЖанр,Жанр", "ФорматЗвука:КодФорматЗвука,ФорматЗвука"}));
+            path,
+            "SELECT m.name || ':' || (SELECT group_concat(name, ',') FROM (SELECT name FROM "
+            "pragma_table_info(m.name) ORDER BY cid)) FROM sqlite_master m WHERE m.type = 'table' AND m.name "
+            "NOT LIKE 'sqlite%' ORDER BY m.rowid;");
+        QCOMPARE(
+            structure.split('\n'),
+            (QStringList{
+                "_Информация:ПослОбновлАудио,ПослОбновлКомпьютер,ПослОбновлDVD",
+                "Аудио:КодАудиоДиск,Номер,Название,Альбом,Год,Дисков,Записей1,Записей2,Записей3,Записей4,"
+                "Записей5,Записей6,Время1,Время2,Время3,Время4,Время5,Время6,КодСтиля,ДатаЗаписи,"
+                "ДатаИзменения",
+                "Стиль:КодСтиля,Стиль",
+                "Компьютер:КодКомпьютерныйДиск,Номер,Название,КодОписания,РасОписание,Год,Дисков,"
+                "ДатаЗаписи,ДатаИзменения",
+                "Описание:КодОписания,Описание",
+                "DVD:КодDVDДиск,Номер,Название,Описание,Год,Дисков,Время,Зона,КодЖанр,ФорматЗвука,"
+                "ДатаЗаписи,ДатаИзменения",
+                "Жанр:КодЖанр,Жанр", "ФорматЗвука:КодФорматЗвука,ФорматЗвука"}));
         // The defaults and relations as listed: the DVD's date of change has none here.
-        QCOMPARE(stockTool(path, "SELECT group_concat(m.name || '.' || p.name, ' ') FROM sqlite_master m, "
-                                 "pragma_table_info(m.name) p WHERE m.type = 'table' AND p.dflt_value IS NOT NULL;"),
-                 QString("Аудио.ДатаЗаписи Аудио.ДатаИзменения Компьютер.ДатаЗаписи DVD.ДатаЗаписи"));
-        QCOMPARE(stockTool(path, "SELECT group_concat(m.name || '>' || f.\"table\", ' ') FROM sqlite_master m, "
-                                 "pragma_foreign_key_list(m.name) f WHERE m.type = 'table';"),
+        QCOMPARE(
+            stockTool(path,
+                      "SELECT group_concat(m.name || '.' || p.name, ' ') FROM sqlite_master m, "
+                      "pragma_table_info(m.name) p WHERE m.type = 'table' AND p.dflt_value IS NOT NULL;"),
+            QString("Аудио.ДатаЗаписи Аудио.ДатаИзменения Компьютер.ДатаЗаписи DVD.ДатаЗаписи"));
+        QCOMPARE(stockTool(path,
+                           "SELECT group_concat(m.name || '>' || f.\"table\", ' ') FROM sqlite_master m, "
+                           "pragma_foreign_key_list(m.name) f WHERE m.type = 'table';"),
                  QString("Аудио>Стиль Компьютер>Описание DVD>Жанр"));
         // Every row with its key; the dates of change, not the date of the backup.
-        QCOMPARE(stockTool(path, "SELECT group_concat(КодАудиоДиск || ' ' || Номер || ' ' || Название || ' ' || "
-                                 "Стиль, ', ') FROM Аудио JOIN Стиль USING (КодСтиля);"),
+        QCOMPARE(stockTool(path,
+                           "SELECT group_concat(КодАудиоДиск || ' ' || Номер || ' ' || Название || ' ' || "
+                           "Стиль, ', ') FROM Аудио JOIN Стиль USING (КодСтиля);"),
                  QString("1 1 Кино Шансон, 2 2 Aria Rock"));
-        QCOMPARE(stockTool(path, "SELECT count(*) FROM Стиль; SELECT count(*) FROM Компьютер; SELECT Название FROM "
-                                 "DVD; SELECT * FROM _Информация;"),
+        QCOMPARE(stockTool(path,
+                           "SELECT count(*) FROM Стиль; SELECT count(*) FROM Компьютер; SELECT Название FROM "
+                           "DVD; SELECT * FROM _Информация;"),
                  QString("32\n1\nМатрица\n2026-11-20||"));
         QCOMPARE(stockTool(path, "PRAGMA integrity_check; PRAGMA foreign_key_check;"), QString("ok"));
     }
@@ -154,7 +164,8 @@ private slots:
         const QString before = s.hashes();
         s.app.prompter.answerPath(s.app.file(kNames[local]));
         s.window->runCommand("ID_DB_ExportDB");
-        QCOMPARE(s.app.prompter.texts().last(), QString("Вы попытались экспортировать базу данных по верх локальной."));
+        QCOMPARE(s.app.prompter.texts().last(),
+                 QString("Вы попытались экспортировать базу данных по верх локальной."));
         QCOMPARE(s.app.prompter.shown.last().style, MessageStyle::Exclamation);
         QCOMPARE(s.hashes(), before);
     }
@@ -177,13 +188,15 @@ private slots:
         QTest::addColumn<int>("answer");    // to the question of overwriting: 0 none, 1 Yes, 2 No
         QTest::addColumn<QString>("told");
         QTest::addColumn<bool>("saved");
-        const QString done = "Файлы базы данных (vinora.db, vinora_files.db, vinora_tracks.db) успешно сохранены в "
-                             "каталоге '%1'.";
+        const QString done =
+            "Файлы базы данных (vinora.db, vinora_files.db, vinora_tracks.db) успешно сохранены в "
+            "каталоге '%1'.";
         QTest::newRow("a new folder") << "new" << 0 << done << true;
-        QTest::newRow("our own folder") << "local" << 0 << "Вы попытались сохранить базу данных по верх локальной!"
-                                        << false;
+        QTest::newRow("our own folder")
+            << "local" << 0 << "Вы попытались сохранить базу данных по верх локальной!" << false;
         QTest::newRow("files there, Yes") << "old" << 1 << done << true;
-        QTest::newRow("files there, No") << "old" << 2 << "Перезаписать существующие файлы базы данных?" << false;
+        QTest::newRow("files there, No")
+            << "old" << 2 << "Перезаписать существующие файлы базы данных?" << false;
         QTest::newRow("no such folder") << "missing" << 0 << "Устройство не готово!" << false;
         QTest::newRow("read-only folder") << "read-only" << 0 << "Папка доступна только для чтения!" << false;
         QTest::newRow("a folder in the way") << "blocked" << 1 << "Отказано в доступе!" << false;
@@ -222,7 +235,8 @@ private slots:
         s.window->runCommand("ID_DB_Save");
         QCOMPARE(s.app.prompter.texts().first(),
                  "Выберите каталог для сохранения файлов базы данных программы vinora (требуется: " +
-                     QString::number((QFileInfo(s.app.ctx.MainDBPath).size() + QFileInfo(s.app.ctx.FilesDBPath).size() +
+                     QString::number((QFileInfo(s.app.ctx.MainDBPath).size() +
+                                      QFileInfo(s.app.ctx.FilesDBPath).size() +
                                       QFileInfo(s.app.ctx.TracksDBPath).size()) /
                                      1024) +
                      " Kб):");
@@ -230,8 +244,10 @@ private slots:
         QCOMPARE(s.hashes(), before);
         if (saved) {
             QCOMPARE(test::countOf(QDir(folder).filePath("vinora.db"), "SELECT count(*) FROM Должники"), 1);
-            QCOMPARE(test::countOf(QDir(folder).filePath("vinora_files.db"), "SELECT count(*) FROM Файлы"), 3);
-            QCOMPARE(test::countOf(QDir(folder).filePath("vinora_tracks.db"), "SELECT count(*) FROM Треки"), 6);
+            QCOMPARE(test::countOf(QDir(folder).filePath("vinora_files.db"), "SELECT count(*) FROM Файлы"),
+                     3);
+            QCOMPARE(test::countOf(QDir(folder).filePath("vinora_tracks.db"), "SELECT count(*) FROM Треки"),
+                     6);
         } else if (place == "old") {
             QCOMPARE(test::readFile(target.filePath("vinora_files.db")), QByteArray("old"));
         }
@@ -294,7 +310,8 @@ private slots:
                  QString("Операция успешно завершена!\n\nИмпортировано:\n\n- Аудио дисков: 2 из 2\n"
                          "- Компьютерных дисков: 1 из 1\n- DVD дисков: 1 из 1\n\n- треков: 0 из 0\n"
                          "- списков файлов: 0 из 0"));
-        QCOMPARE(test::catalogueOf(other.ctx.MainDBPath, Category::Audio), QString("10 Наш, 11 Кино, 12 Aria"));
+        QCOMPARE(test::catalogueOf(other.ctx.MainDBPath, Category::Audio),
+                 QString("10 Наш, 11 Кино, 12 Aria"));
         QCOMPARE(test::valueOf(other.ctx.MainDBPath,
                                "SELECT Стиль FROM Аудио JOIN Стиль USING (КодСтиля) WHERE Номер = 11")
                      .toString(),

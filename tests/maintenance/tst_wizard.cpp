@@ -19,7 +19,8 @@ using namespace vinora;
 
 namespace {
 
-const QStringList kBackups = {"backup_of_vinora.db", "backup_of_vinora_files.db", "backup_of_vinora_tracks.db"};
+const QStringList kBackups = {"backup_of_vinora.db", "backup_of_vinora_files.db",
+                              "backup_of_vinora_tracks.db"};
 
 struct Wizard
 {
@@ -28,10 +29,16 @@ struct Wizard
     {
         Reanimator(app.ctx, 0);
         test::addDiscs(app.folder.path(), {{Category::Audio, 1, "Кино", "Звезда", "Rock", {"A1"}},
-                                            {Category::Computer, 1, "Игры", {}, "Квест", {"C1"}, 50}});
+                                           {Category::Computer, 1, "Игры", {}, "Квест", {"C1"}, 50}});
     }
-    QString text(frmDBWizard& window, const char* label) const { return window.label(QString::fromLatin1(label))->text(); }
-    void click(frmDBWizard& window, int index) const { QTest::mouseClick(window.button(index), Qt::LeftButton); }
+    QString text(frmDBWizard& window, const char* label) const
+    {
+        return window.label(QString::fromLatin1(label))->text();
+    }
+    void click(frmDBWizard& window, int index) const
+    {
+        QTest::mouseClick(window.button(index), Qt::LeftButton);
+    }
     QString backup(int i) const { return app.file(kBackups[i]); }
     int discs(const QString& path) const { return test::countOf(path, "SELECT count(*) FROM Аудио"); }
     QString sizeOfDatabases() const
@@ -86,7 +93,8 @@ private slots:
         Wizard w;
         frmDBWizard window(w.app.ctx);
         w.click(window, 2); // the first backup asks nothing
-        QCOMPARE(w.app.prompter.texts(), QStringList{"Создание/обновление резервной копии данных успешно завершено."});
+        QCOMPARE(w.app.prompter.texts(),
+                 QStringList{"Создание/обновление резервной копии данных успешно завершено."});
         QCOMPARE(w.text(window, "lblLastBackup"), QString("от 22 ноября 2026 г."));
         QVERIFY(window.button(1)->isEnabled() && window.button(3)->isEnabled());
         qint64 size = 0;
@@ -112,8 +120,9 @@ private slots:
                  (QStringList{"Вы действительно хотите обновить файлы резервной копии?",
                               "Вы действительно хотите обновить файлы резервной копии?"}));
         QCOMPARE(w.discs(w.backup(0)), 2);
-        QCOMPARE(QDir(w.app.folder.path()).entryList({"*.part", "*.before-restore"}, QDir::Files | QDir::Hidden),
-                 QStringList());
+        QCOMPARE(
+            QDir(w.app.folder.path()).entryList({"*.part", "*.before-restore"}, QDir::Files | QDir::Hidden),
+            QStringList());
     }
 
     void backupWithAFileMissing_data()
@@ -141,9 +150,10 @@ private slots:
         w.app.prompter.answer(Answer::Yes);
         window.cmdRecover();
         window.cmdDelete();
-        QCOMPARE(w.app.prompter.texts(), (QStringList{"Вы действительно хотите восстановить резервную копию данных?",
-                                                      "ОШИБКА.\n\nФайл резервной копии данных не найден!",
-                                                      "ОШИБКА.\n\nФайл резервной копии данных не найден!"}));
+        QCOMPARE(w.app.prompter.texts(),
+                 (QStringList{"Вы действительно хотите восстановить резервную копию данных?",
+                              "ОШИБКА.\n\nФайл резервной копии данных не найден!",
+                              "ОШИБКА.\n\nФайл резервной копии данных не найден!"}));
         QCOMPARE(w.app.prompter.shown.last().style, MessageStyle::Stop);
         QCOMPARE(QFileInfo::exists(w.backup((missing + 1) % 3)), true);
     }
@@ -161,8 +171,9 @@ private slots:
         w.app.prompter.shown.clear();
         w.app.prompter.answer(Answer::Yes);
         w.click(window, 1);
-        QCOMPARE(w.app.prompter.texts(), (QStringList{"Вы действительно хотите восстановить резервную копию данных?",
-                                                      "Резервная копия данных успешно восстановлена."}));
+        QCOMPARE(w.app.prompter.texts(),
+                 (QStringList{"Вы действительно хотите восстановить резервную копию данных?",
+                              "Резервная копия данных успешно восстановлена."}));
         QCOMPARE(w.text(window, "lblLastBackup"), QString("восстановлена"));
         QCOMPARE(w.discs(w.app.ctx.MainDBPath), 1);
         QCOMPARE(test::countOf(w.app.ctx.TracksDBPath, "SELECT count(*) FROM Списки WHERE ДискID = 'A9'"), 0);
@@ -170,7 +181,8 @@ private slots:
                  QString("2026-12-01"));
         // Written into the file in place, never replaced by another file.
         QCOMPARE(test::inodeOf(w.app.ctx.MainDBPath), inode);
-        QCOMPARE(QDir(w.app.folder.path()).entryList({"*.before-restore"}, QDir::Files | QDir::Hidden), QStringList());
+        QCOMPARE(QDir(w.app.folder.path()).entryList({"*.before-restore"}, QDir::Files | QDir::Hidden),
+                 QStringList());
     }
 
     void backupDeleted_data()
@@ -188,7 +200,8 @@ private slots:
         window.cmdCreate();
         w.app.prompter.answer(yes ? Answer::Yes : Answer::No);
         w.click(window, 3);
-        QCOMPARE(w.app.prompter.texts().last(), QString("Вы действительно хотите удалить резервную копию данных?"));
+        QCOMPARE(w.app.prompter.texts().last(),
+                 QString("Вы действительно хотите удалить резервную копию данных?"));
         for (int i = 0; i < 3; ++i) {
             QCOMPARE(QFileInfo::exists(w.backup(i)), !yes);
         }
@@ -226,12 +239,14 @@ private slots:
         w.click(window, 8);
         const qint64 gain = before - QFileInfo(w.app.ctx.FilesDBPath).size();
         QVERIFY(gain > 100 * 1024);
-        const QString question = "Этот процесс может занять некоторое время, в зависимости от объема файлов базы "
-                                 "данных!\nПродолжить?";
+        const QString question =
+            "Этот процесс может занять некоторое время, в зависимости от объема файлов базы "
+            "данных!\nПродолжить?";
         QCOMPARE(w.app.prompter.texts().mid(0, 2), (QStringList{question, question}));
         QCOMPARE(w.app.prompter.shown[1].style, MessageStyle::OkCancelQuestion);
         const QString told = w.app.prompter.texts().last();
-        QVERIFY2(told.startsWith("Операция успешно завершена! Файлы базы данных сжаты на ") && told.endsWith(" Кб."),
+        QVERIFY2(told.startsWith("Операция успешно завершена! Файлы базы данных сжаты на ") &&
+                     told.endsWith(" Кб."),
                  qPrintable(told));
         const int reported = told.section(" на ", 1).section(' ', 0, 0).toInt();
         QVERIFY2(qAbs(reported - gain / 1024) <= 1, qPrintable(told));
@@ -239,7 +254,8 @@ private slots:
         // The second run finds nothing to give back.
         w.app.prompter.answer(Answer::Ok);
         window.cmdCompress();
-        QCOMPARE(w.app.prompter.texts().last(), QString("Операция успешно завершена! Файлы базы данных не были сжаты."));
+        QCOMPARE(w.app.prompter.texts().last(),
+                 QString("Операция успешно завершена! Файлы базы данных не были сжаты."));
         QCOMPARE(test::inodeOf(w.app.ctx.FilesDBPath), inode);
         QCOMPARE(QDir(w.app.folder.path()).entryList({"~*"}, QDir::Files | QDir::Hidden), QStringList());
         QCOMPARE(test::countOf(w.app.ctx.FilesDBPath, "SELECT count(*) FROM Файлы"), 50);
@@ -253,15 +269,17 @@ private slots:
         window.cmdCreate();
         test::addDiscs(w.app.folder.path(), {{Category::Audio, 2, "Сплин", "", "Rock", {}}});
         w.app.prompter.shown.clear();
-        const DatabaseLock writer = DatabaseLock::acquire(w.app.ctx.MainDBPath, DatabaseLock::Mode::Shared, [] {});
+        const DatabaseLock writer =
+            DatabaseLock::acquire(w.app.ctx.MainDBPath, DatabaseLock::Mode::Shared, [] {});
         w.app.prompter.answer(Answer::Yes);
         window.cmdCreate();
         w.app.prompter.answer(Answer::Yes);
         window.cmdRecover();
         w.app.prompter.answer(Answer::Ok);
         window.cmdCompress();
-        const QString busy = "С базами данных сейчас работает другая программа (vinora-cli).\n\nПовторите действие, "
-                             "когда она закончит работу.";
+        const QString busy =
+            "С базами данных сейчас работает другая программа (vinora-cli).\n\nПовторите действие, "
+            "когда она закончит работу.";
         QCOMPARE(w.app.prompter.texts().filter("vinora-cli"), (QStringList{busy, busy, busy}));
         QCOMPARE(w.discs(w.app.ctx.MainDBPath), 2);
         QCOMPARE(w.discs(w.backup(0)), 1);

@@ -197,11 +197,11 @@ private slots:
     {
         Window w;
         frmMain window(w.app.ctx);
-        for (const char* id : {"ID_Quit", "ID_DB_Open", "ID_Help_About", "ID_Help_Info", "ID_Panel",
-                               "ID_Catalog_ChangeCategory", "ID_Due_List", "ID_Due_Admin", "ID_QuickADNewDue",
-                               "ID_ToolbarEditAdd", "ID_DB_Search", "ID_QuickPCFind", "ID_DB_Option",
-                               "ID_View_Toolbars_Option", "ID_DB_Wizard", "ID_DB_Import", "ID_DB_Save",
-                               "ID_DB_ExportDB"}) {
+        for (const char* id :
+             {"ID_Quit", "ID_DB_Open", "ID_Help_About", "ID_Help_Info", "ID_Panel",
+              "ID_Catalog_ChangeCategory", "ID_Due_List", "ID_Due_Admin", "ID_QuickADNewDue",
+              "ID_ToolbarEditAdd", "ID_DB_Search", "ID_QuickPCFind", "ID_DB_Option",
+              "ID_View_Toolbars_Option", "ID_DB_Wizard", "ID_DB_Import", "ID_DB_Save", "ID_DB_ExportDB"}) {
             QVERIFY2(window.action(QString::fromLatin1(id))->isEnabled(), id);
         }
         // Every command has its window now.
