@@ -212,35 +212,6 @@ private slots:
                                   "- DVD дисков: 0 из 0\n"));
         QCOMPARE(test::catalogueOf(other.file("vinora.db"), Category::Audio), QString("1 Кино, 2 Кино"));
     }
-
-    void helpOfTheVerbs_data()
-    {
-        QTest::addColumn<QString>("verb");
-        QTest::addColumn<QString>("usage");
-        QTest::newRow("backup") << "backup"
-                                << "Usage: vinora-cli backup\n";
-        QTest::newRow("restore") << "restore"
-                                 << "Usage: vinora-cli restore\n";
-        QTest::newRow("compact") << "compact"
-                                 << "Usage: vinora-cli compact\n";
-        QTest::newRow("check") << "check"
-                               << "Usage: vinora-cli check [options]\n";
-        QTest::newRow("import") << "import"
-                                << "Usage: vinora-cli import [options] FOLDER\n";
-        QTest::newRow("export-db") << "export-db"
-                                   << "Usage: vinora-cli export-db FILE\n";
-    }
-
-    void helpOfTheVerbs()
-    {
-        QFETCH(QString, verb);
-        QFETCH(QString, usage);
-        Home home;
-        const Run run = home.cli({verb, "--help"});
-        QCOMPARE(run.code, 0);
-        QVERIFY2(run.out.startsWith(usage), qPrintable(run.out));
-        QVERIFY(home.cli({"--help"}).out.contains("  " + verb + " "));
-    }
 };
 
 VINORA_TEST_MAIN(tst_maintenancecli)
