@@ -12,9 +12,9 @@
 #include "frame/WindowPlacement.h"
 #include "mainwindow/DashboardData.h"
 #include "mainwindow/DashboardPictures.h"
+#include "mainwindow/HelpViewer.h"
 #include "mainwindow/MainCommands.h"
 #include "mainwindow/frmCompactDB.h"
-#include "mainwindow/HelpViewer.h"
 #include "mainwindow/frmHelp.h"
 #include "mainwindow/frmToolbars.h"
 #include "options/frmOption.h"
@@ -338,8 +338,8 @@ QWidget* frmMain::buildCategoryBlock(Category category)
     grid->addLayout(signRow, 3, 1, 1, 4);
     // The signs blink by hiding and showing inside space that stays reserved, so nothing
     // around them moves (and a click on the link lands where the link was drawn).
-    for (QWidget* blinking : std::initializer_list<QWidget*>{b.dueFrame, b.newSign, b.newLabel, b.shareSign,
-                                                             b.shareLink}) {
+    for (QWidget* blinking :
+         std::initializer_list<QWidget*>{b.dueFrame, b.newSign, b.newLabel, b.shareSign, b.shareLink}) {
         QSizePolicy policy = blinking->sizePolicy();
         policy.setRetainSizeWhenHidden(true);
         blinking->setSizePolicy(policy);
@@ -681,15 +681,6 @@ void frmMain::AddListbars()
         QStringLiteral("g3"), QStringLiteral("База данных"),
         {QStringLiteral("Мастер обслуживания"), QStringLiteral("Параметры"), QStringLiteral("Поиск")});
     addListBarGroup(QStringLiteral("g4"), QStringLiteral("Запрос"), {});
-    // The items whose windows are still to come are shown, but cannot be chosen.
-    for (const char* key : {"g2", "g3"}) {
-        auto* group = m_listBar->findChild<QListWidget*>(QString::fromLatin1(key));
-        for (int i = 0; i < group->count(); ++i) {
-            if (!isLiveCommand(panelCommand(group->item(i)->text()))) {
-                group->item(i)->setFlags(group->item(i)->flags() & ~Qt::ItemIsEnabled);
-            }
-        }
-    }
 }
 
 void frmMain::loadShortcuts()

@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProcess>
@@ -193,35 +194,55 @@ private slots:
         QVERIFY(fresh.action(QStringLiteral("ID_Panel"))->isChecked());
     }
 
-    void commandsWithTheirScreensAreEnabled()
+    // Every command of the menus, the logos' menus, the tool bars and the vinora panel works
+    // in local mode. The only ones off are those waiting for their moment, listed here.
+    void everyCommandIsLiveInLocalMode()
     {
         Window w;
         frmMain window(w.app.ctx);
-        for (const char* id :
-             {"ID_Quit", "ID_DB_Open", "ID_Help_About", "ID_Help_Info", "ID_Panel",
-              "ID_Catalog_ChangeCategory", "ID_Due_List", "ID_Due_Admin", "ID_QuickADNewDue",
-              "ID_ToolbarEditAdd", "ID_DB_Search", "ID_QuickPCFind", "ID_DB_Option",
-              "ID_View_Toolbars_Option", "ID_DB_Wizard", "ID_DB_Import", "ID_DB_Save", "ID_DB_ExportDB"}) {
-            QVERIFY2(window.action(QString::fromLatin1(id))->isEnabled(), id);
+        window.Form_Load();
+        const QStringList waiting = {
+            "Открыть локальную",   // only with another database on view
+            "Изменить", "Удалить", // only on a shortcut under the pointer
+        };
+        QStringList disabled;
+        const auto walk = [&](const QString& where, const QList<QAction*>& actions) {
+            for (const QAction* action : actions) {
+                if (!action->isSeparator() && !action->isEnabled() && !waiting.contains(action->text())) {
+                    disabled.append(where + " / " + action->text());
+                }
+            }
+        };
+        for (const QMenu* menu : window.findChildren<QMenu*>()) {
+            walk(menu->title(), menu->actions());
         }
-        // Every command has its window now.
-        for (const MainCommand& command : mainCommands()) {
-            QVERIFY2(isLiveCommand(command.id), qPrintable(command.id));
+        for (const QToolBar* bar : window.findChildren<QToolBar*>()) {
+            walk(bar->windowTitle(), bar->actions());
         }
+        for (const QListWidget* group : window.findChildren<QListWidget*>()) {
+            for (int i = 0; i < group->count(); ++i) {
+                if (!(group->item(i)->flags() & Qt::ItemIsEnabled)) {
+                    disabled.append(group->objectName() + " / " + group->item(i)->text());
+                }
+            }
+        }
+        QCOMPARE(disabled, QStringList());
+        QVERIFY(window.findChildren<QMenu*>().size() > 10);
     }
 
     void menusListTheirItemsInOrder_data()
     {
         QTest::addColumn<QString>("menu");
         QTest::addColumn<QStringList>("items");
-        QTest::newRow("Каталог") << "&Каталог"
-                                 << QStringList{"Аудио диски", "Компьютерные диски", "DVD диски", "Добавить",
-                                                "Изменить номер диска", "Изменить категорию диска", "",
-                                                "Выход"};
+        QTest::newRow("Каталог")
+            << "&Каталог"
+            << QStringList{"Аудио диски",          "Компьютерные диски",       "DVD диски", "Добавить",
+                           "Изменить номер диска", "Изменить категорию диска", "",          "Выход"};
         QTest::newRow("База данных") << "&База данных"
-                                     << QStringList{"Открыть...", "Открыть локальную", "Сохранить как...",
-                                                    "Экспорт", "Импорт...", "Мастер обслуживания",
-                                                    "Параметры", "Поиск"};
+                                     << QStringList{"Открыть...",       "Открыть локальную",
+                                                    "Сохранить как...", "Экспорт",
+                                                    "Импорт...",        "Мастер обслуживания",
+                                                    "Параметры",        "Поиск"};
         QTest::newRow("Вид") << "&Вид" << QStringList{"Панели инструментов", "Панель vinora"};
     }
 
