@@ -19,7 +19,7 @@ namespace {
 class Random
 {
 public:
-    explicit Random(std::uint64_t seed) : m_state(seed) {}
+    explicit Random(std::uint64_t start) : m_state(start) {}
     std::uint32_t next()
     {
         m_state ^= m_state << 13;
