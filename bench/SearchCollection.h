@@ -2,8 +2,8 @@
 
 // A large collection of computer discs for the search benchmark: 2,000 discs of 2,500 rows
 // each (5,000,000 rows: folders and files with Cyrillic and Latin names, a comment on some),
-// made the same way on every run from a fixed starting state, plus the text dump of the same names and
-// paths that the reference tool reads.
+// made the same way on every run from a fixed starting state, plus the text dump of the same
+// file names that the reference tool reads.
 #include "frame/AppContext.h"
 
 #include <QString>
