@@ -6,6 +6,7 @@
 #include "store/DatabaseLock.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "support/CliRun.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
@@ -15,22 +16,14 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <unistd.h>
 
 using namespace vinora;
 
 namespace {
 
-struct Run
-{
-    int code = -1;
-    bool crashed = true;
-    QString out;
-    QString err;
-};
+using Run = test::CliRun;
 
 // An application folder of its own for each test, with the three databases when asked.
 struct Home
@@ -53,63 +46,7 @@ struct Home
         db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (3, 'Диск', 1)");
     }
 
-    Run cli(const QStringList& arguments, int timeout = 60000) const
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("VINORA_HOME", path());
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(VINORA_CLI), arguments);
-        Run run;
-        if (!process.waitForFinished(timeout)) {
-            process.kill();
-            process.waitForFinished();
-            return run;
-        }
-        run.crashed = process.exitStatus() != QProcess::NormalExit;
-        run.code = process.exitCode();
-        run.out = QString::fromUtf8(process.readAllStandardOutput());
-        run.err = QString::fromUtf8(process.readAllStandardError());
-        return run;
-    }
-};
-
-// A file that refuses writes while the guard lives, for root as well (the immutable flag).
-class ReadOnlyFile
-{
-public:
-    explicit ReadOnlyFile(QString path) : m_path(std::move(path))
-    {
-        QFile::setPermissions(m_path,
-                              QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
-        if (writable() && ::geteuid() == 0) {
-            m_immutable = chattr("+i");
-        }
-    }
-    ~ReadOnlyFile()
-    {
-        if (m_immutable) {
-            chattr("-i");
-        }
-        QFile::setPermissions(m_path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    }
-    ReadOnlyFile(const ReadOnlyFile&) = delete;
-    ReadOnlyFile& operator=(const ReadOnlyFile&) = delete;
-
-    bool active() const { return !writable(); }
-
-private:
-    bool writable() const { return ::access(QFile::encodeName(m_path).constData(), W_OK) == 0; }
-    bool chattr(const char* flag) const
-    {
-        QProcess tool;
-        tool.start("chattr", {QString::fromLatin1(flag), m_path});
-        return tool.waitForFinished(10000) && tool.exitStatus() == QProcess::NormalExit &&
-               tool.exitCode() == 0;
-    }
-
-    QString m_path;
-    bool m_immutable = false;
+    Run cli(const QStringList& arguments) const { return test::runCli(path(), arguments); }
 };
 
 enum Damage { Damaged, Empty, ForeignText, ForeignSqlite, Missing, ReadOnly };
@@ -120,7 +57,7 @@ const QList<std::pair<Damage, const char*>> kDamages = {
     {Missing, "missing"},          {ReadOnly, "read-only"}};
 
 // Brings the database at `path` to the given state; the guard keeps a read-only one so.
-std::unique_ptr<ReadOnlyFile> damage(const QString& path, Damage kind)
+std::unique_ptr<test::ReadOnlyFolder> damage(const QString& path, Damage kind)
 {
     switch (kind) {
     case Damaged: {
@@ -149,7 +86,7 @@ std::unique_ptr<ReadOnlyFile> damage(const QString& path, Damage kind)
         QFile::remove(path);
         break;
     case ReadOnly:
-        return std::make_unique<ReadOnlyFile>(path);
+        return std::make_unique<test::ReadOnlyFolder>(path);
     }
     return {};
 }
@@ -280,48 +217,37 @@ private slots:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("message");
-        QTest::newRow("nothing") << QStringList() << "no verb given";
-        QTest::newRow("unknown verb") << QStringList{"frobnicate"} << "unknown verb 'frobnicate'";
-        QTest::newRow("unknown option of the tool") << QStringList{"--bogus"} << "Unknown option 'bogus'";
-        QTest::newRow("unknown option of a verb")
-            << QStringList{"toc", "--bogus", "$CUE"} << "toc: Unknown option 'bogus'";
-        QTest::newRow("option of another verb")
-            << QStringList{"drives", "--json"} << "drives: Unknown option 'json'";
-        QTest::newRow("missing argument")
-            << QStringList{"identify"} << "identify: missing argument; usage: vinora-cli identify DRIVE";
-        QTest::newRow("extra argument")
-            << QStringList{"add-image", "$ISO", "$CUE"} << "add-image: unexpected argument '$CUE'";
-        QTest::newRow("scan without number")
-            << QStringList{"scan", "$ISO", "--folders"} << "scan needs --number N";
-        QTest::newRow("number without value")
-            << QStringList{"scan", "$ISO", "--number"} << "scan: Missing value after '--number'";
-        QTest::newRow("number not a number") << QStringList{"scan", "$ISO", "--number", "three"}
-                                             << "--number takes a whole number from 1 to 32767, not 'three'";
-        QTest::newRow("number zero") << QStringList{"scan", "$ISO", "--number", "0"}
-                                     << "--number takes a whole number from 1 to 32767, not '0'";
-        QTest::newRow("disc out of the set") << QStringList{"scan", "$ISO", "--number", "3", "--disc", "7"}
-                                             << "--disc takes a whole number from 1 to 6, not '7'";
-        QTest::newRow("both filters") << QStringList{"scan",
-                                                     "$ISO",
-                                                     "--number",
-                                                     "3",
-                                                     "--folders",
-                                                     "--filter-exclude",
-                                                     "--filter-include"}
-                                      << "--filter-exclude and --filter-include exclude each other";
-        QTest::newRow("help of no verb") << QStringList{"help", "frobnicate"} << "help: no verb 'frobnicate'";
-        QTest::newRow("lend to no category") << QStringList{"lend", "CD", "3", "Анна"}
-                                             << "CATEGORY is AD, PC or DVD, not 'CD'";
-        QTest::newRow("lend no number") << QStringList{"lend", "PC", "три", "Анна"}
-                                        << "NUMBER takes a whole number from 1 to 32767, not 'три'";
-        QTest::newRow("lend to nobody") << QStringList{"lend", "PC", "3", " "} << "NAME takes 1 to 50 characters";
-        QTest::newRow("lend to a long name") << QStringList{"lend", "PC", "3", QString(51, u'я')}
-                                             << "NAME takes 1 to 50 characters";
-        QTest::newRow("lend until yesterday")
-            << QStringList{"lend", "PC", "3", "Анна", "--until", QDate::currentDate().addDays(-1).toString(Qt::ISODate)}
-            << "--until takes a day from today on";
-        QTest::newRow("lend until no day") << QStringList{"lend", "PC", "3", "Анна", "--until", "2026-02-30"}
-                                           << "--until takes a day from today on, as YYYY-MM-DD, not '2026-02-30'";
+        const auto row = [](const char* tag, const QStringList& arguments, const QString& message) {
+            QTest::newRow(tag) << arguments << message;
+        };
+        const QString number = "--number takes a whole number from 1 to 32767, not ";
+        row("nothing", {}, "no verb given");
+        row("unknown verb", {"frobnicate"}, "unknown verb 'frobnicate'");
+        row("unknown option of the tool", {"--bogus"}, "Unknown option 'bogus'");
+        row("unknown option of a verb", {"toc", "--bogus", "$CUE"}, "toc: Unknown option 'bogus'");
+        row("option of another verb", {"drives", "--json"}, "drives: Unknown option 'json'");
+        row("missing argument", {"identify"}, "identify: missing argument; usage: vinora-cli identify DRIVE");
+        row("extra argument", {"add-image", "$ISO", "$CUE"}, "add-image: unexpected argument '$CUE'");
+        row("scan without number", {"scan", "$ISO", "--folders"}, "scan needs --number N");
+        row("number without value", {"scan", "$ISO", "--number"}, "scan: Missing value after '--number'");
+        row("number not a number", {"scan", "$ISO", "--number", "three"}, number + "'three'");
+        row("number zero", {"scan", "$ISO", "--number", "0"}, number + "'0'");
+        row("disc out of the set", {"scan", "$ISO", "--number", "3", "--disc", "7"},
+            "--disc takes a whole number from 1 to 6, not '7'");
+        row("both filters",
+            {"scan", "$ISO", "--number", "3", "--folders", "--filter-exclude", "--filter-include"},
+            "--filter-exclude and --filter-include exclude each other");
+        row("help of no verb", {"help", "frobnicate"}, "help: no verb 'frobnicate'");
+        row("lend to no category", {"lend", "CD", "3", "Анна"}, "CATEGORY is AD, PC or DVD, not 'CD'");
+        row("lend no number", {"lend", "PC", "три", "Анна"},
+            "NUMBER takes a whole number from 1 to 32767, not 'три'");
+        row("lend to nobody", {"lend", "PC", "3", " "}, "NAME takes 1 to 50 characters");
+        row("lend to a long name", {"lend", "PC", "3", QString(51, u'я')}, "NAME takes 1 to 50 characters");
+        row("lend until yesterday",
+            {"lend", "PC", "3", "Анна", "--until", QDate::currentDate().addDays(-1).toString(Qt::ISODate)},
+            "--until takes a day from today on");
+        row("lend until no day", {"lend", "PC", "3", "Анна", "--until", "2026-02-30"},
+            "--until takes a day from today on, as YYYY-MM-DD, not '2026-02-30'");
     }
 
     void usageErrors()
@@ -351,9 +277,8 @@ private slots:
         QCOMPARE(home.cli({"-h"}).out, help.out);
         QVERIFY(help.out.startsWith("Usage: vinora-cli VERB [options] [arguments]\n"));
         const QStringList lines = help.out.split('\n');
-        const QStringList verbs = {"drives", "add-image", "remove-image", "identify", "toc",
-                                   "scan",   "cddb",      "tracks",       "search",   "loans",
-                                   "lend",   "return"};
+        const QStringList verbs = {"drives", "add-image", "remove-image", "identify", "toc",  "scan",
+                                   "cddb",   "tracks",    "search",       "loans",    "lend", "return"};
         QStringList listed;
         for (const QString& line : lines) {
             const QString word = line.section(' ', 2, 2);
@@ -381,46 +306,23 @@ private slots:
         QTest::addColumn<QString>("verb");
         QTest::addColumn<QString>("usage");
         QTest::addColumn<QStringList>("options");
-        QTest::newRow("drives") << "drives"
-                                << "Usage: vinora-cli drives\n"
-                                << QStringList{"-h, --help"};
-        QTest::newRow("add-image") << "add-image"
-                                   << "Usage: vinora-cli add-image IMAGE\n"
-                                   << QStringList{"IMAGE"};
-        QTest::newRow("remove-image") << "remove-image"
-                                      << "Usage: vinora-cli remove-image IMAGE\n"
-                                      << QStringList{"IMAGE"};
-        QTest::newRow("identify") << "identify"
-                                  << "Usage: vinora-cli identify [options] DRIVE\n"
-                                  << QStringList{"--json", "DRIVE"};
-        QTest::newRow("toc") << "toc"
-                             << "Usage: vinora-cli toc [options] DRIVE\n"
-                             << QStringList{"--json", "leadout"};
-        QTest::newRow("scan")
-            << "scan"
-            << "Usage: vinora-cli scan [options] DRIVE\n"
-            << QStringList{
-                   "--number <N>", "--disc <K>", "--files-in-root", "--folders",        "--folders-only",
-                   "--lower-case", "--hidden",   "--mp3",           "--filter-exclude", "--filter-include",
-                   "--bind",       "--new-id",   "--json"};
-        QTest::newRow("cddb") << "cddb"
-                              << "Usage: vinora-cli cddb [options] DRIVE\n"
-                              << QStringList{"--server <HOST:PORT>", "--timeout <S>", "--email <ADDRESS>"};
-        QTest::newRow("tracks") << "tracks"
-                                << "Usage: vinora-cli tracks [options] NUMBER\n"
-                                << QStringList{"--disc <K>", "--json"};
-        QTest::newRow("search") << "search"
-                                << "Usage: vinora-cli search [options] TEXT\n"
-                                << QStringList{"--tracks", "--folders", "--comments", "--whole"};
-        QTest::newRow("loans") << "loans"
-                               << "Usage: vinora-cli loans [options]\n"
-                               << QStringList{"--json", "days overdue"};
-        QTest::newRow("lend") << "lend"
-                              << "Usage: vinora-cli lend [options] CATEGORY NUMBER NAME\n"
-                              << QStringList{"--until <YYYY-MM-DD>", "CATEGORY", "NAME"};
-        QTest::newRow("return") << "return"
-                                << "Usage: vinora-cli return CATEGORY NUMBER\n"
-                                << QStringList{"NUMBER"};
+        const auto row = [](const char* verb, const QString& usage, const QStringList& options) {
+            QTest::newRow(verb) << QString::fromUtf8(verb) << "Usage: vinora-cli " + usage + "\n" << options;
+        };
+        row("drives", "drives", {"-h, --help"});
+        row("add-image", "add-image IMAGE", {"IMAGE"});
+        row("remove-image", "remove-image IMAGE", {"IMAGE"});
+        row("identify", "identify [options] DRIVE", {"--json", "DRIVE"});
+        row("toc", "toc [options] DRIVE", {"--json", "leadout"});
+        row("scan", "scan [options] DRIVE",
+            {"--number <N>", "--disc <K>", "--files-in-root", "--folders", "--folders-only", "--lower-case",
+             "--hidden", "--mp3", "--filter-exclude", "--filter-include", "--bind", "--new-id", "--json"});
+        row("cddb", "cddb [options] DRIVE", {"--server <HOST:PORT>", "--timeout <S>", "--email <ADDRESS>"});
+        row("tracks", "tracks [options] NUMBER", {"--disc <K>", "--json"});
+        row("search", "search [options] TEXT", {"--tracks", "--folders", "--comments", "--whole"});
+        row("loans", "loans [options]", {"--json", "days overdue"});
+        row("lend", "lend [options] CATEGORY NUMBER NAME", {"--until <YYYY-MM-DD>", "CATEGORY", "NAME"});
+        row("return", "return CATEGORY NUMBER", {"NUMBER"});
     }
 
     void helpOfEachVerb()
@@ -447,44 +349,34 @@ private slots:
         Home home;
         home.makeDatabases();
         const QString missing = m_dir.filePath("missing.iso");
+        const auto refused = [&](const QStringList& arguments, const QString& message) {
+            const Run run = home.cli(arguments);
+            QCOMPARE(run.code, 1);
+            QCOMPARE(run.err, "vinora-cli: " + message + "\n");
+        };
 
         QCOMPARE(home.cli({"identify", m_iso}).code, 0);
-        Run run = home.cli({"identify", missing});
-        QCOMPARE(run.code, 1);
-        QCOMPARE(run.err, "vinora-cli: no usable medium in " + missing + "\n");
+        refused({"identify", missing}, "no usable medium in " + missing);
         QCOMPARE(home.cli({"toc", m_cue}).code, 0);
         QCOMPARE(home.cli({"toc", missing}).code, 1);
 
         QCOMPARE(home.cli({"drives"}).out.contains(m_iso), false);
         QCOMPARE(home.cli({"add-image", m_iso}).code, 0);
         QVERIFY(home.cli({"drives"}).out.endsWith(m_iso + "\n"));
-        run = home.cli({"add-image", m_iso});
-        QCOMPARE(run.code, 1);
-        QCOMPARE(run.err, "vinora-cli: already registered: " + m_iso + "\n");
-        run = home.cli({"add-image", missing});
-        QCOMPARE(run.code, 1);
-        QCOMPARE(run.err, "vinora-cli: no such file: " + missing + "\n");
-        run = home.cli({"add-image", m_dir.path()});
-        QCOMPARE(run.code, 1);
-        QCOMPARE(run.err, "vinora-cli: not an image file: " + m_dir.path() + "\n");
+        refused({"add-image", m_iso}, "already registered: " + m_iso);
+        refused({"add-image", missing}, "no such file: " + missing);
+        refused({"add-image", m_dir.path()}, "not an image file: " + m_dir.path());
         QCOMPARE(home.cli({"remove-image", m_iso}).code, 0);
         QVERIFY(!home.cli({"drives"}).out.contains(m_iso));
-        run = home.cli({"remove-image", m_iso});
-        QCOMPARE(run.code, 1);
-        QCOMPARE(run.err, "vinora-cli: not registered: " + m_iso + "\n");
+        refused({"remove-image", m_iso}, "not registered: " + m_iso);
 
         const QStringList scan = {"scan", m_iso, "--number", "3", "--files-in-root", "--folders"};
-        run = home.cli(QStringList{"scan", m_iso, "--number", "99", "--folders"});
-        QCOMPARE(run.code, 1);
-        QCOMPARE(run.err, "vinora-cli: no computer disc number 99\n");
-        run = home.cli({"scan", m_iso, "--number", "3"});
-        QCOMPARE(run.code, 1);
-        QCOMPARE(run.err, "vinora-cli: Выберите область сканирования диска!\n");
-        run = home.cli({"scan", m_cue, "--number", "3", "--folders"});
-        QCOMPARE(run.code, 1);
-        QCOMPARE(run.err, "vinora-cli: В устройстве для чтения компакт дисков вставлен Аудио диск.\n");
+        refused({"scan", m_iso, "--number", "99", "--folders"}, "no computer disc number 99");
+        refused({"scan", m_iso, "--number", "3"}, "Выберите область сканирования диска!");
+        refused({"scan", m_cue, "--number", "3", "--folders"},
+                "В устройстве для чтения компакт дисков вставлен Аудио диск.");
         QCOMPARE(storedRows(home.filesDb(), m_isoId), 0);
-        run = home.cli(scan);
+        Run run = home.cli(scan);
         QCOMPARE(run.code, 0);
         QVERIFY(storedRows(home.filesDb(), m_isoId) > 0);
         QCOMPARE(run.out,
@@ -495,7 +387,6 @@ private slots:
         QCOMPARE(home.cli(scan + QStringList{"--new-id", "--disc", "2"}).code, 0);
     }
 
-    // A scan never makes the databases: the program does that when it starts.
     void lendingThroughTheTool()
     {
         Home home;
@@ -534,9 +425,10 @@ private slots:
         QCOMPARE(home.cli({"loans"}).out, "PC\t3\tДиск\tАнна\t" + today + "\t-\t0\n");
         Db db(home.mainDb());
         QCOMPARE(db.scalar("SELECT Должник FROM Аудио").toInt(), 0);
-        QCOMPARE(db.scalar("SELECT ДатаВозвратаРеальная FROM Должники WHERE КодДиска = 1 AND Категория = 'AD'")
-                     .toString(),
-                 today);
+        QCOMPARE(
+            db.scalar("SELECT ДатаВозвратаРеальная FROM Должники WHERE КодДиска = 1 AND Категория = 'AD'")
+                .toString(),
+            today);
     }
 
     void cddbRecordOfTheDiscInADrive()
@@ -548,29 +440,21 @@ private slots:
         Home home;
         const auto ask = [&](const QStringList& extra) {
             QProcess process;
-            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-            environment.insert("VINORA_HOME", home.path());
-            process.setProcessEnvironment(environment);
-            process.start(QStringLiteral(VINORA_CLI),
-                          QStringList{"cddb", cue, "--server", "127.0.0.1:" + QString::number(server.port()),
-                                      "--email", "tester@example.org"} +
-                              extra);
+            test::startCli(process, home.path(),
+                           QStringList{"cddb", cue, "--server", "127.0.0.1:" + QString::number(server.port()),
+                                       "--email", "tester@example.org"} +
+                               extra);
             // The server answers from this thread's event loop while the tool runs.
             [&] { QTRY_VERIFY_WITH_TIMEOUT(process.state() == QProcess::NotRunning, 30000); }();
-            Run run;
-            run.crashed = process.exitStatus() != QProcess::NormalExit;
-            run.code = process.exitCode();
-            run.out = QString::fromUtf8(process.readAllStandardOutput());
-            run.err = QString::fromUtf8(process.readAllStandardError());
-            return run;
+            return test::readCli(process);
         };
         const Run found = ask({});
         QVERIFY2(found.code == 0, qPrintable(found.err));
         QCOMPARE(found.out, "discid: 12025d03\ncategory: country\nartist: Ernest Ray Everett - Single CD\n"
                             "album: Ernest Ray Everett - Single CD\n1\tI'm Your Puppet\n2\tMe And Jacky\n"
                             "3\tIf You Don't Like Country\n");
-        QVERIFY(server.received.contains("cddb hello tester@example.org " + QHostInfo::localHostName().toUtf8() +
-                                         " vinora 1.0\r\n"));
+        QVERIFY(server.received.contains("cddb hello tester@example.org " +
+                                         QHostInfo::localHostName().toUtf8() + " vinora 1.0\r\n"));
         QVERIFY(QDir(home.path()).entryList(QDir::Files).isEmpty()); // nothing written
 
         server.reply("cddb query", "202 No match for disc ID 12025d03.\r\n");
@@ -586,7 +470,8 @@ private slots:
         home.makeDatabases();
         {
             Db db(home.mainDb());
-            db.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля, ДискID1) VALUES (12, 'Кино', 2, 1, 'A1B2')");
+            db.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля, ДискID1) VALUES (12, 'Кино', 2, "
+                    "1, 'A1B2')");
             Db tracks(home.tracksDb());
             ContentsLists(tracks, ContentsKind::Tracks).create("A1B2");
             tracks.exec("INSERT INTO Треки (ДискID, Номер, Название, Комментарий) VALUES "
@@ -595,7 +480,8 @@ private slots:
         const Run listed = home.cli({"tracks", "12"});
         QCOMPARE(listed.code, 0);
         QCOMPARE(listed.out, "1\tГруппа крови\tхит\n2\tЗакрой за мной дверь\t\n");
-        const QJsonArray json = QJsonDocument::fromJson(home.cli({"tracks", "12", "--json"}).out.toUtf8()).array();
+        const QJsonArray json =
+            QJsonDocument::fromJson(home.cli({"tracks", "12", "--json"}).out.toUtf8()).array();
         QCOMPARE(json.size(), 2);
         QCOMPARE(json.at(1).toObject().value("title").toString(), "Закрой за мной дверь");
         const Run second = home.cli({"tracks", "12", "--disc", "2"});
@@ -655,6 +541,7 @@ private slots:
                  qPrintable(missing.err));
     }
 
+    // A scan never makes the databases: the program does that when it starts.
     void scanWithoutDatabasesMakesNone()
     {
         Home home;
@@ -694,9 +581,9 @@ private slots:
             QCOMPARE(home.cli(filled(setup)).code, 0);
         }
         const QByteArray before = test::readFile(ini);
-        const auto file = std::make_unique<ReadOnlyFile>(ini);
-        test::ReadOnlyFolder folder(home.path());
-        if (!file->active() || !folder.active()) {
+        const test::ReadOnlyFolder file(ini);
+        const test::ReadOnlyFolder folder(home.path());
+        if (!file.active() || !folder.active()) {
             QSKIP("this machine lets the test's user write a read-only file");
         }
         const Run run = home.cli(filled(arguments));
@@ -770,10 +657,7 @@ private slots:
             DatabaseLock::tryAcquire(home.mainDb(), DatabaseLock::Mode::Exclusive);
         QVERIFY(maintenance);
         QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("VINORA_HOME", home.path());
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(VINORA_CLI), scan);
+        test::startCli(process, home.path(), scan);
         QVERIFY(process.waitForStarted());
         QVERIFY(!process.waitForFinished(1200));
         QByteArray err;

@@ -75,13 +75,8 @@ struct App
     {
         QList<test::SampleDisc> list;
         for (int n = 1; n <= discs; ++n) {
-            list.append({Category::Computer,
-                         n,
-                         QString("Диск %1").arg(n),
-                         {},
-                         "Квест",
-                         {QString("F%1").arg(n)},
-                         100});
+            const QString id = QString::number(n);
+            list.append({Category::Computer, n, "Диск " + id, {}, "Квест", {"F" + id}, 100});
         }
         return list;
     }

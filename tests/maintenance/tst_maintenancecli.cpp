@@ -2,24 +2,19 @@
 #include "store/ContentsLists.h"
 #include "store/DatabaseLock.h"
 #include "store/Db.h"
+#include "support/CliRun.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace vinora;
 
 namespace {
 
-struct Run
-{
-    int code = -1;
-    QString out;
-    QString err;
-};
+using Run = test::CliRun;
 
 // An application folder with its databases and discs, and the tool run on it.
 struct Home
@@ -32,21 +27,7 @@ struct Home
                                     {Category::Computer, 1, "Игры", {}, "Квест", {"C1", "C2"}}});
     }
     QString file(const QString& name) const { return dir.filePath(name); }
-    Run cli(const QStringList& arguments) const
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("VINORA_HOME", dir.path());
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(VINORA_CLI), arguments);
-        Run run;
-        if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit) {
-            run.code = process.exitCode();
-        }
-        run.out = QString::fromUtf8(process.readAllStandardOutput());
-        run.err = QString::fromUtf8(process.readAllStandardError());
-        return run;
-    }
+    Run cli(const QStringList& arguments) const { return test::runCli(dir.path(), arguments, 120000); }
     int discs() const { return test::countOf(file("vinora.db"), "SELECT count(*) FROM Аудио"); }
 };
 

@@ -75,13 +75,6 @@ private slots:
         choose(1);
         QCOMPARE(box->text(), QString("Пересоздать базу данных по структуре дисков"));
         QCOMPARE(box->isEnabled(), true);
-        QCOMPARE(window.findChild<QRadioButton*>("optReanimation0")->text(),
-                 QString("Полное восстановление"));
-        QCOMPARE(window.findChild<QRadioButton*>("optReanimation1")->text(),
-                 QString("Восстановление ссылок на структуру диска"));
-        QCOMPARE(window.findChild<QRadioButton*>("optReanimation2")->text(),
-                 QString("Восстановление ссылок на треки"));
-        QCOMPARE(window.windowTitle(), QString("Реанимация Базы данных"));
     }
 
     void linksRepaired_data()
@@ -91,13 +84,9 @@ private slots:
         QTest::addColumn<QString>("contents");
         QTest::addColumn<QString>("dropped");
         QTest::addColumn<QString>("repaired");
-        QTest::newRow("file lists") << 1 << "Компьютер"
-                                    << "files"
-                                    << "C2"
+        QTest::newRow("file lists") << 1 << QString("Компьютер") << QString("files") << QString("C2")
                                     << "2:C1--";
-        QTest::newRow("track lists") << 2 << "Аудио"
-                                     << "tracks"
-                                     << "A1"
+        QTest::newRow("track lists") << 2 << QString("Аудио") << QString("tracks") << QString("A1")
                                      << "3:-A2A3";
     }
 
@@ -140,13 +129,10 @@ private slots:
     {
         QTest::addColumn<int>("option");
         QTest::addColumn<QString>("question");
-        QTest::newRow("file lists")
-            << 1
-            << "Вы уверены, что хотите приступить к реанимации структуры дисков?\n\nВсе ранее "
-               "добавленные файлы будут удалены!";
-        QTest::newRow("track lists") << 2
-                                     << "Вы уверены, что хотите приступить к реанимации треков?\n\nВсе ранее "
-                                        "добавленные треки будут удалены!";
+        const QString question = "Вы уверены, что хотите приступить к реанимации %1?\n\nВсе ранее "
+                                 "добавленные %2 будут удалены!";
+        QTest::newRow("file lists") << 1 << question.arg(QString("структуры дисков"), QString("файлы"));
+        QTest::newRow("track lists") << 2 << question.arg(QString("треков"), QString("треки"));
     }
 
     void listsRebuilt()

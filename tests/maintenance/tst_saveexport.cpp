@@ -264,12 +264,9 @@ private slots:
     {
         QTest::addColumn<QString>("command"); // a tool, or "panel" for the vinora panel's item
         QTest::addColumn<QString>("window");
-        QTest::newRow("ID_DB_Wizard") << "ID_DB_Wizard"
-                                      << "frmDBWizard";
-        QTest::newRow("Мастер обслуживания") << "panel"
-                                             << "frmDBWizard";
-        QTest::newRow("ID_DB_Import") << "ID_DB_Import"
-                                      << "frmImport";
+        QTest::newRow("ID_DB_Wizard") << QString("ID_DB_Wizard") << "frmDBWizard";
+        QTest::newRow("Мастер обслуживания") << QString("panel") << "frmDBWizard";
+        QTest::newRow("ID_DB_Import") << QString("ID_DB_Import") << "frmImport";
     }
 
     void commandsOpenTheirWindows()

@@ -4,8 +4,8 @@
 
 namespace vinora::test {
 
-// Makes a folder refuse new files for as long as the guard lives, also for root (where
-// the permission bits alone do not stop writes, the immutable flag is set).
+// Makes a folder refuse new files, or a file refuse writes, for as long as the guard lives, also
+// for root (where the permission bits alone do not stop writes, the immutable flag is set).
 class ReadOnlyFolder
 {
 public:
