@@ -11,6 +11,7 @@
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
+#include "support/Widgets.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -55,9 +56,7 @@ struct Shortcuts
 
 template <typename T> T* child(const QWidget& form, const char* name, int row)
 {
-    auto* widget = form.findChild<T*>(QString::fromLatin1(name) + QString::number(row));
-    Q_ASSERT(widget != nullptr);
-    return widget;
+    return test::child<T>(form, QString::fromLatin1(name) + QString::number(row));
 }
 
 // Fills condition `row` as the user does: "field|operator|value", "" leaves it alone.
@@ -95,14 +94,7 @@ void save(frmCreateQuery& form)
     form.findChild<QPushButton*>("imgButton0")->click();
 }
 
-QStringList items(const QComboBox* box)
-{
-    QStringList texts;
-    for (int i = 0; i < box->count(); ++i) {
-        texts.append(box->itemText(i));
-    }
-    return texts;
-}
+using test::items;
 
 // The whole query.ini after the first shortcut was saved into an empty file.
 QByteArray firstShortcutFile(const QString& name, const QString& category, const QStringList& queries)
@@ -257,25 +249,22 @@ private slots:
         QTest::addColumn<QStringList>("conditions");
         QTest::addColumn<QString>("code");
         QTest::addColumn<QStringList>("queries");
-        QTest::newRow("Номер =") << 0 << QStringList{"Номер|=|5"} << "AD" << QStringList{"And Номер = 5"};
-        QTest::newRow("Номер <") << 0 << QStringList{"Номер|<|10"} << "AD" << QStringList{"And Номер < 10"};
-        QTest::newRow("Номер >") << 1 << QStringList{"Номер|>| 3 "} << "PC" << QStringList{"And Номер > 3"};
-        QTest::newRow("Номер LIKE, unquoted")
-            << 2 << QStringList{"Номер|LIKE|12"} << "DVD" << QStringList{"And Номер LIKE 12"};
-        QTest::newRow("Название LIKE")
-            << 0 << QStringList{"Название|LIKE|abc"} << "AD" << QStringList{"And Название LIKE '*abc*'"};
-        QTest::newRow("Название =") << 1 << QStringList{"Название|=|Кино"} << "PC"
-                                    << QStringList{"And Название = 'Кино'"};
-        QTest::newRow("Стиль from the dictionary")
-            << 0 << QStringList{"Стиль|=|Rock & Roll"} << "AD" << QStringList{"And Стиль = 'Rock & Roll'"};
-        QTest::newRow("Описание LIKE")
-            << 1 << QStringList{"Описание|LIKE|Квест"} << "PC" << QStringList{"And Описание LIKE '*Квест*'"};
-        QTest::newRow("Жанр =") << 2 << QStringList{"Жанр|=|Комедия"} << "DVD"
-                                << QStringList{"And Жанр = 'Комедия'"};
-        QTest::newRow("apostrophe doubled")
-            << 0 << QStringList{"Альбом|LIKE|O'Brien"} << "AD" << QStringList{"And Альбом LIKE '*O''Brien*'"};
-        QTest::newRow("second and third only") << 0 << QStringList{"", "Стиль|LIKE|Rock", "Номер|>|2"} << "AD"
-                                               << QStringList{"", "And Стиль LIKE '*Rock*'", "And Номер > 2"};
+        const auto row = [](const char* tag, int category, const QStringList& conditions, const QString& code,
+                            const QStringList& queries) {
+            QTest::newRow(tag) << category << conditions << code << queries;
+        };
+        row("Номер =", 0, {"Номер|=|5"}, "AD", {"And Номер = 5"});
+        row("Номер <", 0, {"Номер|<|10"}, "AD", {"And Номер < 10"});
+        row("Номер >", 1, {"Номер|>| 3 "}, "PC", {"And Номер > 3"});
+        row("Номер LIKE, unquoted", 2, {"Номер|LIKE|12"}, "DVD", {"And Номер LIKE 12"});
+        row("Название LIKE", 0, {"Название|LIKE|abc"}, "AD", {"And Название LIKE '*abc*'"});
+        row("Название =", 1, {"Название|=|Кино"}, "PC", {"And Название = 'Кино'"});
+        row("Стиль from the dictionary", 0, {"Стиль|=|Rock & Roll"}, "AD", {"And Стиль = 'Rock & Roll'"});
+        row("Описание LIKE", 1, {"Описание|LIKE|Квест"}, "PC", {"And Описание LIKE '*Квест*'"});
+        row("Жанр =", 2, {"Жанр|=|Комедия"}, "DVD", {"And Жанр = 'Комедия'"});
+        row("apostrophe doubled", 0, {"Альбом|LIKE|O'Brien"}, "AD", {"And Альбом LIKE '*O''Brien*'"});
+        row("second and third only", 0, {"", "Стиль|LIKE|Rock", "Номер|>|2"}, "AD",
+            {"", "And Стиль LIKE '*Rock*'", "And Номер > 2"});
     }
 
     void fragmentsWritten()
@@ -346,13 +335,11 @@ private slots:
     {
         QTest::addColumn<QString>("stored");
         QTest::addColumn<QString>("name");
-        QTest::newRow("no file") << ""
-                                 << "Запрос1";
+        QTest::newRow("no file") << QString() << "Запрос1";
         QTest::newRow("other names") << kThree << "Запрос1";
-        QTest::newRow("a gap") << "[Query]\nCount=2\n[1]\nName=Запрос1\n[2]\nName=запрос3\n"
+        QTest::newRow("a gap") << QString("[Query]\nCount=2\n[1]\nName=Запрос1\n[2]\nName=запрос3\n")
                                << "Запрос2";
-        QTest::newRow("in any case") << "[Query]\nCount=1\n[1]\nName=ЗАПРОС1\n"
-                                     << "Запрос2";
+        QTest::newRow("in any case") << QString("[Query]\nCount=1\n[1]\nName=ЗАПРОС1\n") << "Запрос2";
     }
 
     void defaultNames()
@@ -371,30 +358,21 @@ private slots:
     {
         QTest::addColumn<QString>("fragment");
         QTest::addColumn<QString>("condition"); // "-" when it does not read
-        QTest::newRow("number") << "And Номер > 12"
-                                << "Номер|>|12";
-        QTest::newRow("LIKE") << "and Название like '*abc*'"
-                              << "Название|LIKE|abc";
-        QTest::newRow("doubled apostrophe") << "And Альбом LIKE '*O''Brien*'"
-                                            << "Альбом|LIKE|O'Brien";
-        QTest::newRow("blanks inside") << "And Стиль =  'Rock & Roll'"
-                                       << "Стиль|=|Rock & Roll";
-        QTest::newRow("single apostrophe inside") << "And Название = 'Rock'n'Roll'"
-                                                  << "-";
-        QTest::newRow("OR") << "Or Номер = 5"
-                            << "-";
-        QTest::newRow("operator not offered") << "And Номер <> 5"
-                                              << "-";
-        QTest::newRow("< on text") << "And Название < 'a'"
-                                   << "-";
-        QTest::newRow("number in quotes") << "And Номер = '12'"
-                                          << "-";
-        QTest::newRow("statement after it") << "And Номер = 5; DROP TABLE Аудио"
-                                            << "-";
-        QTest::newRow("open quote") << "And Название = 'abc"
-                                    << "-";
-        QTest::newRow("nothing after the operator") << "And Номер ="
-                                                    << "-";
+        const auto row = [](const char* tag, const QString& fragment, const QString& condition) {
+            QTest::newRow(tag) << fragment << condition;
+        };
+        row("number", "And Номер > 12", "Номер|>|12");
+        row("LIKE", "and Название like '*abc*'", "Название|LIKE|abc");
+        row("doubled apostrophe", "And Альбом LIKE '*O''Brien*'", "Альбом|LIKE|O'Brien");
+        row("blanks inside", "And Стиль =  'Rock & Roll'", "Стиль|=|Rock & Roll");
+        row("single apostrophe inside", "And Название = 'Rock'n'Roll'", "-");
+        row("OR", "Or Номер = 5", "-");
+        row("operator not offered", "And Номер <> 5", "-");
+        row("< on text", "And Название < 'a'", "-");
+        row("number in quotes", "And Номер = '12'", "-");
+        row("statement after it", "And Номер = 5; DROP TABLE Аудио", "-");
+        row("open quote", "And Название = 'abc", "-");
+        row("nothing after the operator", "And Номер =", "-");
     }
 
     void readBack()
@@ -414,13 +392,11 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("message");
         QTest::addColumn<QStringList>("list");
-        QTest::newRow("same name") << "Джаз"
-                                   << "" << QStringList{"Рок", "Джаз", "Игры"};
-        QTest::newRow("renamed") << "Блюз"
-                                 << "" << QStringList{"Рок", "Блюз", "Игры"};
-        QTest::newRow("name of another") << "игры"
-                                         << "Запрос с таким именем уже существует. Выберите другое название!"
-                                         << QStringList{"Рок", "Джаз", "Игры"};
+        QTest::newRow("same name") << QString("Джаз") << QString() << QStringList{"Рок", "Джаз", "Игры"};
+        QTest::newRow("renamed") << QString("Блюз") << QString() << QStringList{"Рок", "Блюз", "Игры"};
+        QTest::newRow("name of another")
+            << QString("игры") << "Запрос с таким именем уже существует. Выберите другое название!"
+            << QStringList{"Рок", "Джаз", "Игры"};
     }
 
     void editingKeepsItsPlace()

@@ -8,6 +8,7 @@
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
+#include "support/Widgets.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -77,10 +78,7 @@ struct Catalogue
     }
 };
 
-template <typename T = QWidget> T* child(const QObject& window, const char* name)
-{
-    return window.findChild<T*>(QString::fromLatin1(name));
-}
+using test::child;
 
 QString cells(const QTreeWidgetItem* item, int count)
 {
@@ -239,11 +237,9 @@ private slots:
         window.show();
         search(window, false, false, false, "rock");
         QHeaderView* header = child<QTreeWidget>(window, "lvFind")->header();
-        const QPoint middle(header->sectionViewportPosition(1) + header->sectionSize(1) / 2,
-                            header->height() / 2);
-        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, middle);
+        test::clickHeader(header, 1);
         QCOMPARE(hits(window), "rock.doc|5|...; rock.txt|12 (2)|...; rock.mp3|12 (2)|\\Rock\\");
-        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, middle);
+        test::clickHeader(header, 1);
         QCOMPARE(hits(window), "rock.txt|12 (2)|...; rock.mp3|12 (2)|\\Rock\\; rock.doc|5|...");
     }
 

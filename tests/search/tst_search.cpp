@@ -190,24 +190,24 @@ class tst_search : public QObject
     test::TestApp m_app;
     test::TestApp m_unindexed; // the same catalogue as a version without the search index made it
 
-    void addRequestColumns()
+    // `switches` names those set of "tracks folders whole comments".
+    static void row(const char* tag, const QString& switches, const QString& text,
+                    const QStringList& expected)
     {
-        QTest::addColumn<bool>("tracks");
-        QTest::addColumn<bool>("folders");
-        QTest::addColumn<bool>("whole");
-        QTest::addColumn<bool>("comments");
+        QTest::newRow(tag) << switches << text << expected;
+    }
+    static void addRequestColumns()
+    {
+        QTest::addColumn<QString>("switches");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QStringList>("expected");
     }
-
     static SearchRequest fetchedRequest()
     {
-        QFETCH(bool, tracks);
-        QFETCH(bool, folders);
-        QFETCH(bool, whole);
-        QFETCH(bool, comments);
+        QFETCH(QString, switches);
         QFETCH(QString, text);
-        return {tracks, folders, whole, comments, text};
+        return {switches.contains("tracks"), switches.contains("folders"), switches.contains("whole"),
+                switches.contains("comments"), text};
     }
 
 private slots:
@@ -223,39 +223,24 @@ private slots:
     void criteria_data()
     {
         addRequestColumns();
-        // tracks, folders, whole, comments
-        QTest::newRow("name contains")
-            << false << false << false << false << "ёлка" << QStringList{"12/1 \\|Ёлка.txt", "12/2 \\|ёлка"};
-        QTest::newRow("name contains, comments of files")
-            << false << false << false << true << "группа" << QStringList{"12/1 \\Музыка\\|Группа крови.mp3"};
-        QTest::newRow("path contains")
-            << false << true << false << false << "ЁЛКА" << QStringList{"5/3 \\Ёлка\\|\\Ёлка\\"};
-        QTest::newRow("path contains, comments of folders")
-            << false << true << false << true << "ГРУППА" << QStringList{"12/1 \\Музыка\\|\\Музыка\\"};
-        QTest::newRow("name whole") << false << false << true << false << "ROCK"
-                                    << QStringList{"12/2 \\|rock"};
-        QTest::newRow("name whole, comments of files")
-            << false << false << true << true << "rock" << QStringList{"12/2 \\|ёлка"};
-        QTest::newRow("path whole") << false << true << true << false << "\\rock\\"
-                                    << QStringList{"5/1 \\Rock\\|\\Rock\\"};
-        QTest::newRow("path whole, comments of folders")
-            << false << true << true << true << "КОРЕНЬ" << QStringList{"12/1 \\|\\"};
-        QTest::newRow("tracks contains")
-            << true << false << false << false << "ГРУППА" << QStringList{"3/1 |Группа крови", "3/2 |группа"};
-        QTest::newRow("tracks whole")
-            << true << false << true << false << "группа" << QStringList{"3/2 |группа"};
-        QTest::newRow("tracks whole, Latin")
-            << true << false << true << false << "rock" << QStringList{"1/1 |ROCK"};
+        row("name contains", "", "ёлка", {"12/1 \\|Ёлка.txt", "12/2 \\|ёлка"});
+        row("name contains, comments of files", "comments", "группа", {"12/1 \\Музыка\\|Группа крови.mp3"});
+        row("path contains", "folders", "ЁЛКА", {"5/3 \\Ёлка\\|\\Ёлка\\"});
+        row("path contains, comments of folders", "folders comments", "ГРУППА",
+            {"12/1 \\Музыка\\|\\Музыка\\"});
+        row("name whole", "whole", "ROCK", {"12/2 \\|rock"});
+        row("name whole, comments of files", "whole comments", "rock", {"12/2 \\|ёлка"});
+        row("path whole", "folders whole", "\\rock\\", {"5/1 \\Rock\\|\\Rock\\"});
+        row("path whole, comments of folders", "folders whole comments", "КОРЕНЬ", {"12/1 \\|\\"});
+        row("tracks contains", "tracks", "ГРУППА", {"3/1 |Группа крови", "3/2 |группа"});
+        row("tracks whole", "tracks whole", "группа", {"3/2 |группа"});
+        row("tracks whole, Latin", "tracks whole", "rock", {"1/1 |ROCK"});
         // Comments and the method switch mean nothing for tracks: the title is searched.
-        QTest::newRow("tracks ignore comments")
-            << true << true << false << true << "кукушка" << QStringList{"3/1 |Кукушка"};
-        QTest::newRow("tracks, a comment's text") << true << false << false << true << "хит" << QStringList{};
-        QTest::newRow("Latin case") << false << false << false << false << "readme"
-                                    << QStringList{"12/1 \\Docs\\|README.md"};
-        QTest::newRow("Latin case, whole") << false << false << true << false << "rock ballads.TXT"
-                                           << QStringList{"12/2 \\|Rock Ballads.txt"};
-        QTest::newRow("Cyrillic upper case") << false << false << false << false << "ГРУППА КРОВИ"
-                                             << QStringList{"12/1 \\Музыка\\|Группа крови.mp3"};
+        row("tracks ignore comments", "tracks folders comments", "кукушка", {"3/1 |Кукушка"});
+        row("tracks, a comment's text", "tracks comments", "хит", {});
+        row("Latin case", "", "readme", {"12/1 \\Docs\\|README.md"});
+        row("Latin case, whole", "whole", "rock ballads.TXT", {"12/2 \\|Rock Ballads.txt"});
+        row("Cyrillic upper case", "", "ГРУППА КРОВИ", {"12/1 \\Музыка\\|Группа крови.mp3"});
     }
 
     void criteria()
@@ -275,41 +260,27 @@ private slots:
     {
         addRequestColumns();
         const QString rock = "5/1 \\Rock\\|";
-        QTest::newRow("percent and underscore")
-            << false << false << false << false << "0%_d" << QStringList{rock + "100%_done.txt"};
-        QTest::newRow("quotes") << false << false << false << false << "'s \"q\""
-                                << QStringList{rock + "it's \"q\".txt"};
-        QTest::newRow("brackets") << false << false << false << false << "[b]"
-                                  << QStringList{rock + "a[b]c.txt"};
-        QTest::newRow("opening bracket")
-            << false << false << false << false << "a[" << QStringList{rock + "a[b]c.txt"};
-        QTest::newRow("hash") << false << false << false << false << "#1" << QStringList{rock + "#1.txt"};
-        QTest::newRow("star") << false << false << false << false << "a*c.txt"
-                              << QStringList{rock + "a[b]c.txt", rock + "abc.txt"};
-        QTest::newRow("question marks") << false << false << false << false << "100??done"
-                                        << QStringList{rock + "100%_done.txt", rock + "100xydone.txt"};
-        QTest::newRow("star, whole") << false << false << true << false << "*.MD"
-                                     << QStringList{"12/1 \\Docs\\|README.md"};
-        QTest::newRow("question mark, whole")
-            << false << false << true << false << "ёлк?" << QStringList{"12/2 \\|ёлка"};
-        QTest::newRow("brackets, whole")
-            << false << false << true << false << "A[B]C.txt" << QStringList{rock + "a[b]c.txt"};
-        QTest::newRow("SQL in the text")
-            << false << false << false << false << "x'); DROP TABLE Файлы; --" << QStringList{};
-        QTest::newRow("empty contains: every file") << false << false << false << false << "" << kAllFiles;
-        QTest::newRow("a star alone: every file") << false << false << false << false << "*" << kAllFiles;
-        QTest::newRow("empty contains: every folder")
-            << false << true << false << false << ""
-            << QStringList{"12/1 \\|\\", "12/1 \\Музыка\\|\\Музыка\\", "12/1 \\Docs\\|\\Docs\\",
-                           "12/2 \\|\\", "5/1 \\Rock\\|\\Rock\\",      "5/3 \\Ёлка\\|\\Ёлка\\"};
-        QTest::newRow("empty contains: commented folders")
-            << false << true << false << true << ""
-            << QStringList{"12/1 \\|\\", "12/1 \\Музыка\\|\\Музыка\\", "5/1 \\Rock\\|\\Rock\\"};
-        QTest::newRow("empty whole") << false << false << true << false << "" << QStringList{};
-        QTest::newRow("empty contains: every track")
-            << true << false << false << false << ""
-            << QStringList{"3/1 |Группа крови", "3/1 |Кукушка", "3/2 |группа", "3/2 |Rock Ballads",
-                           "1/1 |ROCK"};
+        row("percent and underscore", "", "0%_d", {rock + "100%_done.txt"});
+        row("quotes", "", "'s \"q\"", {rock + "it's \"q\".txt"});
+        row("brackets", "", "[b]", {rock + "a[b]c.txt"});
+        row("opening bracket", "", "a[", {rock + "a[b]c.txt"});
+        row("hash", "", "#1", {rock + "#1.txt"});
+        row("star", "", "a*c.txt", {rock + "a[b]c.txt", rock + "abc.txt"});
+        row("question marks", "", "100??done", {rock + "100%_done.txt", rock + "100xydone.txt"});
+        row("star, whole", "whole", "*.MD", {"12/1 \\Docs\\|README.md"});
+        row("question mark, whole", "whole", "ёлк?", {"12/2 \\|ёлка"});
+        row("brackets, whole", "whole", "A[B]C.txt", {rock + "a[b]c.txt"});
+        row("SQL in the text", "", "x'); DROP TABLE Файлы; --", {});
+        row("empty contains: every file", "", "", kAllFiles);
+        row("a star alone: every file", "", "*", kAllFiles);
+        row("empty contains: every folder", "folders", "",
+            {"12/1 \\|\\", "12/1 \\Музыка\\|\\Музыка\\", "12/1 \\Docs\\|\\Docs\\", "12/2 \\|\\",
+             "5/1 \\Rock\\|\\Rock\\", "5/3 \\Ёлка\\|\\Ёлка\\"});
+        row("empty contains: commented folders", "folders comments", "",
+            {"12/1 \\|\\", "12/1 \\Музыка\\|\\Музыка\\", "5/1 \\Rock\\|\\Rock\\"});
+        row("empty whole", "whole", "", {});
+        row("empty contains: every track", "tracks", "",
+            {"3/1 |Группа крови", "3/1 |Кукушка", "3/2 |группа", "3/2 |Rock Ballads", "1/1 |ROCK"});
     }
 
     void literalsAndWildcards() { criteria(); }
@@ -441,38 +412,6 @@ private slots:
         }
         QCOMPARE(pathCell("\\"), "...");
         QCOMPARE(pathCell("\\Музыка\\"), "\\Музыка\\");
-    }
-
-    void resultTexts_data()
-    {
-        QTest::addColumn<bool>("tracks");
-        QTest::addColumn<bool>("folders");
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("nothing");
-        QTest::addColumn<QStringList>("columns");
-        QTest::addColumn<QString>("word");
-        QTest::newRow("files") << false << false << "Результат поиска (найдено файлов: 4):"
-                               << "Нет таких файлов!" << QStringList{"Имя файла", "№", "Путь"} << "файлах";
-        QTest::newRow("folders") << false << true << "Результат поиска (найдено файлов: 4):"
-                                 << "Нет таких папок!" << QStringList{"Имя папки", "№", "Путь"} << "файлах";
-        QTest::newRow("tracks") << true << true << "Результат поиска (найдено треков: 4):"
-                                << "Нет таких треков!" << QStringList{"Название трека", "№"} << "треках";
-    }
-
-    void resultTexts()
-    {
-        QFETCH(bool, tracks);
-        QFETCH(bool, folders);
-        QFETCH(QString, line);
-        QFETCH(QString, nothing);
-        QFETCH(QStringList, columns);
-        QFETCH(QString, word);
-        const SearchRequest request{tracks, folders, false, false, "x"};
-        QCOMPARE(resultLine(request, 4), line);
-        QCOMPARE(resultLine(request, 0), "Результат поиска:");
-        QCOMPARE(nothingFoundMessage(request), nothing);
-        QCOMPARE(resultColumns(request), columns);
-        QCOMPARE(searchPlaceWord(request), word);
     }
 };
 
