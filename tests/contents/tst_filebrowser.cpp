@@ -17,6 +17,7 @@
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
+#include "support/Widgets.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -66,14 +67,6 @@ void clickRow(QTreeWidget* view, const QString& text, bool twice = false)
     if (twice) {
         QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
     }
-}
-
-void clickHeader(QTreeWidget* view, int column)
-{
-    QHeaderView* header = view->header();
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
-                      QPoint(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
-                             header->height() / 2));
 }
 
 QStringList column(const QTreeWidget* view, int index)
@@ -184,20 +177,14 @@ private slots:
         QTest::addColumn<QString>("comment");
         QTest::addColumn<bool>("stored");
         QTest::addColumn<QVariant>("value");
-        QTest::newRow("folder") << "\\DOCS\\"
-                                << "\\DOCS\\"
-                                << "папка" << true << QVariant("папка");
-        QTest::newRow("cut to 50") << "\\"
-                                   << "a.txt" << QString(60, u'ж') << true << QVariant(QString(50, u'ж'));
-        QTest::newRow("empty is none") << "\\"
-                                       << "a.txt"
-                                       << "" << true << QVariant();
-        QTest::newRow("file of another folder") << "\\DOCS\\"
-                                                << "a.txt"
-                                                << "x" << false << QVariant();
-        QTest::newRow("only in another list") << "\\"
-                                              << "b.txt"
-                                              << "x" << false << QVariant();
+        const QString root = "\\";
+        const QString docs = "\\DOCS\\";
+        QTest::newRow("folder") << docs << docs << "папка" << true << QVariant("папка");
+        QTest::newRow("cut to 50") << root << "a.txt" << QString(60, u'ж') << true
+                                   << QVariant(QString(50, u'ж'));
+        QTest::newRow("empty is none") << root << QString("a.txt") << "" << true << QVariant();
+        QTest::newRow("file of another folder") << docs << QString("a.txt") << "x" << false << QVariant();
+        QTest::newRow("only in another list") << root << QString("b.txt") << "x" << false << QVariant();
     }
     void storedComments()
     {
@@ -353,15 +340,15 @@ private slots:
         QCOMPARE(db.texts("SELECT Имя FROM Файлы WHERE ДискID = 'ORDER' AND Имя <> Путь ORDER BY Путь, Имя"),
                  listOrder);
 
-        clickHeader(files, 0);
+        test::clickHeader(files->header(), 0);
         QStringList reversed = listOrder;
         std::reverse(reversed.begin(), reversed.end());
         QCOMPARE(list.fileNames(), reversed);
         QCOMPARE(files->header()->sortIndicatorOrder(), Qt::DescendingOrder);
 
-        clickHeader(files, 1);
+        test::clickHeader(files->header(), 1);
         QCOMPARE(column(files, 1), (QStringList{"0,5", "1 000,0", "100,0", "12,0", "2,0", "25,0", "3,5"}));
-        clickHeader(files, 1);
+        test::clickHeader(files->header(), 1);
         QCOMPARE(column(files, 1), (QStringList{"3,5", "25,0", "2,0", "12,0", "100,0", "1 000,0", "0,5"}));
         QCOMPARE(files->header()->sortIndicatorSection(), 1);
 
@@ -379,18 +366,10 @@ private slots:
         QTest::addColumn<QString>("filesAction");
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("file");
-        QTest::newRow("the file") << "1"
-                                  << "DOCS"
-                                  << "guide.doc";
-        QTest::newRow("its folder") << "0"
-                                    << "DOCS"
-                                    << "guide.doc";
-        QTest::newRow("Cyrillic names") << "1"
-                                        << "Музыка/Альбом"
-                                        << "трек 01.mp3";
-        QTest::newRow("in the root") << "1"
-                                     << ""
-                                     << "readme.txt";
+        QTest::newRow("the file") << QString("1") << QString("DOCS") << "guide.doc";
+        QTest::newRow("its folder") << QString("0") << QString("DOCS") << "guide.doc";
+        QTest::newRow("Cyrillic names") << QString("1") << QString("Музыка/Альбом") << "трек 01.mp3";
+        QTest::newRow("in the root") << QString("1") << QString() << "readme.txt";
     }
 
     void openingAFileOfADiscImage()
@@ -453,7 +432,8 @@ private slots:
             QVERIFY(guide > 0);
             test::pointIsoRecord(image, guide, 0x7FFFFF00);
         }
-        const QString iso = m_dir.filePath(damaged ? QString("damaged-open.iso") : QString("plain-open-copy.iso"));
+        const QString iso =
+            m_dir.filePath(damaged ? QString("damaged-open.iso") : QString("plain-open-copy.iso"));
         test::writeFile(iso, image);
         const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
         addVirtualDrive(l.app.ctx.ini(), iso);
@@ -511,34 +491,24 @@ private slots:
     void optionTickRules_data()
     {
         QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<bool>("scanDirOnlyEnabled");
-        QTest::addColumn<bool>("filterEnabled");
-        QTest::addColumn<bool>("filterOptionsEnabled");
-        QTest::addColumn<bool>("filterApplied");
-        QTest::addColumn<bool>("namesOnly");
-        QTest::newRow("as opened") << QStringList{} << true << true << false << false << false;
-        QTest::newRow("filter") << QStringList{"chFilter"} << true << true << true << true << false;
-        QTest::newRow("names only") << QStringList{"chFilter", "chScanDirOnly"} << true << false << false
-                                    << false << true;
-        QTest::newRow("names only, then no folders") << QStringList{"chFilter", "chScanDirOnly", "chScanDir"}
-                                                     << false << false << false << false << false;
-        QTest::newRow("names only, no folders, folders again")
-            << QStringList{"chFilter", "chScanDirOnly", "chScanDir", "chScanDir"} << true << false << false
-            << false << true;
-        QTest::newRow("filter, then no folders")
-            << QStringList{"chFilter", "chScanDir"} << false << true << true << true << false;
-        QTest::newRow("names only on and off") << QStringList{"chFilter", "chScanDirOnly", "chScanDirOnly"}
-                                               << true << true << true << true << false;
+        QTest::addColumn<QString>("state"); // of "dirsOnly filter filterChoice applied namesOnly"
+        const auto row = [](const char* tag, const QStringList& clicks, const QString& state) {
+            QTest::newRow(tag) << clicks << state;
+        };
+        row("as opened", {}, "dirsOnly filter");
+        row("filter", {"chFilter"}, "dirsOnly filter filterChoice applied");
+        row("names only", {"chFilter", "chScanDirOnly"}, "dirsOnly namesOnly");
+        row("names only, then no folders", {"chFilter", "chScanDirOnly", "chScanDir"}, "");
+        row("names only, no folders, folders again", {"chFilter", "chScanDirOnly", "chScanDir", "chScanDir"},
+            "dirsOnly namesOnly");
+        row("filter, then no folders", {"chFilter", "chScanDir"}, "filter filterChoice applied");
+        row("names only on and off", {"chFilter", "chScanDirOnly", "chScanDirOnly"},
+            "dirsOnly filter filterChoice applied");
     }
 
     void optionTickRules()
     {
         QFETCH(QStringList, clicks);
-        QFETCH(bool, scanDirOnlyEnabled);
-        QFETCH(bool, filterEnabled);
-        QFETCH(bool, filterOptionsEnabled);
-        QFETCH(bool, filterApplied);
-        QFETCH(bool, namesOnly);
         Lists l;
         const QString iso = m_discs.iso("ticks.iso", {"-J"});
         addVirtualDrive(l.app.ctx.ini(), iso);
@@ -547,12 +517,21 @@ private slots:
         for (const QString& box : clicks) {
             options.findChild<QCheckBox*>(box)->click();
         }
-        QCOMPARE(options.findChild<QCheckBox*>("chScanDirOnly")->isEnabled(), scanDirOnlyEnabled);
-        QCOMPARE(options.findChild<QCheckBox*>("chFilter")->isEnabled(), filterEnabled);
-        QCOMPARE(options.findChild<QRadioButton*>("optFilter0")->isEnabled(), filterOptionsEnabled);
-        QCOMPARE(options.findChild<QRadioButton*>("optFilter1")->isEnabled(), filterOptionsEnabled);
-        QCOMPARE(options.options().filter.has_value(), filterApplied);
-        QCOMPARE(options.options().scanDirOnly, namesOnly);
+        QCOMPARE(options.findChild<QRadioButton*>("optFilter0")->isEnabled(),
+                 options.findChild<QRadioButton*>("optFilter1")->isEnabled());
+        const std::pair<const char*, bool> state[] = {
+            {"dirsOnly", options.findChild<QCheckBox*>("chScanDirOnly")->isEnabled()},
+            {"filter", options.findChild<QCheckBox*>("chFilter")->isEnabled()},
+            {"filterChoice", options.findChild<QRadioButton*>("optFilter0")->isEnabled()},
+            {"applied", options.options().filter.has_value()},
+            {"namesOnly", options.options().scanDirOnly}};
+        QStringList found;
+        for (const auto& [name, on] : state) {
+            if (on) {
+                found.append(QString::fromUtf8(name));
+            }
+        }
+        QTEST(found.join(' '), "state");
     }
 
     // A filter of more used entries than the scan holds is a fault of the loading of the

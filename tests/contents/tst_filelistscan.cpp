@@ -8,12 +8,12 @@
 #include "store/ContentsLists.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "support/CliRun.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
 #include <QDir>
-#include <QProcess>
 #include <cmath>
 
 using namespace vinora;
@@ -137,30 +137,29 @@ private slots:
 
     void scanRules_data()
     {
-        QTest::addColumn<bool>("filesInCore");
-        QTest::addColumn<bool>("scanDir");
-        QTest::addColumn<bool>("scanDirOnly");
-        QTest::addColumn<bool>("hidden");
-        QTest::addColumn<int>("filter"); // 0 none, 1 exclude (Фильтр1), 2 include (Фильтр2)
-        QTest::addColumn<bool>("noUsedEntries");
-        QTest::newRow("everything") << true << true << false << true << 0 << false;
-        QTest::newRow("root only") << true << false << false << false << 0 << false;
-        QTest::newRow("no root files") << false << true << false << false << 0 << false;
-        QTest::newRow("folders only") << true << true << true << false << 0 << false;
-        QTest::newRow("leave out filter") << true << true << false << false << 1 << false;
-        QTest::newRow("take only filter") << true << true << false << false << 2 << false;
-        QTest::newRow("take only, none used") << true << true << false << false << 2 << true;
-        QTest::newRow("leave out, none used") << true << true << false << false << 1 << true;
+        // Of "root folders dirsOnly hidden exclude include noneUsed": the ticks, the filter (Фильтр1
+        // leaves out, Фильтр2 takes only) and whether the filter has no entries in use.
+        QTest::addColumn<QString>("options");
+        QTest::newRow("everything") << "root folders hidden";
+        QTest::newRow("root only") << "root";
+        QTest::newRow("no root files") << "folders";
+        QTest::newRow("folders only") << "root folders dirsOnly";
+        QTest::newRow("leave out filter") << "root folders exclude";
+        QTest::newRow("take only filter") << "root folders include";
+        QTest::newRow("take only, none used") << "root folders include noneUsed";
+        QTest::newRow("leave out, none used") << "root folders exclude noneUsed";
     }
 
     void scanRules()
     {
-        QFETCH(bool, filesInCore);
-        QFETCH(bool, scanDir);
-        QFETCH(bool, scanDirOnly);
-        QFETCH(bool, hidden);
-        QFETCH(int, filter);
-        QFETCH(bool, noUsedEntries);
+        QFETCH(QString, options);
+        const QStringList ticks = options.split(' ');
+        const bool filesInCore = ticks.contains("root");
+        const bool scanDir = ticks.contains("folders");
+        const bool scanDirOnly = ticks.contains("dirsOnly");
+        const bool hidden = ticks.contains("hidden");
+        const int filter = ticks.contains("exclude") ? 1 : ticks.contains("include") ? 2 : 0;
+        const bool noUsedEntries = ticks.contains("noneUsed");
         test::TestApp app;
         Reanimator(app.ctx, 0);
         if (noUsedEntries) {
@@ -168,14 +167,14 @@ private slots:
             files.exec("UPDATE Фильтр1 SET Use = 0");
             files.exec("UPDATE Фильтр2 SET Use = 0");
         }
-        ScanOptions options{filesInCore, scanDir, scanDirOnly, false, hidden, true, std::nullopt};
+        ScanOptions scan{filesInCore, scanDir, scanDirOnly, false, hidden, true, std::nullopt};
         if (filter > 0) {
-            options.filter = filter == 1 ? FilterTable::Exclude : FilterTable::Include;
+            scan.filter = filter == 1 ? FilterTable::Exclude : FilterTable::Include;
         }
         QStringList entries;
-        if (options.filter) {
+        if (scan.filter) {
             Db files(app.ctx.FilesDBPath);
-            entries = FullArrayFileFiltr(files, *options.filter);
+            entries = FullArrayFileFiltr(files, *scan.filter);
         }
 
         // What the rules make of iso-info's listing.
@@ -222,7 +221,7 @@ private slots:
             }
             lists.create(id);
             FileListWriter writer(files, id);
-            FileListScanner scanner(*volume, options, entries);
+            FileListScanner scanner(*volume, scan, entries);
             scanner.onRows = [&](const QList<FileRow>& rows) { writer.write(rows); };
             scanner.run();
             writer.commit();
@@ -434,24 +433,18 @@ private slots:
             db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (3, 'Диск', 1)");
         }
         const auto cli = [&](const QStringList& arguments) {
-            QProcess process;
-            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-            environment.insert("VINORA_HOME", app.folder.path());
-            process.setProcessEnvironment(environment);
-            process.start(QStringLiteral(VINORA_CLI), arguments);
-            process.waitForFinished(60000);
-            return std::make_pair(process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()));
+            return test::runCli(app.folder.path(), arguments);
         };
-        const auto [code, out] =
+        const test::CliRun run =
             cli({"scan", m_image, "--number", "3", "--files-in-root", "--folders", "--mp3", "--bind"});
-        QCOMPARE(code, 0);
+        QCOMPARE(run.code, 0);
         const QString id = QString::number(readVolumeInfo(m_image).serial, 16).toUpper();
-        QVERIFY(out.startsWith("id: " + id + "\nrows: "));
+        QVERIFY(run.out.startsWith("id: " + id + "\nrows: "));
         QVERIFY(
             storedRows(app.ctx, id).contains("трек 01.mp3|\\Музыка\\Кино\\|5,0|Кино (Live) - Группа крови"));
-        QCOMPARE(cli({"scan", m_image, "--number", "3", "--folders"}).first, 1); // the clash, answered No
-        QCOMPARE(cli({"scan", m_image, "--number", "3", "--folders", "--new-id"}).first, 0);
-        QCOMPARE(cli({"scan", m_image, "--number", "99", "--folders"}).first, 1);
+        QCOMPARE(cli({"scan", m_image, "--number", "3", "--folders"}).code, 1); // the clash, answered No
+        QCOMPARE(cli({"scan", m_image, "--number", "3", "--folders", "--new-id"}).code, 0);
+        QCOMPARE(cli({"scan", m_image, "--number", "99", "--folders"}).code, 1);
     }
 };
 

@@ -16,6 +16,7 @@
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
+#include "support/Widgets.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -98,38 +99,16 @@ struct Tracks
     }
 };
 
-template <typename T = QWidget> T* control(const QWidget& window, const QString& name)
-{
-    T* found = window.findChild<T*>(name);
-    if (!found) {
-        qFatal("no control %s", qPrintable(name));
-    }
-    return found;
-}
+using test::child;
+using test::click;
 
-// A click on a button, or on the box of a check box (a click beside its text misses it).
-void click(const QWidget& window, const QString& name)
-{
-    QWidget* widget = control(window, name);
-    const bool checkBox = qobject_cast<QCheckBox*>(widget) != nullptr;
-    QTest::mouseClick(widget, Qt::LeftButton, {}, checkBox ? QPoint(6, widget->height() / 2) : QPoint());
-}
-
-// Types one character, Cyrillic included, into a widget.
-void typeChar(QWidget* widget, const QString& character)
-{
-    QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, character, Qt::NoModifier);
-    QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, character, Qt::NoModifier);
-}
-
-void typeText(QLineEdit* field, const QString& text)
+// Replaces the text of a field key by key, as the user types it.
+void retype(QLineEdit* field, const QString& text)
 {
     field->setFocus();
     field->selectAll();
     QTest::keyClick(field, Qt::Key_Delete);
-    for (const QChar ch : text) {
-        typeChar(field, QString(ch));
-    }
+    test::typeText(field, text);
 }
 
 // The options dialog as the user meets it: shown, boxes ticked by clicks, then the start.
@@ -143,15 +122,6 @@ std::function<int(QDialog&)> tickAndStart(const QStringList& ticks)
         click(dialog, "cmdOK");
         return dialog.isVisible() ? -1 : dialog.result(); // -1: the dialog stayed
     };
-}
-
-QByteArray cp1251Bytes(std::initializer_list<int> codes)
-{
-    QByteArray bytes;
-    for (int code : codes) {
-        bytes.append(static_cast<char>(code));
-    }
-    return bytes;
 }
 
 } // namespace
@@ -238,8 +208,8 @@ private slots:
         }
         auto list = t.open();
         QVERIFY(list->trackNames().isEmpty());
-        QVERIFY(!control(*list, "DBGrid")->isVisible());
-        QVERIFY(!control(*list, "txtTrackName")->isEnabled());
+        QVERIFY(!child(*list, "DBGrid")->isVisible());
+        QVERIFY(!child(*list, "txtTrackName")->isEnabled());
         QString caption;
         bool listHidden = false;
         t.app.prompter.handleModal([&](QDialog& dialog) {
@@ -256,11 +226,11 @@ private slots:
         QCOMPARE(t.stored(id), rows);
         QCOMPARE(list->trackNames().size(), rows.size());
         QCOMPARE(list->trackNames().first(), rows.first().toString());
-        QVERIFY(control(*list, "DBGrid")->isVisible());
-        QVERIFY(!control(*list, "imgButton1")->isEnabled());
+        QVERIFY(child(*list, "DBGrid")->isVisible());
+        QVERIFY(!child(*list, "imgButton1")->isEnabled());
         for (const QString& live :
              QStringList{"imgButton2", "imgButton3", "imgButton4", "txtTrackName", "cmdMakeChangeComm"}) {
-            QVERIFY2(control(*list, live)->isEnabled(), qPrintable(live));
+            QVERIFY2(child(*list, live)->isEnabled(), qPrintable(live));
         }
         QCOMPARE(t.disc("ДискID1").toString(), id);
         QCOMPARE(t.disc("Записей1").toInt(), records);
@@ -308,55 +278,25 @@ private slots:
         QCOMPARE(t.stored(id), (Rows{"Запись 1", "Запись 2"}));
     }
 
-    // The import finds nothing: the dialog says so and stays, and no list is left behind.
-    void importOfAnUnknownDisc()
-    {
-        Tracks t;
-        const QString id = t.insert(m_discs.audioCue("unknown", {1500, 1500}));
-        test::writeFile(t.app.file("cdplayer.ini"), "[ABC]\r\nnumtracks=1\r\n0=x\r\n");
-        auto list = t.open();
-        int result = 0;
-        t.app.prompter.handleModal([&](QDialog& dialog) {
-            result = tickAndStart({"chTrackImport"})(dialog);
-            return result;
-        });
-        click(*list, "imgButton1");
-        QCOMPARE(result, -1);
-        QCOMPARE(t.app.prompter.texts().last(), "Информация о этом диске отсутствует в файле cdplayer.ini!");
-        QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Exclamation);
-        QVERIFY(!t.listExists(id));
-        QVERIFY(t.disc("ДискID1").isNull());
-        QVERIFY(control(*list, "imgButton1")->isEnabled());
-        QVERIFY(list->trackNames().isEmpty());
-    }
-
     // The ticks rule each other as the user clicks them.
     void tickRules_data()
     {
         QTest::addColumn<QStringList>("clicks");
         QTest::addColumn<QString>("ticked");  // the boxes ticked afterwards
         QTest::addColumn<QString>("enabled"); // of chCDDB cmbServer chTrackImport chTrackSave
-        QTest::newRow("at the start") << QStringList{} << ""
-                                      << "chCDDB chTrackImport chTrackSave";
-        QTest::newRow("CDDB") << QStringList{"chCDDB"} << "chCDDB"
-                              << "chCDDB cmbServer chTrackImport chTrackSave";
-        QTest::newRow("CDDB off again") << QStringList{"chCDDB", "chCDDB"} << ""
-                                        << "chCDDB chTrackImport chTrackSave";
-        QTest::newRow("import") << QStringList{"chTrackImport"} << "chTrackImport"
-                                << "chCDDB chTrackImport";
-        QTest::newRow("import after CDDB") << QStringList{"chCDDB", "chTrackImport"} << "chTrackImport"
-                                           << "chCDDB chTrackImport";
-        QTest::newRow("CDDB after import") << QStringList{"chTrackImport", "chCDDB"} << "chCDDB"
-                                           << "chCDDB cmbServer chTrackImport chTrackSave";
-        QTest::newRow("nameless") << QStringList{"chCDDB", "chTrackWithoutName"}
-                                  << "chCDDB chTrackWithoutName"
-                                  << "chTrackSave";
-        QTest::newRow("nameless off again")
-            << QStringList{"chCDDB", "chTrackWithoutName", "chTrackWithoutName"} << "chCDDB"
-            << "chCDDB cmbServer chTrackImport chTrackSave";
-        QTest::newRow("import after nameless")
-            << QStringList{"chTrackWithoutName", "chTrackImport"} << "chTrackWithoutName"
-            << "chTrackSave";
+        const auto row = [](const char* tag, const QStringList& clicks, const QString& ticked,
+                            const QString& enabled) { QTest::newRow(tag) << clicks << ticked << enabled; };
+        const QString all = "chCDDB cmbServer chTrackImport chTrackSave";
+        row("at the start", {}, "", "chCDDB chTrackImport chTrackSave");
+        row("CDDB", {"chCDDB"}, "chCDDB", all);
+        row("CDDB off again", {"chCDDB", "chCDDB"}, "", "chCDDB chTrackImport chTrackSave");
+        row("import", {"chTrackImport"}, "chTrackImport", "chCDDB chTrackImport");
+        row("import after CDDB", {"chCDDB", "chTrackImport"}, "chTrackImport", "chCDDB chTrackImport");
+        row("CDDB after import", {"chTrackImport", "chCDDB"}, "chCDDB", all);
+        row("nameless", {"chCDDB", "chTrackWithoutName"}, "chCDDB chTrackWithoutName", "chTrackSave");
+        row("nameless off again", {"chCDDB", "chTrackWithoutName", "chTrackWithoutName"}, "chCDDB", all);
+        row("import after nameless", {"chTrackWithoutName", "chTrackImport"}, "chTrackWithoutName",
+            "chTrackSave");
     }
     void tickRules()
     {
@@ -368,8 +308,8 @@ private slots:
         frmTrackListOption options(t.app.ctx, 7, 1, "Исполнитель", "Альбом");
         options.show();
         QCOMPARE(options.windowTitle(), "Параметры сканирования");
-        QCOMPARE(control<QLabel>(options, "lblInserCD")->text(), "Аудио диск");
-        auto* servers = control<QComboBox>(options, "cmbServer");
+        QCOMPARE(child<QLabel>(options, "lblInserCD")->text(), "Аудио диск");
+        auto* servers = child<QComboBox>(options, "cmbServer");
         QCOMPARE(servers->count(), 7);
         QCOMPARE(servers->currentIndex(), 0);
         for (const QString& box : clicks) {
@@ -379,12 +319,12 @@ private slots:
         QStringList enabledNow;
         for (const QString& name :
              QStringList{"chCDDB", "chTrackImport", "chTrackWithoutName", "chTrackSave"}) {
-            if (control<QCheckBox>(options, name)->isChecked()) {
+            if (child<QCheckBox>(options, name)->isChecked()) {
                 tickedNow.append(name);
             }
         }
         for (const QString& name : QStringList{"chCDDB", "cmbServer", "chTrackImport", "chTrackSave"}) {
-            if (control(options, name)->isEnabled()) {
+            if (child(options, name)->isEnabled()) {
                 enabledNow.append(name);
             }
         }
@@ -399,27 +339,30 @@ private slots:
         t.insert(m_discs.iso("data.iso", {"-J", "-V", "DATA"}));
         frmTrackListOption options(t.app.ctx, 7, 1, "Исполнитель", "Альбом");
         options.show();
-        QCOMPARE(control<QLabel>(options, "lblInserCD")->text(), "Компьютерный диск");
+        QCOMPARE(child<QLabel>(options, "lblInserCD")->text(), "Компьютерный диск");
         for (const QString& name : QStringList{"chCDDB", "cmbServer", "chTrackImport", "chTrackSave"}) {
-            QVERIFY2(!control(options, name)->isEnabled(), qPrintable(name));
+            QVERIFY2(!child(options, name)->isEnabled(), qPrintable(name));
         }
-        QVERIFY(control(options, "chTrackWithoutName")->isEnabled());
+        QVERIFY(child(options, "chTrackWithoutName")->isEnabled());
     }
 
-    // Each refusal of the start is a message; the dialog stays, or closes after a clash.
+    // Each refusal of the start is a message; the dialog stays, or closes after a clash, and no
+    // list is left behind.
     void refusals_data()
     {
-        QTest::addColumn<QString>("disc"); // "iso", "owned" or "none"
+        QTest::addColumn<QString>("disc"); // "iso", "owned", "unknown" (to cdplayer.ini) or "none"
         QTest::addColumn<QString>("message");
         QTest::addColumn<bool>("stays");
         QTest::newRow("no audio disc")
-            << "iso"
+            << QString("iso")
             << "Вставьте Аудио диск в устройство для чтения компакт-дисков и повторите операцию." << true;
         QTest::newRow("a disc of another set")
-            << "owned"
-            << "Серийный номер этого диска совпадает с уже существующим серийным номером!" << false;
-        QTest::newRow("no drive") << "none"
-                                  << "Устройство для чтения компакт-дисков не найдено!" << true;
+            << QString("owned") << "Серийный номер этого диска совпадает с уже существующим серийным номером!"
+            << false;
+        QTest::newRow("import of an unknown disc")
+            << QString("unknown") << "Информация о этом диске отсутствует в файле cdplayer.ini!" << true;
+        QTest::newRow("no drive") << QString("none") << "Устройство для чтения компакт-дисков не найдено!"
+                                  << true;
     }
     void refusals()
     {
@@ -433,6 +376,9 @@ private slots:
         QString id;
         if (disc == "iso") {
             t.insert(m_discs.iso("refused.iso", {"-J"}));
+        } else if (disc == "unknown") {
+            id = t.insert(m_discs.audioCue("unknown", {1500, 1500}));
+            test::writeFile(t.app.file("cdplayer.ini"), "[ABC]\r\nnumtracks=1\r\n0=x\r\n");
         } else if (disc == "owned") {
             id = t.insert(m_discs.audioCue("owned", {1500, 1575}));
             Db db(t.app.ctx.MainDBPath);
@@ -446,7 +392,8 @@ private slots:
         auto list = t.open();
         int result = 0;
         t.app.prompter.handleModal([&](QDialog& dialog) {
-            result = tickAndStart({"chTrackWithoutName"})(dialog);
+            result = tickAndStart(
+                {disc == "unknown" ? QString("chTrackImport") : QString("chTrackWithoutName")})(dialog);
             return result;
         });
         click(*list, "imgButton1");
@@ -454,10 +401,13 @@ private slots:
         QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Exclamation);
         QCOMPARE(result, stays ? -1 : int(QDialog::Rejected));
         QVERIFY(t.disc("ДискID1").isNull());
-        QVERIFY(control(*list, "imgButton1")->isEnabled());
+        QVERIFY(child(*list, "imgButton1")->isEnabled());
         QVERIFY(list->isVisible());
+        QVERIFY(list->trackNames().isEmpty());
         if (disc == "owned") {
             QCOMPARE(t.stored(id), Rows{"Чужой"}); // the other set's list is untouched
+        } else if (!id.isEmpty()) {
+            QVERIFY(!t.listExists(id));
         }
     }
 
@@ -488,14 +438,14 @@ private slots:
         Tracks t;
         t.makeList("1A2B", {"Первый", "Второй", "Третий"}, {"к1", QVariant(), "к3"});
         auto list = t.open();
-        auto* grid = control<QTableWidget>(*list, "DBGrid");
-        auto* name = control<QLineEdit>(*list, "txtTrackName");
-        auto* comment = control<QLineEdit>(*list, "txtComment");
+        auto* grid = child<QTableWidget>(*list, "DBGrid");
+        auto* name = child<QLineEdit>(*list, "txtTrackName");
+        auto* comment = child<QLineEdit>(*list, "txtComment");
         grid->setFocus();
         QTest::keyClick(grid, Qt::Key(key));
         QCOMPARE(list->currentTrack(), row);
         QCOMPARE(comment->text(), row == 0 ? "к1" : "к3");
-        typeText(name, typed);
+        retype(name, typed);
         QTest::keyClick(name, Qt::Key_Return);
 
         Rows expected{"Первый", "Второй", "Третий"};
@@ -525,11 +475,11 @@ private slots:
         Tracks t;
         t.makeList("C0", {"Первый", "Второй"}, {"старый", "старый"});
         auto list = t.open();
-        auto* grid = control<QTableWidget>(*list, "DBGrid");
+        auto* grid = child<QTableWidget>(*list, "DBGrid");
         grid->setFocus();
         QTest::keyClick(grid, Qt::Key_End);
-        auto* comment = control<QLineEdit>(*list, "txtComment");
-        typeText(comment, typed);
+        auto* comment = child<QLineEdit>(*list, "txtComment");
+        retype(comment, typed);
         QTest::keyClick(comment, Qt::Key_Enter);
         QCOMPARE(t.stored("C0", "Комментарий"), (Rows{"старый", stored}));
         QCOMPARE(t.app.prompter.texts(), QStringList{"Комментарий к треку 'Второй' успешно изменен."});
@@ -559,15 +509,15 @@ private slots:
         Tracks t;
         t.makeList("5EA", {"Альфа", "бета", "астра", "Gamma", "гамма", "Ария", "1999"});
         auto list = t.open();
-        auto* grid = control<QTableWidget>(*list, "DBGrid");
+        auto* grid = child<QTableWidget>(*list, "DBGrid");
         grid->setFocus();
         QList<int> visited;
         for (const QString& key : keys) {
-            typeChar(grid, key);
+            test::typeText(grid, key);
             visited.append(list->currentTrack());
         }
         QCOMPARE(visited, rows);
-        QCOMPARE(control<QLineEdit>(*list, "txtTrackName")->text(), list->trackNames()[rows.last()]);
+        QCOMPARE(child<QLineEdit>(*list, "txtTrackName")->text(), list->trackNames()[rows.last()]);
     }
 
     // The list goes to cdplayer.ini after a question: code page 1251, the comments left out,
@@ -597,9 +547,8 @@ private slots:
         QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Information);
         const QByteArray bytes = test::readFile(t.app.file("cdplayer.ini"));
         // "artist=Исполнитель" and "0=Жёлтый" in code page 1251
-        QVERIFY(bytes.contains(QByteArray("artist=").append(
-            cp1251Bytes({0xC8, 0xF1, 0xEF, 0xEE, 0xEB, 0xED, 0xE8, 0xF2, 0xE5, 0xEB, 0xFC}))));
-        QVERIFY(bytes.contains(QByteArray("0=").append(cp1251Bytes({0xC6, 0xB8, 0xEB, 0xF2, 0xFB, 0xE9}))));
+        QVERIFY(bytes.contains(QByteArray("artist=").append(QByteArray::fromHex("c8f1efeeebede8f2e5ebfc"))));
+        QVERIFY(bytes.contains(QByteArray("0=").append(QByteArray::fromHex("c6b8ebf2fbe9"))));
         QVERIFY(!bytes.contains("\xEA\xEE\xEC\xEC")); // "комм"
         QCOMPARE(t.cdPlayer("BEEF", "EntryType"), "1");
         QCOMPARE(t.cdPlayer("BEEF", "title"), "Альбом");
@@ -618,17 +567,13 @@ private slots:
         QTest::addColumn<Answer>("answer");
         QTest::addColumn<QString>("question");
         QTest::addColumn<Rows>("rows"); // the list afterwards; empty: none
-        QTest::newRow("delete, no") << "imgButton2" << Answer::No
-                                    << "Вы действительно хотите удалить информация о треках диска № 7?"
-                                    << Rows{"Старый"};
-        QTest::newRow("delete, yes") << "imgButton2" << Answer::Yes
-                                     << "Вы действительно хотите удалить информация о треках диска № 7?"
-                                     << Rows{};
-        QTest::newRow("re-create, no") << "imgButton3" << Answer::No
-                                       << "Текущий список треков будет удален! Продолжить?" << Rows{"Старый"};
+        const QString deletion = "Вы действительно хотите удалить информация о треках диска № 7?";
+        const QString recreation = "Текущий список треков будет удален! Продолжить?";
+        QTest::newRow("delete, no") << QString("imgButton2") << Answer::No << deletion << Rows{"Старый"};
+        QTest::newRow("delete, yes") << QString("imgButton2") << Answer::Yes << deletion << Rows{};
+        QTest::newRow("re-create, no") << QString("imgButton3") << Answer::No << recreation << Rows{"Старый"};
         QTest::newRow("re-create, yes")
-            << "imgButton3" << Answer::Yes << "Текущий список треков будет удален! Продолжить?"
-            << Rows{"Запись 1", "Запись 2"};
+            << QString("imgButton3") << Answer::Yes << recreation << Rows{"Запись 1", "Запись 2"};
     }
     void deletingAndRecreating()
     {
@@ -641,7 +586,7 @@ private slots:
         t.makeList(id, {"Старый"});
         auto list = t.open();
         QCOMPARE(list->trackNames(), QStringList{"Старый"});
-        QVERIFY(!control(*list, "imgButton1")->isEnabled());
+        QVERIFY(!child(*list, "imgButton1")->isEnabled());
         t.app.prompter.answer(answer);
         if (rows.size() == 2) {
             t.app.prompter.handleModal(tickAndStart({"chTrackWithoutName"}));
@@ -654,10 +599,10 @@ private slots:
         QCOMPARE(t.listExists(id), !rows.isEmpty());
         QCOMPARE(t.disc("ДискID1").toString(), rows.isEmpty() ? QString() : id);
         QCOMPARE(list->trackNames().size(), rows.size());
-        QCOMPARE(control(*list, "DBGrid")->isVisible(), !rows.isEmpty());
-        QCOMPARE(control(*list, "imgButton1")->isEnabled(), rows.isEmpty());
-        QCOMPARE(control(*list, "imgButton4")->isEnabled(), !rows.isEmpty());
-        QCOMPARE(control(*list, "txtTrackName")->isEnabled(), !rows.isEmpty());
+        QCOMPARE(child(*list, "DBGrid")->isVisible(), !rows.isEmpty());
+        QCOMPARE(child(*list, "imgButton1")->isEnabled(), rows.isEmpty());
+        QCOMPARE(child(*list, "imgButton4")->isEnabled(), !rows.isEmpty());
+        QCOMPARE(child(*list, "txtTrackName")->isEnabled(), !rows.isEmpty());
         if (rows.size() == 2) {
             QCOMPARE(t.disc("Записей1").toInt(), 2);
             QCOMPARE(t.disc("Время1").toString(), "01:00");
@@ -691,7 +636,7 @@ private slots:
         const QString id = t.insert(m_discs.audioCue("country", {11993, 19539, 13880}));
         t.app.ctx.CatalogueQueryFilter = "Название LIKE 'И*'"; // the catalogue's own filter
         auto list = t.open();
-        auto* discs = control<QComboBox>(*list, "cmbCountCD");
+        auto* discs = child<QComboBox>(*list, "cmbCountCD");
         discs->setFocus();
         QTest::keyClick(discs, Qt::Key_Down);
 
@@ -704,7 +649,7 @@ private slots:
             if (saveToIni) {
                 click(dialog, "chTrackSave");
             }
-            server2 = control<QComboBox>(dialog, "cmbServer")->currentText();
+            server2 = child<QComboBox>(dialog, "cmbServer")->currentText();
             t.app.prompter.handleModal([&](QDialog& query) {
                 optionsHidden = !dialog.isVisible();
                 handedOver << t.app.ctx.CatalogueQueryFilter << QString::number(t.app.ctx.CDDBUpdateRow)
@@ -731,7 +676,7 @@ private slots:
             QVERIFY(!t.app.prompter.texts().isEmpty());
             QVERIFY(!t.listExists(id));
             QVERIFY(t.disc("ДискID2").isNull());
-            QVERIFY(control(*list, "imgButton1")->isEnabled());
+            QVERIFY(child(*list, "imgButton1")->isEnabled());
             QVERIFY(list->trackNames().isEmpty());
             return;
         }
@@ -744,7 +689,7 @@ private slots:
         QCOMPARE(t.disc("Время2").toString(), "10:56");
         QCOMPARE(t.disc("Название").toString(), "Исполнитель"); // the row keeps its own names
         QCOMPARE(t.app.ctx.DiscIDSlots[1], id);
-        QVERIFY(!control(*list, "imgButton1")->isEnabled());
+        QVERIFY(!child(*list, "imgButton1")->isEnabled());
         QCOMPARE(QFile::exists(t.app.file("cdplayer.ini")), saveToIni);
         if (saveToIni) {
             QCOMPARE(t.cdPlayer(id, "numtracks"), "3");
@@ -758,10 +703,10 @@ private slots:
     {
         QTest::addColumn<QString>("refusing");
         QTest::addColumn<QString>("place");
-        QTest::newRow("cdplayer.ini cannot be written") << "cdplayer.ini"
-                                                        << "frmTrackList, cmdSave()";
-        QTest::newRow("damaged tracks database") << "tracks database"
-                                                 << "frmTrackList, ViewTrackList()";
+        QTest::newRow("cdplayer.ini cannot be written")
+            << QString("cdplayer.ini") << "frmTrackList, cmdSave()";
+        QTest::newRow("damaged tracks database")
+            << QString("tracks database") << "frmTrackList, ViewTrackList()";
     }
     void refusedFilesAreTold()
     {
@@ -781,13 +726,13 @@ private slots:
             test::writeFile(t.app.ctx.TracksDBPath, "not a database");
             list = t.open();
             QVERIFY(list->trackNames().isEmpty());
-            QVERIFY(!control(*list, "DBGrid")->isVisible());
+            QVERIFY(!child(*list, "DBGrid")->isVisible());
         }
         QCOMPARE(t.app.prompter.shown.last().style, MessageStyle::Stop);
         QVERIFY(t.app.prompter.texts().last().startsWith("ОШИБКА."));
         QVERIFY(t.app.prompter.texts().last().contains("Действие не выполнено."));
         QVERIFY(cp1251::decode(test::readFile(t.app.file("bugreport.log"))).contains(place));
-        QVERIFY(control(*list, "imgButton0")->isEnabled());
+        QVERIFY(child(*list, "imgButton0")->isEnabled());
     }
 
     // The set's second disc has a list of its own, chosen in the disc box.
@@ -802,12 +747,12 @@ private slots:
         writeTrackNames(t.app.ctx, "D2", {"Второй диск", "ещё"});
         t.app.ctx.DiscIDSlots[1] = "D2";
         auto list = t.open();
-        auto* discs = control<QComboBox>(*list, "cmbCountCD");
+        auto* discs = child<QComboBox>(*list, "cmbCountCD");
         QVERIFY(discs->isEnabled());
         QCOMPARE(discs->count(), 2);
-        QCOMPARE(control<QLabel>(*list, "lblNumber")->text(), "7");
-        QCOMPARE(control<QLabel>(*list, "lblName")->text(), "Исполнитель");
-        QCOMPARE(control<QLabel>(*list, "lblAlbum")->text(), "Альбом");
+        QCOMPARE(child<QLabel>(*list, "lblNumber")->text(), "7");
+        QCOMPARE(child<QLabel>(*list, "lblName")->text(), "Исполнитель");
+        QCOMPARE(child<QLabel>(*list, "lblAlbum")->text(), "Альбом");
         QCOMPARE(list->windowTitle(), "Треки");
         QCOMPARE(list->trackNames(), QStringList{"Первый диск"});
         QCOMPARE(t.app.ctx.CurrentDiscID, "D1");
@@ -815,16 +760,16 @@ private slots:
         QTest::keyClick(discs, Qt::Key_Down);
         QCOMPARE(t.app.ctx.CurrentDiscID, "D2");
         QCOMPARE(list->trackNames(), (QStringList{"Второй диск", "ещё"}));
-        QCOMPARE(control<QLineEdit>(*list, "txtTrackName")->text(), "Второй диск");
+        QCOMPARE(child<QLineEdit>(*list, "txtTrackName")->text(), "Второй диск");
         t.app.ctx.DiscIDSlots[1].clear();
         QTest::keyClick(discs, Qt::Key_Up);
         QTest::keyClick(discs, Qt::Key_Down);
         QCOMPARE(t.app.ctx.CurrentDiscID, "");
-        QCOMPARE(control<QLineEdit>(*list, "txtTrackName")->text(), "");
-        QVERIFY(!control(*list, "DBGrid")->isVisible());
-        QVERIFY(control(*list, "imgButton1")->isEnabled());
-        QVERIFY(!control(*list, "imgButton2")->isEnabled());
-        QVERIFY(!control(*list, "cmdMakeChange")->isEnabled());
+        QCOMPARE(child<QLineEdit>(*list, "txtTrackName")->text(), "");
+        QVERIFY(!child(*list, "DBGrid")->isVisible());
+        QVERIFY(child(*list, "imgButton1")->isEnabled());
+        QVERIFY(!child(*list, "imgButton2")->isEnabled());
+        QVERIFY(!child(*list, "cmdMakeChange")->isEnabled());
     }
 
     // The audio catalogue opens the track list of the disc at hand by its list button, and by
@@ -850,16 +795,16 @@ private slots:
         frmCatalogue catalogue(t.app.ctx, Category::Audio);
         catalogue.show();
         QCOMPARE(catalogue.rowCount(), 1);
-        QVERIFY(control(catalogue, "imgButton6")->isEnabled());
+        QVERIFY(child(catalogue, "imgButton6")->isEnabled());
         QStringList seen;
         t.app.prompter.handleModal([&](QDialog& dialog) {
             auto* list = qobject_cast<frmTrackList*>(&dialog);
             if (!list) {
                 return 0;
             }
-            seen << control<QLabel>(dialog, "lblNumber")->text() << control<QLabel>(dialog, "lblName")->text()
-                 << control<QLabel>(dialog, "lblAlbum")->text()
-                 << QString::number(control<QComboBox>(dialog, "cmbCountCD")->count())
+            seen << child<QLabel>(dialog, "lblNumber")->text() << child<QLabel>(dialog, "lblName")->text()
+                 << child<QLabel>(dialog, "lblAlbum")->text()
+                 << QString::number(child<QComboBox>(dialog, "cmbCountCD")->count())
                  << t.app.ctx.DiscIDSlots[0] << t.app.ctx.DiscIDSlots[1];
             t.app.prompter.handleModal(tickAndStart({"chTrackWithoutName"}));
             list->cmdCreate();
@@ -867,7 +812,7 @@ private slots:
             return 0;
         });
         if (doubleClick) {
-            auto* grid = control<QTableView>(catalogue, "DBGrid");
+            auto* grid = child<QTableView>(catalogue, "DBGrid");
             const QPoint at = grid->visualRect(grid->model()->index(0, 0)).center();
             QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, at);
             QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, at);
@@ -877,7 +822,7 @@ private slots:
         QCOMPARE(seen,
                  (QStringList{"7", "Исполнитель", "Альбом", "2", "", "OLD2", "Запись 1,Запись 2,Запись 3"}));
         QCOMPARE(t.disc("ДискID1").toString(), id);
-        QCOMPARE(control<QLineEdit>(catalogue, "txtTrecks")->text(), "3");
+        QCOMPARE(child<QLineEdit>(catalogue, "txtTrecks")->text(), "3");
     }
 };
 
