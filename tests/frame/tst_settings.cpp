@@ -32,39 +32,26 @@ private slots:
         const QString option =
             QStringLiteral("[Option]\r\nConfirmExit=1\r\nPathLocalDB=/data/Мои диски\r\n"
                            "Empty=\r\n  Spaced =  value with = sign  \r\nQuoted=\"a b\"\r\n");
-        QTest::newRow("exact") << option << "Option"
-                               << "ConfirmExit" << 5 << "1";
-        QTest::newRow("section and key ignore case") << option << "OPTION"
-                                                     << "confirmexit" << 5 << "1";
-        QTest::newRow("Cyrillic value") << option << "Option"
-                                        << "PathLocalDB" << 255 << "/data/Мои диски";
-        QTest::newRow("buffer cuts the value") << option << "Option"
-                                               << "PathLocalDB" << 5 << "/dat";
-        QTest::newRow("buffer of 2 keeps one character") << "[Option]\nCheckCD=10\n"
-                                                         << "Option"
-                                                         << "CheckCD" << 2 << "1";
-        QTest::newRow("empty value reads as nothing") << option << "Option"
-                                                      << "Empty" << 5 << "";
-        QTest::newRow("missing key reads as nothing") << option << "Option"
-                                                      << "Drive" << 5 << "";
-        QTest::newRow("missing section") << option << "Window"
-                                         << "State" << 15 << "";
-        QTest::newRow("blanks trimmed, later = kept") << option << "Option"
-                                                      << "Spaced" << 255 << "value with = sign";
-        QTest::newRow("quotes stripped") << option << "Option"
-                                         << "Quoted" << 255 << "a b";
-        QTest::newRow("first of two sections") << "[A]\nk=1\n[a]\nk=2\n"
-                                               << "a"
-                                               << "k" << 5 << "1";
-        QTest::newRow("key of another section not seen") << "[A]\nk=1\n[B]\n"
-                                                         << "B"
-                                                         << "k" << 5 << "";
-        QTest::newRow("Cyrillic section ignores case") << "[Мой Запрос]\nCategory=AD\n"
-                                                       << "мой запрос"
-                                                       << "category" << 55 << "AD";
-        QTest::newRow("garbage around") << "\x01\x02 trash\n=x\n[Option\nConfirmExit=0\n"
-                                        << "Option"
-                                        << "ConfirmExit" << 5 << "0";
+        const auto row = [](const char* tag, const QString& file, const QString& section, const QString& key,
+                            int buffer, const QString& expected) {
+            QTest::newRow(tag) << file << section << key << buffer << expected;
+        };
+        row("exact", option, "Option", "ConfirmExit", 5, "1");
+        row("section and key ignore case", option, "OPTION", "confirmexit", 5, "1");
+        row("Cyrillic value", option, "Option", "PathLocalDB", 255, "/data/Мои диски");
+        row("buffer cuts the value", option, "Option", "PathLocalDB", 5, "/dat");
+        row("buffer of 2 keeps one character", "[Option]\nCheckCD=10\n", "Option", "CheckCD", 2, "1");
+        row("empty value reads as nothing", option, "Option", "Empty", 5, "");
+        row("missing key reads as nothing", option, "Option", "Drive", 5, "");
+        row("missing section", option, "Window", "State", 15, "");
+        row("blanks trimmed, later = kept", option, "Option", "Spaced", 255, "value with = sign");
+        row("quotes stripped", option, "Option", "Quoted", 255, "a b");
+        row("first of two sections", "[A]\nk=1\n[a]\nk=2\n", "a", "k", 5, "1");
+        row("key of another section not seen", "[A]\nk=1\n[B]\n", "B", "k", 5, "");
+        row("Cyrillic section ignores case", "[Мой Запрос]\nCategory=AD\n", "мой запрос", "category", 55,
+            "AD");
+        row("garbage around", "\x01\x02 trash\n=x\n[Option\nConfirmExit=0\n", "Option", "ConfirmExit", 5,
+            "0");
     }
 
     void read()

@@ -81,8 +81,8 @@ private slots:
         const QString full = QStringLiteral("на диске нет свободного места");
         QTest::newRow("write, first block") << "write" << 1 << ENOSPC << full;
         QTest::newRow("write, after a block went out") << "write" << 2 << ENOSPC << full;
-        QTest::newRow("write, quota") << "write" << 1 << EDQUOT << QStringLiteral("превышена дисковая квота");
-        QTest::newRow("write, device error") << "write" << 2 << EIO << QStringLiteral("ошибка ввода-вывода");
+        QTest::newRow("write, quota") << "write" << 1 << EDQUOT << QString("превышена дисковая квота");
+        QTest::newRow("write, device error") << "write" << 2 << EIO << QString("ошибка ввода-вывода");
         QTest::newRow("removeKey") << "removeKey" << 1 << ENOSPC << full;
         QTest::newRow("removeSection") << "removeSection" << 2 << ENOSPC << full;
         QTest::newRow("window place") << "SaveWinPos" << 1 << ENOSPC << full;
@@ -284,20 +284,16 @@ private slots:
     {
         QTest::addColumn<QString>("section");
         QTest::addColumn<QString>("key");
-        QTest::newRow("Cyrillic shortcut name") << "Мой запрос"
-                                                << "Category";
-        QTest::newRow("Japanese shortcut name") << "日本のアニメ"
-                                                << "Category";
-        QTest::newRow("emoji key") << "Sec"
-                                   << "ключ🎵";
-        QTest::newRow("bracket in section") << "a]b"
-                                            << "k";
-        QTest::newRow("equals sign in key") << "Sec"
-                                            << "a=b";
-        QTest::newRow("key that looks like a section") << "Sec"
-                                                       << "[Option]";
-        QTest::newRow("marker in section") << kMarker + "x"
-                                           << "k";
+        const auto row = [](const char* tag, const QString& section, const QString& key) {
+            QTest::newRow(tag) << section << key;
+        };
+        row("Cyrillic shortcut name", "Мой запрос", "Category");
+        row("Japanese shortcut name", "日本のアニメ", "Category");
+        row("emoji key", "Sec", "ключ🎵");
+        row("bracket in section", "a]b", "k");
+        row("equals sign in key", "Sec", "a=b");
+        row("key that looks like a section", "Sec", "[Option]");
+        row("marker in section", kMarker + "x", "k");
     }
 
     void namesRoundTrip()
@@ -413,42 +409,19 @@ private slots:
         QTest::addColumn<QString>("top");
         QTest::addColumn<QRect>("expected");
         const QRect designed(100, 80, 640, 480);
-        QTest::newRow("as stored") << "6000"
-                                   << "9000"
-                                   << "1500"
-                                   << "750" << QRect(100, 50, 600, 400);
-        QTest::newRow("huge size") << "99999999999999"
-                                   << "99999999999999"
-                                   << "0"
-                                   << "0" << QRect(0, 0, 1920, 1040);
-        QTest::newRow("beyond double") << "1e999"
-                                       << "-1e999"
-                                       << "1e999"
-                                       << "-1e999" << designed;
-        QTest::newRow("largest double") << "1.7e308"
-                                        << "1.7e308"
-                                        << "-1.7e308"
-                                        << "1.7e308" << QRect(0, 0, 1920, 1040);
-        QTest::newRow("negative size") << "-4500"
-                                       << "0"
-                                       << "1500"
-                                       << "750" << QRect(100, 50, 640, 480);
-        QTest::newRow("off to the right and down") << "6000"
-                                                   << "9000"
-                                                   << "90000"
-                                                   << "90000" << QRect(1320, 640, 600, 400);
-        QTest::newRow("off to the left and up") << "6000"
-                                                << "9000"
-                                                << "-90000"
-                                                << "-90000" << QRect(0, 0, 600, 400);
-        QTest::newRow("hex and garbage") << "&HFFFFFFFF"
-                                         << "abc"
-                                         << "&H7FFFFFFF"
-                                         << "nan" << QRect(1280, 0, 640, 480);
-        QTest::newRow("missing keys leave the design") << ""
-                                                       << ""
-                                                       << ""
-                                                       << "" << designed;
+        const auto row = [](const char* tag, const QString& height, const QString& width, const QString& left,
+                            const QString& top, const QRect& expected) {
+            QTest::newRow(tag) << height << width << left << top << expected;
+        };
+        row("as stored", "6000", "9000", "1500", "750", QRect(100, 50, 600, 400));
+        row("huge size", "99999999999999", "99999999999999", "0", "0", QRect(0, 0, 1920, 1040));
+        row("beyond double", "1e999", "-1e999", "1e999", "-1e999", designed);
+        row("largest double", "1.7e308", "1.7e308", "-1.7e308", "1.7e308", QRect(0, 0, 1920, 1040));
+        row("negative size", "-4500", "0", "1500", "750", QRect(100, 50, 640, 480));
+        row("off to the right and down", "6000", "9000", "90000", "90000", QRect(1320, 640, 600, 400));
+        row("off to the left and up", "6000", "9000", "-90000", "-90000", QRect(0, 0, 600, 400));
+        row("hex and garbage", "&HFFFFFFFF", "abc", "&H7FFFFFFF", "nan", QRect(1280, 0, 640, 480));
+        row("missing keys leave the design", "", "", "", "", designed);
     }
 
     void windowPlacementFromAnyText()
