@@ -8,17 +8,33 @@
 #include <QLocale>
 #include <QSqlDriver>
 #include <QString>
+#include <QStringDecoder>
+#include <QVarLengthArray>
+#include <cstring>
 #include <sqlite3.h>
 
 namespace vinora {
 namespace {
 
+// Decodes UTF-8 into `buffer` (no allocation for the usual short texts).
+QStringView decoded(QVarLengthArray<QChar, 256>& buffer, const void* bytes, int length)
+{
+    buffer.resize(length); // UTF-8 never takes fewer bytes than UTF-16 code units
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QChar* end = decoder.appendToBuffer(buffer.data(), QByteArrayView(static_cast<const char*>(bytes), length));
+    return QStringView(buffer.data(), end - buffer.data());
+}
+
 int collateNoCase(void* state, int lengthA, const void* a, int lengthB, const void* b)
 {
+    // Equal bytes are equal texts; sorting and DISTINCT meet them all the time.
+    if (lengthA == lengthB && std::memcmp(a, b, static_cast<std::size_t>(lengthA)) == 0) {
+        return 0;
+    }
     const auto* collator = static_cast<QCollator*>(state);
-    const QString textA = QString::fromUtf8(static_cast<const char*>(a), lengthA);
-    const QString textB = QString::fromUtf8(static_cast<const char*>(b), lengthB);
-    const int order = collator->compare(textA, textB);
+    QVarLengthArray<QChar, 256> bufferA;
+    QVarLengthArray<QChar, 256> bufferB;
+    const int order = collator->compare(decoded(bufferA, a, lengthA), decoded(bufferB, b, lengthB));
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
