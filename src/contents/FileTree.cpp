@@ -90,9 +90,10 @@ QString listVolumeText(const QStringList& sizes)
     if (sizes.isEmpty()) {
         return QStringLiteral("~0 Мб");
     }
+    const QLocale locale;
     double sum = 0;
     for (const QString& size : sizes) {
-        sum += QLocale().toDouble(size);
+        sum += locale.toDouble(size);
     }
     const QString whole = QString::number(static_cast<qint64>(std::llround(sum)));
     QString text = QString::number(sum, 'f', sum == std::floor(sum) ? 0 : 1);

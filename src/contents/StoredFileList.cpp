@@ -1,7 +1,12 @@
 #include "contents/StoredFileList.h"
 
+#include "frame/TextRules.h"
 #include "store/ContentsLists.h"
 #include "store/Db.h"
+
+#include <QCollator>
+#include <QSqlQuery>
+#include <algorithm>
 
 namespace vinora {
 
@@ -16,29 +21,37 @@ bool StoredFileList::exists() const
     return ContentsLists(db, ContentsKind::Files).exists(m_id);
 }
 
-QStringList StoredFileList::folders() const
+StoredFileList::Contents StoredFileList::read() const
 {
     const Db db(m_path, Db::Access::ReadOnly);
-    return db.texts(QStringLiteral("SELECT DISTINCT Путь FROM Файлы WHERE ДискID = ? ORDER BY Путь"), {m_id});
-}
-
-QStringList StoredFileList::sizes() const
-{
-    const Db db(m_path, Db::Access::ReadOnly);
-    return db.texts(QStringLiteral("SELECT Размер FROM Файлы WHERE ДискID = ?"), {m_id});
-}
-
-QList<StoredFileList::File> StoredFileList::files(const QString& folder) const
-{
-    const Db db(m_path, Db::Access::ReadOnly);
-    QSqlQuery rows = db.query(
-        QStringLiteral(
-            "SELECT Имя, Размер FROM Файлы WHERE ДискID = ? AND Путь = ? AND Имя <> Путь ORDER BY Имя"),
-        {m_id, folder});
-    QList<File> files;
+    QSqlQuery rows = db.query(QStringLiteral("SELECT Путь, Имя, Размер FROM Файлы WHERE ДискID = ?"), {m_id});
+    Contents contents;
     while (rows.next()) {
-        files.append({rows.value(0).toString(), rows.value(1).toString()});
+        const QString path = rows.value(0).toString();
+        const QString name = rows.value(1).toString();
+        contents.sizes.append(rows.value(2).toString());
+        auto folder = contents.filesByFolder.find(path);
+        if (folder == contents.filesByFolder.end()) {
+            folder = contents.filesByFolder.insert(path, {});
+            contents.folders.append(path);
+        }
+        // A folder's own row (its path as its name) is no file of it.
+        if (name != path) {
+            folder->append({name, contents.sizes.constLast()});
+        }
     }
+    const QCollator collator = textCollator();
+    std::sort(contents.folders.begin(), contents.folders.end(),
+              [&collator](const QString& a, const QString& b) { return collator.compare(a, b) < 0; });
+    return contents;
+}
+
+QList<StoredFileList::File> StoredFileList::Contents::files(const QString& folder) const
+{
+    QList<File> files = filesByFolder.value(folder);
+    const QCollator collator = textCollator();
+    std::stable_sort(files.begin(), files.end(),
+                     [&collator](const File& a, const File& b) { return collator.compare(a.name, b.name) < 0; });
     return files;
 }
 

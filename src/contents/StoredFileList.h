@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -18,12 +19,21 @@ public:
         QString size; // in kilobytes, as stored
     };
 
+    // The whole list as the browser shows it, read in one pass: a disc of 100,000 files
+    // is one query, and moving between its folders costs none.
+    struct Contents
+    {
+        QStringList folders;                      // distinct folder keys, in the catalogue's order
+        QStringList sizes;                        // of every row, for the volume shown under the list
+        QHash<QString, QList<File>> filesByFolder; // each folder's files, as stored
+
+        QList<File> files(const QString& folder) const; // the folder's files by name
+    };
+
     StoredFileList(QString filesDbPath, QString id);
 
     bool exists() const;
-    QStringList folders() const;                    // distinct folder keys, sorted
-    QStringList sizes() const;                      // of every row, for the volume shown under the list
-    QList<File> files(const QString& folder) const; // the folder's files by name
+    Contents read() const;
     QString folderComment(const QString& folder) const;
     QString fileComment(const QString& folder, const QString& name) const;
 

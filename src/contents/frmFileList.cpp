@@ -28,6 +28,7 @@
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
+#include <array>
 
 namespace vinora {
 
@@ -179,15 +180,16 @@ void frmFileList::cmbCountCD_Click()
         return;
     }
     selectFolder(0);
-    m_lblCDSpace->setText(listVolumeText(storedList().sizes()));
+    m_lblCDSpace->setText(listVolumeText(m_contents.sizes));
 }
 
 bool frmFileList::buildTree()
 {
     m_trView->clear();
     const StoredFileList list = storedList();
+    m_contents = list.exists() ? list.read() : StoredFileList::Contents();
     const std::optional<QList<FileTreeNode>> nodes =
-        list.exists() ? BuildTree(list.folders()) : std::optional<QList<FileTreeNode>>();
+        list.exists() ? BuildTree(m_contents.folders) : std::optional<QList<FileTreeNode>>();
     if (!nodes) {
         setCommentControls(false, false);
         m_trView->hide();
@@ -199,15 +201,18 @@ bool frmFileList::buildTree()
         return false;
     }
     m_nodes = *nodes;
+    // The style makes a new icon (reading its pictures) at every call: one of each serves all.
+    const QIcon discIcon = style()->standardIcon(QStyle::SP_DriveCDIcon);
+    const QIcon folderIcon = style()->standardIcon(QStyle::SP_DirIcon);
     QList<QTreeWidgetItem*> items;
+    items.reserve(m_nodes.size());
     for (int i = 0; i < m_nodes.size(); ++i) {
         const FileTreeNode& node = m_nodes[i];
         auto* item =
             node.parent < 0 ? new QTreeWidgetItem(m_trView) : new QTreeWidgetItem(items[node.parent]);
         item->setText(0, node.text);
         item->setData(0, Qt::UserRole, i);
-        item->setIcon(0,
-                      style()->standardIcon(node.image == 2 ? QStyle::SP_DriveCDIcon : QStyle::SP_DirIcon));
+        item->setIcon(0, node.image == 2 ? discIcon : folderIcon);
         items.append(item);
     }
     if (m_nodes.isEmpty()) {
@@ -265,9 +270,14 @@ void frmFileList::FillFileList(const QString& path)
                                                    QStyle::SP_DriveFDIcon,  QStyle::SP_FileDialogContentsView,
                                                    QStyle::SP_FileIcon,     QStyle::SP_FileIcon,
                                                    QStyle::SP_DirLinkIcon};
-    for (const StoredFileList::File& file : list.files(path)) {
+    std::array<QIcon, std::size(icons)> iconOf;
+    for (const StoredFileList::File& file : m_contents.files(path)) {
         auto* item = new QTreeWidgetItem(m_lvFiles, {file.name, file.size});
-        item->setIcon(0, style()->standardIcon(icons[fileImage(file.name)]));
+        QIcon& icon = iconOf[static_cast<std::size_t>(fileImage(file.name))];
+        if (icon.isNull()) {
+            icon = style()->standardIcon(icons[fileImage(file.name)]);
+        }
+        item->setIcon(0, icon);
     }
     m_sort->apply();
     const bool any = m_lvFiles->topLevelItemCount() > 0;

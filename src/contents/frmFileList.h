@@ -2,6 +2,7 @@
 
 #include "contents/DiscFileExtract.h"
 #include "contents/FileTree.h"
+#include "contents/StoredFileList.h"
 #include "ui/TextColumnSort.h"
 #include "ui/WaitCursor.h"
 
@@ -21,7 +22,6 @@ class QTreeWidget;
 namespace vinora {
 
 class AppContext;
-class StoredFileList;
 
 // "Файлы": the file list of one disc of a computer disc record, as a folder tree and a
 // list of files with their comments; it creates, deletes and re-creates the list and opens
@@ -70,6 +70,7 @@ private:
     AppContext& m_ctx;
     int m_number;
     QList<FileTreeNode> m_nodes;
+    StoredFileList::Contents m_contents; // the list on view, read when its tree is built
     QComboBox* m_cmbCountCD;
     QTreeWidget* m_trView;
     QTreeWidget* m_lvFiles;
