@@ -6,6 +6,7 @@
 #include "store/Reanimator.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -46,11 +47,52 @@ inline double medianMs(int runs, const std::function<void()>& work)
     return times[times.size() / 2];
 }
 
+// Every measured line also goes, tab-separated, to the file VINORA_BENCH_TABLE names (when
+// set): what, figure, unit, reference, goal, met. bench/run.sh makes the summary table of it.
+inline void record(const char* what, double value, const char* unit, const QString& reference, double goal)
+{
+    const bool met = value <= goal;
+    g_failures += met ? 0 : 1;
+    std::printf("%-62s %10.3f %s   goal %9.3f %s   %s\n", what, value, unit, goal, unit, met ? "ok" : "MISSED");
+    if (!reference.isEmpty()) {
+        std::printf("%-62s %s\n", "", qPrintable(reference));
+    }
+    std::fflush(stdout);
+    const QString table = qEnvironmentVariable("VINORA_BENCH_TABLE");
+    if (!table.isEmpty()) {
+        QFile file(table);
+        if (file.open(QIODevice::Append | QIODevice::Text)) {
+            file.write(QStringLiteral("%1\t%2\t%3\t%4\t%5\t%6\n")
+                           .arg(QString::fromUtf8(what))
+                           .arg(value, 0, 'f', value < 10 ? 2 : value < 100 ? 1 : 0)
+                           .arg(QString::fromUtf8(unit), reference)
+                           .arg(goal, 0, 'f', 0)
+                           .arg(met ? QStringLiteral("ok") : QStringLiteral("MISSED"))
+                           .toUtf8());
+        }
+    }
+}
+
 inline void report(const char* what, double ms, double goalMs)
 {
-    const bool met = ms <= goalMs;
-    g_failures += met ? 0 : 1;
-    std::printf("%-58s %10.3f ms   goal %9.3f ms   %s\n", what, ms, goalMs, met ? "ok" : "MISSED");
+    record(what, ms, "ms", {}, goalMs);
+}
+
+// A figure beside a reference measured in the same run, with a goal of its own.
+inline void reportBeside(const char* what, double ms, double goalMs, const char* referenceName, double referenceMs)
+{
+    record(what, ms, "ms",
+           QStringLiteral("%1: %2 ms (%3 x)")
+               .arg(QString::fromUtf8(referenceName))
+               .arg(referenceMs, 0, 'f', referenceMs < 10 ? 2 : 0)
+               .arg(ms / referenceMs, 0, 'f', 1),
+           goalMs);
+}
+
+// A figure held against a reference measured in the same run: the goal is `factor` times it.
+inline void reportAgainst(const char* what, double ms, const char* referenceName, double referenceMs, double factor)
+{
+    reportBeside(what, ms, factor * referenceMs, referenceName, referenceMs);
 }
 
 // Runs a tool, its output thrown away; true when it succeeded.

@@ -1,14 +1,18 @@
-// Speed of the loan windows on a ledger of 10,000 loans to 2,000 borrowers: the debtor list
-// opened and moved along, and the record of a borrower with 500 loans.
+// The loan windows on the collection's ledger (10,000 loans to 2,000 borrowers): the debtor
+// list opened and moved along, the rating window on the borrower with the most loans, and the
+// history of the audio disc lent most often.
 #include "BenchSupport.h"
 #include "BenchWindows.h"
-#include "lending/BorrowerRating.h"
-#include "lending/LoanLedger.h"
+#include "Collection.h"
+#include "lending/frmDiskHistory.h"
 #include "lending/frmDue.h"
+#include "lending/frmDueStat.h"
 #include "store/Db.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QTableWidget>
+#include <QTreeWidget>
 
 using namespace vinora;
 using namespace vinora::bench;
@@ -16,55 +20,64 @@ using namespace vinora::bench;
 int main(int argc, char* argv[])
 {
     const OffscreenWindows windows(argc, argv);
-    BenchApp bench;
-    AppContext& ctx = bench.ctx;
-    const QDate today = QDate::currentDate();
-    {
-        Db db(ctx.MainDBPath);
-        Transaction transaction(db);
-        Statement disc(db, QStringLiteral("INSERT INTO Аудио (Номер, Название, Альбом, Дисков, КодСтиля, Должник) "
-                                          "VALUES (?, ?, ?, 1, 1, ?)"));
-        for (int i = 1; i <= 10000; ++i) {
-            disc.run({i, QStringLiteral("Исполнитель %1").arg(i), QStringLiteral("Альбом %1").arg(i),
-                      i % 5 == 0 ? kTrue : kFalse});
-        }
-        Statement borrower(db, QStringLiteral("INSERT INTO ИменаДолжников (Имя, Телефон) VALUES (?, 'нет')"));
-        for (int i = 1; i <= 2000; ++i) {
-            borrower.run({QStringLiteral("Должник %1").arg(i * 7919 % 100000)});
-        }
-        // Borrower 1 has 500 loans; the other 9,500 are spread over the rest. Every fifth
-        // disc is out: its newest loan is open.
-        Statement loan(db, QStringLiteral("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВыдачи, "
-                                          "ДатаВозврата, ДатаВозвратаРеальная, Долг) VALUES (?, ?, 'AD', ?, ?, ?, ?)"));
-        for (int i = 1; i <= 10000; ++i) {
-            const int who = i <= 500 ? 1 : 2 + i % 1999;
-            const bool open = i % 5 == 0;
-            const QDate issued = today.addDays(-(i % 300) - 30);
-            loan.run({who, i, dateValue(issued), dateValue(issued.addDays(14)),
-                      open ? QVariant() : dateValue(issued.addDays(10 + i % 20)), open ? kTrue : kFalse});
-        }
-        transaction.commit();
-    }
+    const Collection collection = benchCollection();
+    describeCollection(collection);
+    UnattendedPrompter prompts;
+    SystemClock clock;
+    AppContext ctx(collection.folder, prompts, clock);
+
     std::unique_ptr<frmDue> window;
-    report("open the debtor list of 2,000 open loans (10,000 in the ledger)",
+    report("open the debtor list, first screen shown",
            medianMs(5,
                     [&] {
+                        window.reset();
                         window = std::make_unique<frmDue>(ctx, [](Category, PickMode) { return 0; });
                         window->show();
                         QApplication::processEvents();
                     }),
            100);
     auto* grid = window->findChild<QTableWidget*>(QStringLiteral("DBGrid"));
+    std::printf("%-62s %d open loans listed\n", "", grid->rowCount());
     int row = 0;
     report("move to the next loan of the debtor list",
            medianMs(21,
                     [&] {
-                        grid->setCurrentCell(++row, 0);
+                        grid->setCurrentCell(++row % grid->rowCount(), 0);
                         QApplication::processEvents();
                     }),
-           20);
-    Db db(ctx.MainDBPath, Db::Access::ReadOnly);
-    report("the record and rating of a borrower with 500 loans",
-           medianMs(11, [&] { borrowerRecord(db, 1, {}, today); }), 20);
+           100);
+    window.reset();
+
+    const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
+    const QString busiest =
+        db.scalar(QStringLiteral("SELECT Имя FROM ИменаДолжников WHERE КодИмени = (SELECT КодИмяДолжника FROM "
+                                 "Должники GROUP BY КодИмяДолжника ORDER BY count(*) DESC LIMIT 1)"))
+            .toString();
+    std::unique_ptr<frmDueStat> rating;
+    report("the rating window on the borrower with the most loans",
+           medianMs(5,
+                    [&] {
+                        rating.reset();
+                        rating = std::make_unique<frmDueStat>(ctx, busiest);
+                        rating->show();
+                        QApplication::processEvents();
+                    }),
+           100);
+    std::printf("%-62s %d loans in the borrower's record\n", "",
+                rating->findChild<QTreeWidget*>(QStringLiteral("lvRating"))->topLevelItemCount());
+    rating.reset();
+
+    const int lentMost = db.scalar(QStringLiteral("SELECT КодДиска FROM Должники WHERE Категория = 'AD' GROUP BY "
+                                                  "КодДиска ORDER BY count(*) DESC LIMIT 1"))
+                             .toInt();
+    frmDiskHistory history(ctx, [](Category, PickMode) { return 0; });
+    history.show();
+    history.findChild<QLineEdit*>(QStringLiteral("txtNumber"))->setText(QString::number(lentMost));
+    report("the history of the audio disc lent most often", medianMs(11,
+                                                                     [&] {
+                                                                         history.cmdShow();
+                                                                         QApplication::processEvents();
+                                                                     }),
+           100);
     return finish();
 }
