@@ -34,24 +34,40 @@ std::optional<CddbServer> parseCddbServer(const QString& text)
     return CddbServer{trimmed.left(colon), static_cast<quint16>(port)};
 }
 
-QList<std::optional<CddbServer>> cddbServers(const IniFile& ini)
+QList<std::optional<CddbServer>> cddbServers(const QStringList& own)
 {
-    const IniDocument settings = ini.load();
     QList<std::optional<CddbServer>> servers;
     for (int n = 1; n <= kCddbServerCount; ++n) {
-        const QString key = QStringLiteral("Server%1").arg(n);
-        const bool own = n > 1 && !settings.read(kSection, key, 256).isEmpty();
-        const QString text =
-            own ? settings.read(kSection, key, 256) : QString::fromLatin1(kDefaultEntries[n - 1]);
-        servers.append(parseCddbServer(text));
+        const QString text = n > 1 ? own.value(n - 2) : QString();
+        servers.append(parseCddbServer(text.isEmpty() ? QString::fromLatin1(kDefaultEntries[n - 1]) : text));
     }
     return servers;
 }
 
+QStringList ownCddbServerEntries(const IniFile& ini)
+{
+    const IniDocument settings = ini.load();
+    QStringList own;
+    for (int n = 2; n <= kCddbServerCount; ++n) {
+        own.append(settings.read(kSection, QStringLiteral("Server%1").arg(n), 256));
+    }
+    return own;
+}
+
+QList<std::optional<CddbServer>> cddbServers(const IniFile& ini)
+{
+    return cddbServers(ownCddbServerEntries(ini));
+}
+
 QStringList cddbServerItems(const IniFile& ini)
 {
+    return cddbServerItems(ownCddbServerEntries(ini));
+}
+
+QStringList cddbServerItems(const QStringList& own)
+{
     QStringList items;
-    const QList<std::optional<CddbServer>> servers = cddbServers(ini);
+    const QList<std::optional<CddbServer>> servers = cddbServers(own);
     for (qsizetype i = 0; i < servers.size(); ++i) {
         QString host = QStringLiteral("(не задан)");
         if (const std::optional<CddbServer>& server = servers[i]) {

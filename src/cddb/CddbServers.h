@@ -27,10 +27,15 @@ std::optional<CddbServer> parseCddbServer(const QString& text);
 
 // Entries 1..7; an entry the settings leave empty or spoil is nothing.
 QList<std::optional<CddbServer>> cddbServers(const IniFile& ini);
+// The same from the texts of entries 2..7 (an empty text stands for the entry's default),
+// as the settings hold them or as the options dialog has them while they are typed.
+QList<std::optional<CddbServer>> cddbServers(const QStringList& own);
+QStringList ownCddbServerEntries(const IniFile& ini);
 
 // The texts of the server list: the number, ":", a blank and the host (with ":port" when it
 // is not 8880); an empty entry reads "(не задан)".
 QStringList cddbServerItems(const IniFile& ini);
+QStringList cddbServerItems(const QStringList& own);
 
 // The index of the list to preselect: ServerCDDB of Option, 0 when empty or above 6.
 int preselectedServer(const IniFile& ini);

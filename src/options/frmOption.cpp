@@ -22,6 +22,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -106,11 +107,17 @@ QWidget* frmOption::buildGeneralTab()
     auto* sorted = new QHBoxLayout;
     chSaveSortedCatalogue = new QCheckBox(QStringLiteral("Сохранять режим сортировки в:"));
     chSaveSortedCatalogue->setObjectName(QStringLiteral("chSaveSortedCatalogue"));
-    // The first box names the catalogues; the second the loan list.
-    chSaveSortedCatalogue->setToolTip(QStringLiteral("каталогах"));
+    chSaveSortedCatalogue->setAccessibleName(QStringLiteral("Сохранять режим сортировки в каталогах"));
+    // The caption ends in "в:", so the word after the box says what it keeps; a click on the
+    // word ticks the box as a click on the caption does.
+    lblSaveSortedCatalogue = new QLabel(QStringLiteral("каталогах"));
+    lblSaveSortedCatalogue->setObjectName(QStringLiteral("lblSaveSortedCatalogue"));
+    lblSaveSortedCatalogue->installEventFilter(this);
     chSaveSortedDueList = new QCheckBox(QStringLiteral("списке должников"));
     chSaveSortedDueList->setObjectName(QStringLiteral("chSaveSortedDueList"));
     sorted->addWidget(chSaveSortedCatalogue);
+    sorted->addWidget(lblSaveSortedCatalogue);
+    sorted->addSpacing(16);
     sorted->addWidget(chSaveSortedDueList);
     sorted->addStretch(1);
     column->addLayout(sorted);
@@ -205,6 +212,7 @@ QWidget* frmOption::buildCddbTab()
     for (std::size_t i = 0; i < txtServer.size(); ++i) {
         txtServer[i] = new QLineEdit;
         txtServer[i]->setObjectName(QStringLiteral("txtServer%1").arg(i + 2));
+        connect(txtServer[i], &QLineEdit::textChanged, this, &frmOption::showServerEdits);
         form->addRow(QStringLiteral("Сервер %1:").arg(i + 2), txtServer[i]);
     }
     return page;
@@ -394,6 +402,20 @@ void frmOption::indicatorTicked(int index)
     row.label->setText(IndicatorSetting{row.slider->value(), still}.label());
 }
 
+void frmOption::showServerEdits()
+{
+    // The list offers the servers as they are typed, not only as they were when it opened;
+    // the chosen position stays.
+    QStringList own;
+    for (const QLineEdit* server : txtServer) {
+        own.append(server->text().trimmed());
+    }
+    const QStringList items = cddbServerItems(own);
+    for (int i = 0; i < cmbServer->count() && i < items.size(); ++i) {
+        cmbServer->setItemText(i, items[i]);
+    }
+}
+
 void frmOption::stepTimeout(int delta)
 {
     txtTimeout->setText(vinora::stepTimeout(txtTimeout->text(), delta));
@@ -401,6 +423,14 @@ void frmOption::stepTimeout(int delta)
 
 bool frmOption::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == lblSaveSortedCatalogue &&
+        (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonRelease) &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+        if (event->type() == QEvent::MouseButtonRelease) {
+            chSaveSortedCatalogue->click();
+        }
+        return true;
+    }
     if (watched == txtTimeout && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Up || key == Qt::Key_Down) {

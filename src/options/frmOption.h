@@ -62,6 +62,7 @@ private:
     void fillDrives(const QString& chosen);
     void fillImages();
     void indicatorTicked(int row);
+    void showServerEdits();
     OptionSettings fromControls() const;
     SchemeChoice chosenScheme() const;
 
@@ -71,6 +72,7 @@ private:
     QCheckBox* chCheckCD = nullptr;
     QComboBox* cmbDrive = nullptr;
     QCheckBox* chSaveSortedCatalogue = nullptr;
+    QLabel* lblSaveSortedCatalogue = nullptr;
     QCheckBox* chSaveSortedDueList = nullptr;
     QCheckBox* chAutoCompactDatabase = nullptr;
     QCheckBox* chAutoResp = nullptr;

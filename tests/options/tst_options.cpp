@@ -233,6 +233,109 @@ private slots:
         QCOMPARE(a.option("ConfirmExit"), "1");
     }
 
+    // The catalogue box's caption ends in "в:"; the word beside it names the catalogues and
+    // ticks the box like its caption.
+    void catalogueSortBoxNamesTheCatalogues()
+    {
+        App a;
+        a.set("SaveSortedCatalogue", "0");
+        frmOption dialog(a.app.ctx);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        auto* box = child<QCheckBox>(dialog, "chSaveSortedCatalogue");
+        auto* word = child<QLabel>(dialog, "lblSaveSortedCatalogue");
+        auto* loans = child<QCheckBox>(dialog, "chSaveSortedDueList");
+        QCOMPARE(box->text(), "Сохранять режим сортировки в:");
+        QCOMPARE(word->text(), "каталогах");
+        QVERIFY(word->isVisible());
+        // One row: the box, its word, then the loan list's box.
+        const QRect boxAt(box->mapTo(&dialog, QPoint()), box->size());
+        const QRect wordAt(word->mapTo(&dialog, QPoint()), word->size());
+        const QRect loansAt(loans->mapTo(&dialog, QPoint()), loans->size());
+        QVERIFY(wordAt.left() >= boxAt.right());
+        QVERIFY(loansAt.left() >= wordAt.right());
+        QVERIFY(qAbs(wordAt.center().y() - boxAt.center().y()) <= 2);
+        QVERIFY(!box->isChecked());
+        QTest::mouseClick(word, Qt::LeftButton);
+        QVERIFY(box->isChecked());
+        QVERIFY(!loans->isChecked());
+        click(dialog, "imgButton0");
+        QCOMPARE(a.option("SaveSortedCatalogue"), "1");
+    }
+
+    void serverListFollowsTheEdits_data()
+    {
+        QTest::addColumn<int>("entry"); // 2..7
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("a server of one's own") << 5 << ""
+                                               << "cddb.example.org:8081"
+                                               << "5: cddb.example.org:8081";
+        QTest::newRow("the usual port goes unsaid") << 6 << ""
+                                                    << "my.host:8880"
+                                                    << "6: my.host";
+        QTest::newRow("replaced") << 2 << "old.example.org"
+                                  << "new.example.org"
+                                  << "2: new.example.org";
+        QTest::newRow("emptied: the default again") << 3 << "old.example.org"
+                                                    << ""
+                                                    << "3: localhost";
+    }
+
+    void serverListFollowsTheEdits()
+    {
+        QFETCH(int, entry);
+        QFETCH(QString, stored);
+        QFETCH(QString, typed);
+        QFETCH(QString, shown);
+        App a;
+        const QString key = QStringLiteral("Server%1").arg(entry);
+        if (!stored.isEmpty()) {
+            a.ini().write("CDDBServers", key, stored);
+        }
+        a.set("ServerCDDB", QString::number(entry - 1));
+        frmOption dialog(a.app.ctx);
+        auto* servers = child<QComboBox>(dialog, "cmbServer");
+        auto* edit = child<QLineEdit>(dialog, QStringLiteral("txtServer%1").arg(entry));
+        const QStringList before = [servers] {
+            QStringList items;
+            for (int i = 0; i < servers->count(); ++i) {
+                items.append(servers->itemText(i));
+            }
+            return items;
+        }();
+        QCOMPARE(before.size(), 7);
+        QVERIFY(before[entry - 1] != shown);
+
+        QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_Backspace);
+        QTest::keyClicks(edit, typed);
+        QCOMPARE(servers->count(), 7);
+        QCOMPARE(servers->currentIndex(), entry - 1);
+        QCOMPARE(servers->currentText(), shown);
+        for (int i = 0; i < servers->count(); ++i) {
+            if (i != entry - 1) {
+                QCOMPARE(servers->itemText(i), before[i]);
+            }
+        }
+        // Half typed, the entry is not a server yet, and the list says so.
+        if (typed.endsWith(u"8081")) {
+            QTest::keyClick(edit, Qt::Key_Backspace);
+            QTest::keyClick(edit, Qt::Key_Backspace);
+            QTest::keyClick(edit, Qt::Key_Backspace);
+            QTest::keyClick(edit, Qt::Key_Backspace);
+            QCOMPARE(servers->currentText(), QStringLiteral("%1: (не задан)").arg(entry));
+            QTest::keyClicks(edit, "8081");
+        }
+
+        click(dialog, "imgButton0");
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        QCOMPARE(a.ini().read("CDDBServers", key, 256), typed);
+        frmOption again(a.app.ctx);
+        QCOMPARE(child<QComboBox>(again, "cmbServer")->currentText(), shown);
+    }
+
     // ---- what OK writes ---------------------------------------------------------------
 
     void sortBoxesOffEraseTheOrders_data()
