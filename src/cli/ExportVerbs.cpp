@@ -5,8 +5,8 @@
 #include "exchange/CatalogueExport.h"
 #include "exchange/DueExport.h"
 #include "exchange/ListExport.h"
-#include "exchange/PageOutput.h"
 #include "frame/AppContext.h"
+#include "frame/FaultLog.h"
 #include "store/Db.h"
 
 #include <QCommandLineParser>
@@ -78,7 +78,7 @@ Failure exportFailure(const QString& page, const QString& database, const AppErr
         err::BadFileNameOrNumber, err::FileNotFound, err::DeviceIo, err::DiskFull,
         err::PathFileAccess,      err::PathNotFound};
     if (pageErrors.contains(error.number())) {
-        const std::optional<QString> told = exportFailureMessage(error.number());
+        const std::optional<QString> told = fileRefusalText(error.number());
         return {BadFile, QStringLiteral("the page '") + page + QStringLiteral("' cannot be written (") +
                              (told ? *told + u' ' : QString()) + error.description() + u')'};
     }

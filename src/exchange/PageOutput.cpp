@@ -343,18 +343,4 @@ void PageOutput::failWriteForTests(int nth, int error)
     g_failAt.store(nth);
 }
 
-std::optional<QString> exportFailureMessage(int number)
-{
-    switch (number) {
-    case err::BadFileNameOrNumber:
-        return QStringLiteral("Устройство не готово!");
-    case err::FileNotFound:
-        return QStringLiteral("Отказано в доступе!");
-    case err::PathFileAccess:
-        return QStringLiteral("Папка доступна только для чтения!");
-    default:
-        return std::nullopt;
-    }
-}
-
 } // namespace vinora

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <optional>
 
 namespace vinora {
 
@@ -48,9 +47,5 @@ private:
     QString m_staging; // where the pictures gather until the commit
     bool m_committed = false;
 };
-
-// The message for the errors the export tells in a box of its own: "Устройство не готово!",
-// "Отказано в доступе!", "Папка доступна только для чтения!"; nothing for the others.
-std::optional<QString> exportFailureMessage(int number);
 
 } // namespace vinora

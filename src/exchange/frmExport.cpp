@@ -3,7 +3,6 @@
 #include "exchange/CatalogueExport.h"
 #include "exchange/DueExport.h"
 #include "exchange/ListExport.h"
-#include "exchange/PageOutput.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "store/Db.h"
@@ -290,7 +289,7 @@ bool frmExport::runExport(const QString& routine, const std::function<void()>& w
             work();
             done = true;
         } catch (const AppError& error) {
-            if (const std::optional<QString> text = exportFailureMessage(error.number())) {
+            if (const std::optional<QString> text = fileRefusalText(error.number())) {
                 m_ctx.prompter().message(*text, MessageStyle::Exclamation);
             } else {
                 ReportErrorAndGoOn(m_ctx, place, error);

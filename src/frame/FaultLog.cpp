@@ -48,6 +48,20 @@ void ReportErrorAndGoOn(const AppContext& ctx, const QString& place, const AppEr
                            MessageStyle::Stop);
 }
 
+std::optional<QString> fileRefusalText(int number)
+{
+    switch (number) {
+    case err::BadFileNameOrNumber:
+        return QStringLiteral("Устройство не готово!");
+    case err::FileNotFound:
+        return QStringLiteral("Отказано в доступе!");
+    case err::PathFileAccess:
+        return QStringLiteral("Папка доступна только для чтения!");
+    default:
+        return std::nullopt;
+    }
+}
+
 void ReportFault(const AppContext& ctx, const QString& place, const AppError& error)
 {
     appendToFaultLog(ctx, place, error);

@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <optional>
 
 namespace vinora {
 
@@ -25,6 +26,11 @@ QString faultMessage(const AppError& error);
 // appends the line to bugreport.log, tells the user what failed and that nothing stored
 // was lost, and returns, so the program goes on.
 void ReportErrorAndGoOn(const AppContext& ctx, const QString& place, const AppError& error);
+
+// What the user is told when the device or the file system refuses a file: 52 "Устройство не
+// готово!", 53 "Отказано в доступе!", 75 "Папка доступна только для чтения!"; nothing for
+// other errors.
+std::optional<QString> fileRefusalText(int number);
 
 // Runs `work`; an AppError or other exception escaping it goes to ReportFault with `place`.
 template <typename Work>

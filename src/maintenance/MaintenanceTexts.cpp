@@ -20,13 +20,10 @@ QString compactionMessage(qint64 before, qint64 after)
 
 QString fileTroubleText(const AppError& error)
 {
+    if (const std::optional<QString> refusal = fileRefusalText(error.number())) {
+        return *refusal;
+    }
     switch (error.number()) {
-    case err::BadFileNameOrNumber:
-        return QStringLiteral("Устройство не готово!");
-    case err::FileNotFound:
-        return QStringLiteral("Отказано в доступе!");
-    case err::PathFileAccess:
-        return QStringLiteral("Папка доступна только для чтения!");
     case err::DiskFull:
         return QStringLiteral(
             "Недостаточно места на диске!\n\nДействие не выполнено. Данные, сохранённые ранее, не "

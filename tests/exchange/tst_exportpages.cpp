@@ -7,6 +7,7 @@
 #include "exchange/ListExport.h"
 #include "exchange/PageOutput.h"
 #include "frame/Cp1251.h"
+#include "frame/FaultLog.h"
 #include "store/Db.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
@@ -275,7 +276,7 @@ private slots:
     {
         QFETCH(int, number);
         QFETCH(QString, text);
-        QCOMPARE(exportFailureMessage(number).value_or(QString()), text);
+        QCOMPARE(fileRefusalText(number).value_or(QString()), text);
     }
 
     // A list the catalogue names but the contents database lacks ends the export, page unmade.
