@@ -9,6 +9,7 @@
 #include "recognition/DiscIdentity.h"
 #include "recognition/MountPoints.h"
 #include "recognition/frmSelectCategory.h"
+#include "ui/ButtonRow.h"
 #include "ui/TextColumnSort.h"
 
 #include <QComboBox>
@@ -113,13 +114,10 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     m_lblCDSpace->setObjectName(QStringLiteral("lblCDSpace"));
     bottom->addWidget(m_lblCDSpace);
     bottom->addStretch(1);
-    const char* const captions[] = {"Закрыть", "Создать список", "Удалить список", "Пересоздать список"};
-    for (int i : {1, 2, 3, 0}) {
-        m_buttons[i] = new QPushButton(QString::fromUtf8(captions[i]), this);
-        m_buttons[i]->setObjectName(QStringLiteral("imgButton%1").arg(i));
-        m_buttons[i]->setAutoDefault(false);
-        bottom->addWidget(m_buttons[i]);
-    }
+    m_buttons = addButtonRow(bottom, this,
+                             {QStringLiteral("Закрыть"), QStringLiteral("Создать список"),
+                              QStringLiteral("Удалить список"), QStringLiteral("Пересоздать список")},
+                             {1, 2, 3, 0});
     layout->addLayout(bottom);
 
     connect(m_buttons[0], &QPushButton::clicked, this, &QDialog::reject);

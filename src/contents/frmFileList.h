@@ -80,7 +80,7 @@ private:
     QPushButton* m_cmdMakeChangeFile;
     QLabel* m_txtNoFiles;
     QLabel* m_lblCDSpace;
-    QPushButton* m_buttons[4];
+    QList<QPushButton*> m_buttons; // imgButton0..3
     std::unique_ptr<TextColumnSort> m_sort; // the column click on the files
 
     std::unique_ptr<QTemporaryDir> m_copies; // files copied out of discs to be opened

@@ -4,6 +4,7 @@
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
 #include "frame/TextRules.h"
+#include "ui/ButtonRow.h"
 #include "ui/EnterKey.h"
 #include "ui/RecordGrid.h"
 #include "ui/WaitCursor.h"
@@ -93,14 +94,11 @@ frmTrackList::frmTrackList(AppContext& ctx, int number, const QString& name, con
 
     auto* bottom = new QHBoxLayout;
     bottom->addStretch(1);
-    const char* const captions[] = {"Закрыть", "Создать список", "Удалить список", "Пересоздать список",
-                                    "Сохранить в cdplayer.ini"};
-    for (int i : {1, 2, 3, 4, 0}) {
-        m_buttons[i] = new QPushButton(QString::fromUtf8(captions[i]), this);
-        m_buttons[i]->setObjectName(QStringLiteral("imgButton%1").arg(i));
-        m_buttons[i]->setAutoDefault(false);
-        bottom->addWidget(m_buttons[i]);
-    }
+    m_buttons = addButtonRow(bottom, this,
+                             {QStringLiteral("Закрыть"), QStringLiteral("Создать список"),
+                              QStringLiteral("Удалить список"), QStringLiteral("Пересоздать список"),
+                              QStringLiteral("Сохранить в cdplayer.ini")},
+                             {1, 2, 3, 4, 0});
     layout->addLayout(bottom);
 
     connect(m_buttons[0], &QPushButton::clicked, this, &QDialog::reject);

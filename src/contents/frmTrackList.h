@@ -70,8 +70,8 @@ private:
     QLineEdit* m_txtComment;
     QPushButton* m_cmdMakeChange;
     QPushButton* m_cmdMakeChangeComm;
-    QPushButton* m_buttons[5];
-    QList<QWidget*> m_myGroup; // the controls that need a list
+    QList<QPushButton*> m_buttons; // imgButton0..4
+    QList<QWidget*> m_myGroup;     // the controls that need a list
 };
 
 } // namespace vinora

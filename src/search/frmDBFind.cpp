@@ -6,6 +6,7 @@
 #include "frame/FaultLog.h"
 #include "search/FoundDisc.h"
 #include "search/SearchTexts.h"
+#include "ui/ButtonRow.h"
 #include "ui/EnterKey.h"
 
 #include <QCheckBox>
@@ -97,13 +98,9 @@ frmDBFind::frmDBFind(AppContext& ctx, const QString& category, QWidget* parent) 
     m_txtNoFile->setMaximumWidth(90);
     bottom->addWidget(m_txtNoFile);
     bottom->addStretch(1);
-    const char* const captions[] = {"Закрыть", "Найти", "Очистить"};
-    for (int i : {1, 2, 0}) {
-        m_buttons[i] = new QPushButton(QString::fromUtf8(captions[i]), this);
-        m_buttons[i]->setObjectName(QStringLiteral("imgButton%1").arg(i));
-        m_buttons[i]->setAutoDefault(false);
-        bottom->addWidget(m_buttons[i]);
-    }
+    m_buttons = addButtonRow(bottom, this,
+                             {QStringLiteral("Закрыть"), QStringLiteral("Найти"), QStringLiteral("Очистить")},
+                             {1, 2, 0});
     layout->addLayout(bottom);
 
     connect(m_buttons[0], &QPushButton::clicked, this, &QDialog::reject);

@@ -78,7 +78,7 @@ private:
     std::unique_ptr<TextColumnSort> m_sort;
     QLabel* m_lblResult;
     QLineEdit* m_txtNoFile;
-    QPushButton* m_buttons[3];
+    QList<QPushButton*> m_buttons; // imgButton0..2
 
     SearchRequest m_shown; // the request whose hits stand in the list
     QFutureWatcher<Outcome> m_search;
