@@ -343,27 +343,24 @@ void frmFileList::DeleteList()
                       [&] { DeleteFileList(m_ctx, m_number, slot, m_ctx.CurrentDiscID); });
 }
 
+DiscListSteps frmFileList::listSteps()
+{
+    return {[this] { DeleteList(); }, [this] { cmbCountCD_Click(); }, [this] { cmdCreate(); }};
+}
+
 void frmFileList::deleteListAsk()
 {
-    if (m_ctx.prompter().message(QStringLiteral("Вы действительно хотите удалить информация о структуре ") +
-                                     m_cmbCountCD->currentText() + QStringLiteral("-го диска № ") +
-                                     QString::number(m_number) + u'?',
-                                 MessageStyle::YesNoQuestion) != Answer::Yes) {
-        return;
-    }
-    DeleteList();
-    cmbCountCD_Click();
+    changeListAsk(m_ctx.prompter(), ListChange::Delete,
+                  QStringLiteral("Вы действительно хотите удалить информация о структуре ") +
+                      m_cmbCountCD->currentText() + QStringLiteral("-го диска № ") +
+                      QString::number(m_number) + u'?',
+                  listSteps());
 }
 
 void frmFileList::recreateListAsk()
 {
-    if (m_ctx.prompter().message(QStringLiteral("Текущий список файлов будет удален! Продолжить?"),
-                                 MessageStyle::YesNoExclamation) != Answer::Yes) {
-        return;
-    }
-    DeleteList();
-    cmbCountCD_Click();
-    cmdCreate();
+    changeListAsk(m_ctx.prompter(), ListChange::Recreate,
+                  QStringLiteral("Текущий список файлов будет удален! Продолжить?"), listSteps());
 }
 
 void frmFileList::lvFiles_DblClick()

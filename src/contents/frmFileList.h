@@ -2,6 +2,7 @@
 
 #include "contents/DiscFileExtract.h"
 #include "contents/FileTree.h"
+#include "contents/ListChange.h"
 #include "contents/StoredFileList.h"
 #include "ui/TextColumnSort.h"
 #include "ui/WaitCursor.h"
@@ -60,6 +61,7 @@ private:
     bool buildTree();
     void FillFileList(const QString& path);
     void DeleteList();
+    DiscListSteps listSteps();
     void setCommentControls(bool dir, bool file);
     QString currentFolderKey() const;
     StoredFileList storedList() const;
@@ -80,7 +82,7 @@ private:
     QPushButton* m_cmdMakeChangeFile;
     QLabel* m_txtNoFiles;
     QLabel* m_lblCDSpace;
-    QList<QPushButton*> m_buttons; // imgButton0..3
+    QList<QPushButton*> m_buttons;          // imgButton0..3
     std::unique_ptr<TextColumnSort> m_sort; // the column click on the files
 
     std::unique_ptr<QTemporaryDir> m_copies; // files copied out of discs to be opened

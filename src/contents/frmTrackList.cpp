@@ -336,27 +336,23 @@ void frmTrackList::cmdDeleteList()
                      [&] { DeleteTrackList(m_ctx, m_number, slot, m_ctx.CurrentDiscID); });
 }
 
+DiscListSteps frmTrackList::listSteps()
+{
+    return {[this] { cmdDeleteList(); }, [this] { cmbCountCD_Click(); }, [this] { cmdCreate(); }};
+}
+
 void frmTrackList::deleteListAsk()
 {
-    if (m_ctx.prompter().message(
-            QStringLiteral("Вы действительно хотите удалить информация о треках диска № ") +
-                m_lblNumber->text() + u'?',
-            MessageStyle::YesNoQuestion) != Answer::Yes) {
-        return;
-    }
-    cmdDeleteList();
-    cmbCountCD_Click();
+    changeListAsk(m_ctx.prompter(), ListChange::Delete,
+                  QStringLiteral("Вы действительно хотите удалить информация о треках диска № ") +
+                      m_lblNumber->text() + u'?',
+                  listSteps());
 }
 
 void frmTrackList::recreateListAsk()
 {
-    if (m_ctx.prompter().message(QStringLiteral("Текущий список треков будет удален! Продолжить?"),
-                                 MessageStyle::YesNoExclamation) != Answer::Yes) {
-        return;
-    }
-    cmdDeleteList();
-    cmbCountCD_Click();
-    cmdCreate();
+    changeListAsk(m_ctx.prompter(), ListChange::Recreate,
+                  QStringLiteral("Текущий список треков будет удален! Продолжить?"), listSteps());
 }
 
 void frmTrackList::showDisc(int k)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "contents/ListChange.h"
 #include "contents/TrackListStore.h"
 
 #include <QChar>
@@ -50,6 +51,7 @@ private:
     void ViewTrackList();
     void dcDatabase_Reposition();
     void cmdDeleteList();
+    DiscListSteps listSteps();
     void showListControls(bool present);
     void findByFirstLetter(QChar letter);
     void showRowTexts(int row);
