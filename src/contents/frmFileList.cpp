@@ -1,6 +1,7 @@
 #include "contents/frmFileList.h"
 
 #include "contents/FileListStore.h"
+#include "contents/ListWindowParts.h"
 #include "contents/StoredFileList.h"
 #include "contents/frmFileListOption.h"
 #include "frame/AppContext.h"
@@ -50,12 +51,7 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     lblNumber->setObjectName(QStringLiteral("lblNumber"));
     auto* lblName = new QLabel(name, this);
     lblName->setObjectName(QStringLiteral("lblName"));
-    m_cmbCountCD = new QComboBox(this);
-    m_cmbCountCD->setObjectName(QStringLiteral("cmbCountCD"));
-    for (int k = 1; k <= std::clamp(discs, 1, 6); ++k) {
-        m_cmbCountCD->addItem(QString::number(k));
-    }
-    m_cmbCountCD->setEnabled(discs > 1);
+    m_cmbCountCD = discChooser(discs, this);
     top->addWidget(lblNumber);
     top->addWidget(lblName, 1);
     top->addWidget(new QLabel(QStringLiteral("Диск:"), this));
@@ -89,23 +85,16 @@ frmFileList::frmFileList(AppContext& ctx, int number, const QString& name, int d
     layout->addWidget(splitter, 1);
 
     auto* comments = new QFormLayout;
-    const auto commentRow = [&](const char* edit, const char* button, const QString& caption,
-                                QLineEdit*& field, QPushButton*& save) {
-        field = new QLineEdit(this);
-        field->setObjectName(QString::fromLatin1(edit));
-        field->setMaxLength(50);
-        save = new QPushButton(QStringLiteral("Внести изменения"), this);
-        save->setObjectName(QString::fromLatin1(button));
-        save->setAutoDefault(false);
-        auto* row = new QHBoxLayout;
-        row->addWidget(field, 1);
-        row->addWidget(save);
-        comments->addRow(caption, row);
-    };
-    commentRow("txtCommentDir", "cmdMakeChangeDir", QStringLiteral("Комментарий к папке:"), m_txtCommentDir,
-               m_cmdMakeChangeDir);
-    commentRow("txtCommentFile", "cmdMakeChangeFile", QStringLiteral("Комментарий к файлу:"),
-               m_txtCommentFile, m_cmdMakeChangeFile);
+    const EditRow dirRow =
+        addEditRow(comments, this, QStringLiteral("Комментарий к папке:"), QStringLiteral("txtCommentDir"),
+                   QStringLiteral("cmdMakeChangeDir"), 50);
+    const EditRow fileRow =
+        addEditRow(comments, this, QStringLiteral("Комментарий к файлу:"), QStringLiteral("txtCommentFile"),
+                   QStringLiteral("cmdMakeChangeFile"), 50);
+    m_txtCommentDir = dirRow.field;
+    m_cmdMakeChangeDir = dirRow.save;
+    m_txtCommentFile = fileRow.field;
+    m_cmdMakeChangeFile = fileRow.save;
     layout->addLayout(comments);
 
     auto* bottom = new QHBoxLayout;
@@ -471,11 +460,9 @@ void frmFileList::copied()
 
 void frmFileList::showDisc(int k)
 {
-    if (k < 1 || k > m_cmbCountCD->count() || k == m_cmbCountCD->currentIndex() + 1) {
-        return;
+    if (chooseDisc(m_cmbCountCD, k)) {
+        cmbCountCD_Click();
     }
-    m_cmbCountCD->setCurrentIndex(k - 1);
-    cmbCountCD_Click();
 }
 
 bool frmFileList::showFolder(const QString& path)

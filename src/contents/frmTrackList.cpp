@@ -1,5 +1,6 @@
 #include "contents/frmTrackList.h"
 
+#include "contents/ListWindowParts.h"
 #include "contents/frmTrackListOption.h"
 #include "frame/AppContext.h"
 #include "frame/FaultLog.h"
@@ -49,12 +50,7 @@ frmTrackList::frmTrackList(AppContext& ctx, int number, const QString& name, con
     m_lblName->setObjectName(QStringLiteral("lblName"));
     m_lblAlbum = new QLabel(album, this);
     m_lblAlbum->setObjectName(QStringLiteral("lblAlbum"));
-    m_cmbCountCD = new QComboBox(this);
-    m_cmbCountCD->setObjectName(QStringLiteral("cmbCountCD"));
-    for (int k = 1; k <= std::clamp(discs, 1, 6); ++k) {
-        m_cmbCountCD->addItem(QString::number(k));
-    }
-    m_cmbCountCD->setEnabled(discs > 1);
+    m_cmbCountCD = discChooser(discs, this);
     top->addWidget(new QLabel(QStringLiteral("№"), this));
     top->addWidget(m_lblNumber);
     top->addWidget(m_lblName, 1);
@@ -72,24 +68,17 @@ frmTrackList::frmTrackList(AppContext& ctx, int number, const QString& name, con
     layout->addWidget(m_grid, 1);
 
     auto* edits = new QFormLayout;
-    const auto editRow = [&](const char* edit, const char* button, const QString& caption, int length,
-                             QLineEdit*& field, QPushButton*& save) {
-        field = new QLineEdit(this);
-        field->setObjectName(QString::fromLatin1(edit));
-        field->setMaxLength(length);
-        save = new QPushButton(QStringLiteral("Внести изменения"), this);
-        save->setObjectName(QString::fromLatin1(button));
-        save->setAutoDefault(false);
-        auto* row = new QHBoxLayout;
-        row->addWidget(field, 1);
-        row->addWidget(save);
-        edits->addRow(caption, row);
-        m_myGroup << field << save;
-    };
-    editRow("txtTrackName", "cmdMakeChange", QStringLiteral("Название трека:"), kTrackNameLength,
-            m_txtTrackName, m_cmdMakeChange);
-    editRow("txtComment", "cmdMakeChangeComm", QStringLiteral("Комментарий:"), kTrackCommentLength,
-            m_txtComment, m_cmdMakeChangeComm);
+    const EditRow nameRow =
+        addEditRow(edits, this, QStringLiteral("Название трека:"), QStringLiteral("txtTrackName"),
+                   QStringLiteral("cmdMakeChange"), kTrackNameLength);
+    const EditRow commentRow =
+        addEditRow(edits, this, QStringLiteral("Комментарий:"), QStringLiteral("txtComment"),
+                   QStringLiteral("cmdMakeChangeComm"), kTrackCommentLength);
+    m_txtTrackName = nameRow.field;
+    m_cmdMakeChange = nameRow.save;
+    m_txtComment = commentRow.field;
+    m_cmdMakeChangeComm = commentRow.save;
+    m_myGroup << m_txtTrackName << m_cmdMakeChange << m_txtComment << m_cmdMakeChangeComm;
     layout->addLayout(edits);
 
     auto* bottom = new QHBoxLayout;
@@ -357,11 +346,9 @@ void frmTrackList::recreateListAsk()
 
 void frmTrackList::showDisc(int k)
 {
-    if (k < 1 || k > m_cmbCountCD->count() || k == m_cmbCountCD->currentIndex() + 1) {
-        return;
+    if (chooseDisc(m_cmbCountCD, k)) {
+        cmbCountCD_Click();
     }
-    m_cmbCountCD->setCurrentIndex(k - 1);
-    cmbCountCD_Click();
 }
 
 bool frmTrackList::showTrack(const QString& name)
