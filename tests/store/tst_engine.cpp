@@ -71,42 +71,28 @@ private slots:
         QTest::addColumn<QString>("sql");
         QTest::addColumn<QVariantList>("values");
         QTest::addColumn<int>("error");
-        const QString audio = QStringLiteral(
-            "INSERT INTO Аудио (Номер, Название, Альбом, Год, КодСтиля) VALUES (?, ?, ?, ?, ?)");
-        QTest::newRow("empty title") << audio
-                                     << QVariantList{1, QStringLiteral(""), QStringLiteral("x"),
-                                                     QStringLiteral("1999"), 1}
-                                     << 3315;
-        QTest::newRow("empty year") << audio
-                                    << QVariantList{1, QStringLiteral("A"), QStringLiteral("x"),
-                                                    QStringLiteral(""), 1}
-                                    << 3315;
-        QTest::newRow("empty album taken")
-            << audio << QVariantList{1, QStringLiteral("A"), QStringLiteral(""), QStringLiteral("1999"), 1}
-            << 0;
-        QTest::newRow("null title taken")
-            << audio << QVariantList{1, QVariant(), QStringLiteral("x"), QVariant(), 1} << 0;
-        QTest::newRow("title of 60") << audio << QVariantList{1, QString(60, u'я'), QVariant(), QVariant(), 1}
-                                     << 0;
-        QTest::newRow("title of 61") << audio << QVariantList{1, QString(61, u'я'), QVariant(), QVariant(), 1}
-                                     << 3163;
-        QTest::newRow("number 32767")
-            << audio << QVariantList{32767, QStringLiteral("A"), QVariant(), QVariant(), 1} << 0;
-        QTest::newRow("number 32768")
-            << audio << QVariantList{32768, QStringLiteral("A"), QVariant(), QVariant(), 1} << 6;
-        QTest::newRow("number -32769")
-            << audio << QVariantList{-32769, QStringLiteral("A"), QVariant(), QVariant(), 1} << 6;
-        QTest::newRow("style that is not there")
-            << audio << QVariantList{1, QStringLiteral("A"), QVariant(), QVariant(), 99} << 3201;
-        QTest::newRow("style 50 characters")
-            << QStringLiteral("INSERT INTO Стиль (Стиль) VALUES (?)") << QVariantList{QString(50, u'ж')} << 0;
-        QTest::newRow("style 51 characters") << QStringLiteral("INSERT INTO Стиль (Стиль) VALUES (?)")
-                                             << QVariantList{QString(51, u'ж')} << 3163;
-        QTest::newRow("boolean other than -1 or 0")
-            << QStringLiteral("INSERT INTO Должники (Долг) VALUES (1)") << QVariantList{} << 3317;
-        QTest::newRow("used style deleted")
-            << QStringLiteral("DELETE FROM Стиль WHERE КодСтиля = 3") << QVariantList{} << 3200;
-        QTest::newRow("no such table") << QStringLiteral("SELECT * FROM [12AB]") << QVariantList{} << 3078;
+        const auto row = [](const char* tag, const QString& sql, const QVariantList& values, int error) {
+            QTest::newRow(tag) << sql << values << error;
+        };
+        const QString audio =
+            "INSERT INTO Аудио (Номер, Название, Альбом, Год, КодСтиля) VALUES (?, ?, ?, ?, ?)";
+        const QString style = "INSERT INTO Стиль (Стиль) VALUES (?)";
+        const QVariant null;
+        row("empty title", audio, {1, QString(""), QString("x"), QString("1999"), 1}, 3315);
+        row("empty year", audio, {1, QString("A"), QString("x"), QString(""), 1}, 3315);
+        row("empty album taken", audio, {1, QString("A"), QString(""), QString("1999"), 1}, 0);
+        row("null title taken", audio, {1, null, QString("x"), null, 1}, 0);
+        row("title of 60", audio, {1, QString(60, u'я'), null, null, 1}, 0);
+        row("title of 61", audio, {1, QString(61, u'я'), null, null, 1}, 3163);
+        row("number 32767", audio, {32767, QString("A"), null, null, 1}, 0);
+        row("number 32768", audio, {32768, QString("A"), null, null, 1}, 6);
+        row("number -32769", audio, {-32769, QString("A"), null, null, 1}, 6);
+        row("style that is not there", audio, {1, QString("A"), null, null, 99}, 3201);
+        row("style 50 characters", style, {QString(50, u'ж')}, 0);
+        row("style 51 characters", style, {QString(51, u'ж')}, 3163);
+        row("boolean other than -1 or 0", "INSERT INTO Должники (Долг) VALUES (1)", {}, 3317);
+        row("used style deleted", "DELETE FROM Стиль WHERE КодСтиля = 3", {}, 3200);
+        row("no such table", "SELECT * FROM [12AB]", {}, 3078);
     }
 
     void refusals()
@@ -145,23 +131,21 @@ private slots:
         QTest::addColumn<QString>("where");
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<QStringList>("found");
-        QTest::newRow("= Cyrillic") << "Название = ?" << QVariant(QStringLiteral("ёЛКА"))
-                                    << QStringList{"Ёлка"};
-        QTest::newRow("= Latin") << "Название = ?" << QVariant(QStringLiteral("the DOORS"))
-                                 << QStringList{"The Doors"};
-        QTest::newRow("е is not ё") << "Название = ?" << QVariant(QStringLiteral("елка")) << QStringList{};
-        QTest::newRow("LIKE * Cyrillic")
-            << "Название LIKE ?" << QVariant(QStringLiteral("*ЛК*")) << QStringList{"Ёлка"};
-        QTest::newRow("LIKE ? one letter")
-            << "Название LIKE ?" << QVariant(QStringLiteral("?ина")) << QStringList{"Зина"};
-        QTest::newRow("LIKE * Latin")
-            << "Название LIKE ?" << QVariant(QStringLiteral("*doors")) << QStringList{"The Doors"};
-        QTest::newRow("% is a plain character")
-            << "Название LIKE ?" << QVariant(QStringLiteral("50%*")) << QStringList{"50% off"};
-        QTest::newRow("_ is a plain character")
-            << "Название LIKE ?" << QVariant(QStringLiteral("*_*")) << QStringList{"a_b"};
-        QTest::newRow("quotes and brackets bound")
-            << "Название = ?" << QVariant(QStringLiteral("It's \"[x]\"")) << QStringList{"It's \"[x]\""};
+        const auto row = [](const char* tag, const QString& where, const QString& value,
+                            const QStringList& found) {
+            QTest::newRow(tag) << where << QVariant(value) << found;
+        };
+        const QString equal = "Название = ?";
+        const QString like = "Название LIKE ?";
+        row("= Cyrillic", equal, "ёЛКА", {"Ёлка"});
+        row("= Latin", equal, "the DOORS", {"The Doors"});
+        row("е is not ё", equal, "елка", {});
+        row("LIKE * Cyrillic", like, "*ЛК*", {"Ёлка"});
+        row("LIKE ? one letter", like, "?ина", {"Зина"});
+        row("LIKE * Latin", like, "*doors", {"The Doors"});
+        row("% is a plain character", like, "50%*", {"50% off"});
+        row("_ is a plain character", like, "*_*", {"a_b"});
+        row("quotes and brackets bound", equal, "It's \"[x]\"", {"It's \"[x]\""});
     }
 
     void comparisonIgnoresCase()
@@ -201,34 +185,23 @@ private slots:
         QTest::addColumn<QString>("pattern");
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("matches");
-        QTest::newRow("star anywhere") << "*abc*"
-                                       << "xxABCyy" << true;
-        QTest::newRow("star alone") << "*"
-                                    << "" << true;
-        QTest::newRow("no star, longer text") << "abc"
-                                              << "abcd" << false;
-        QTest::newRow("question") << "a?c"
-                                  << "abc" << true;
-        QTest::newRow("question needs a char") << "a?c"
-                                               << "ac" << false;
-        QTest::newRow("hash digit") << "Disc #"
-                                    << "disc 7" << true;
-        QTest::newRow("hash not letter") << "Disc #"
-                                         << "disc x" << false;
-        QTest::newRow("set") << "[аб]*"
-                             << "Бор" << true;
-        QTest::newRow("range") << "[a-c]x"
-                               << "bx" << true;
-        QTest::newRow("negated set") << "[!a-c]x"
-                                     << "dx" << true;
-        QTest::newRow("negated set miss") << "[!a-c]x"
-                                          << "bx" << false;
-        QTest::newRow("unclosed bracket is plain") << "a[b"
-                                                   << "A[B" << true;
-        QTest::newRow("backtracking") << "*a*b"
-                                      << "aXaYb" << true;
-        QTest::newRow("backtracking miss") << "*a*b"
-                                           << "aXaYbc" << false;
+        const auto row = [](const char* tag, const QString& pattern, const QString& text, bool matches) {
+            QTest::newRow(tag) << pattern << text << matches;
+        };
+        row("star anywhere", "*abc*", "xxABCyy", true);
+        row("star alone", "*", "", true);
+        row("no star, longer text", "abc", "abcd", false);
+        row("question", "a?c", "abc", true);
+        row("question needs a char", "a?c", "ac", false);
+        row("hash digit", "Disc #", "disc 7", true);
+        row("hash not letter", "Disc #", "disc x", false);
+        row("set", "[аб]*", "Бор", true);
+        row("range", "[a-c]x", "bx", true);
+        row("negated set", "[!a-c]x", "dx", true);
+        row("negated set miss", "[!a-c]x", "bx", false);
+        row("unclosed bracket is plain", "a[b", "A[B", true);
+        row("backtracking", "*a*b", "aXaYb", true);
+        row("backtracking miss", "*a*b", "aXaYbc", false);
     }
 
     void jetLike()

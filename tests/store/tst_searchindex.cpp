@@ -97,22 +97,14 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("query");
-        QTest::newRow("too short") << "ab"
-                                   << "";
-        QTest::newRow("one trigram") << "abc"
-                                     << "\"abc\"";
-        QTest::newRow("side by side, and the end") << "abcdefg"
-                                                   << "\"abc\" AND \"def\" AND \"efg\"";
-        QTest::newRow("wildcards split") << "ab*cde?fg"
-                                         << "\"cde\"";
-        QTest::newRow("quote doubled") << "a\"b"
-                                       << "\"a\"\"b\"";
-        QTest::newRow("repeats once") << "aaaaaa"
-                                      << "\"aaa\"";
-        QTest::newRow("Cyrillic") << "Ёлка"
-                                  << "\"Ёлк\" AND \"лка\"";
-        QTest::newRow("a foreign letter skipped") << "ab\u03A3cde"
-                                                  << "\"cde\"";
+        QTest::newRow("too short") << QString("ab") << "";
+        QTest::newRow("one trigram") << QString("abc") << "\"abc\"";
+        QTest::newRow("side by side, and the end") << QString("abcdefg") << "\"abc\" AND \"def\" AND \"efg\"";
+        QTest::newRow("wildcards split") << QString("ab*cde?fg") << "\"cde\"";
+        QTest::newRow("quote doubled") << QString("a\"b") << "\"a\"\"b\"";
+        QTest::newRow("repeats once") << QString("aaaaaa") << "\"aaa\"";
+        QTest::newRow("Cyrillic") << QString("Ёлка") << "\"Ёлк\" AND \"лка\"";
+        QTest::newRow("a foreign letter skipped") << QString("ab\u03A3cde") << "\"cde\"";
         QTest::newRow("long text capped")
             << QString(30, u'x').replace(0, 30, "abcdefghijklmnopqrstuvwxyz1234")
             << "\"abc\" AND \"def\" AND \"ghi\" AND \"jkl\" AND \"mno\" AND \"pqr\" AND \"stu\" AND \"vwx\"";
