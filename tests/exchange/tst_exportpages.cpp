@@ -9,13 +9,13 @@
 #include "frame/Cp1251.h"
 #include "frame/FaultLog.h"
 #include "store/Db.h"
+#include "support/CliRun.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
 #include <QDir>
 #include <QDirIterator>
-#include <QProcess>
 #include <cerrno>
 #include <functional>
 
@@ -128,27 +128,6 @@ struct Fixture
     QTemporaryDir out;
     QString page(const QString& name) const { return out.filePath(name); }
 };
-
-struct CliRun
-{
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-CliRun cli(const QString& home, const QStringList& arguments)
-{
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("VINORA_HOME", home);
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(VINORA_CLI), arguments);
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
-        return {};
-    }
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
 
 } // namespace
 
@@ -313,46 +292,29 @@ private slots:
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("page"); // the page of the same options in pageCases(), or empty
         QTest::addColumn<QString>("said"); // on standard output (0) or error
-        QTest::newRow("catalogue") << QStringList{"export", "catalogue",    "ad",
-                                                  "@",      "--all-fields", "--sorted"}
-                                   << 0 << "ad-all.htm"
-                                   << "\t4";
-        QTest::newRow("catalogue, one style")
-            << QStringList{"export", "catalogue", "AD", "@", "--field", "Стиль", "--only", "Jazz"} << 0
-            << "ad-jazz.htm"
-            << "\t0";
-        QTest::newRow("files") << QStringList{"export", "files",   "1",    "@",       "--field",
-                                              "1",      "--field", "Путь", "--field", "комментарий"}
-                               << 0 << "files-all.htm"
-                               << "\t7";
-        QTest::newRow("debtors") << QStringList{"export", "debtors", "@", "--all-fields"} << 0
-                                 << "debtors-all.htm"
-                                 << "\t3";
-        QTest::newRow("second disc only")
-            << QStringList{"export", "tracks", "2", "--disc", "2", "@"} << 0 << ""
-            << "\t2";
-        QTest::newRow("no such category") << QStringList{"export", "catalogue", "XX", "@"} << 2 << ""
-                                          << "CATEGORY";
-        QTest::newRow("no such column")
-            << QStringList{"export", "files", "1", "@", "--field", "Размер"} << 2 << ""
-            << "--field is one of";
-        QTest::newRow("debtors without columns") << QStringList{"export", "debtors", "@"} << 2 << ""
-                                                 << "Необходимо выбрать хотя бы один элемент!";
-        QTest::newRow("disc without list") << QStringList{"export", "files", "5", "@"} << 1 << ""
-                                           << "has no file list";
-        QTest::newRow("no such disc") << QStringList{"export", "tracks", "77", "@"} << 1 << ""
-                                      << "Диск № 77 отсутствует в каталоге.";
-        QTest::newRow("set disc without list")
-            << QStringList{"export", "files", "1", "--disc", "3", "@"} << 1 << ""
-            << "disc 3 of number 1 has no file list";
-        QTest::newRow("no such style")
-            << QStringList{"export", "catalogue", "DVD", "@", "--only", "Nope"} << 1 << ""
-            << "no Жанр 'Nope'";
-        QTest::newRow("folder missing")
-            << QStringList{"export", "debtors", "/nonexistent/@", "--field", "1"} << 3 << ""
-            << "cannot be written";
-        QTest::newRow("group without verb") << QStringList{"export"} << 2 << ""
-                                            << "'export catalogue'";
+        const auto row = [](const char* tag, const QStringList& arguments, int code, const QString& page,
+                            const QString& said) { QTest::newRow(tag) << arguments << code << page << said; };
+        row("catalogue", {"export", "catalogue", "ad", "@", "--all-fields", "--sorted"}, 0, "ad-all.htm",
+            "\t4");
+        row("catalogue, one style", {"export", "catalogue", "AD", "@", "--field", "Стиль", "--only", "Jazz"},
+            0, "ad-jazz.htm", "\t0");
+        row("files",
+            {"export", "files", "1", "@", "--field", "1", "--field", "Путь", "--field", "комментарий"}, 0,
+            "files-all.htm", "\t7");
+        row("debtors", {"export", "debtors", "@", "--all-fields"}, 0, "debtors-all.htm", "\t3");
+        row("second disc only", {"export", "tracks", "2", "--disc", "2", "@"}, 0, "", "\t2");
+        row("no such category", {"export", "catalogue", "XX", "@"}, 2, "", "CATEGORY");
+        row("no such column", {"export", "files", "1", "@", "--field", "Размер"}, 2, "", "--field is one of");
+        row("debtors without columns", {"export", "debtors", "@"}, 2, "",
+            "Необходимо выбрать хотя бы один элемент!");
+        row("disc without list", {"export", "files", "5", "@"}, 1, "", "has no file list");
+        row("no such disc", {"export", "tracks", "77", "@"}, 1, "", "Диск № 77 отсутствует в каталоге.");
+        row("set disc without list", {"export", "files", "1", "--disc", "3", "@"}, 1, "",
+            "disc 3 of number 1 has no file list");
+        row("no such style", {"export", "catalogue", "DVD", "@", "--only", "Nope"}, 1, "", "no Жанр 'Nope'");
+        row("folder missing", {"export", "debtors", "/nonexistent/@", "--field", "1"}, 3, "",
+            "cannot be written");
+        row("group without verb", {"export"}, 2, "", "'export catalogue'");
     }
     void commandLine()
     {
@@ -365,7 +327,7 @@ private slots:
         QDir(f.out.path()).mkdir("cli");
         const QString path = f.page("cli/" + name);
         arguments.replaceInStrings("@", path);
-        const CliRun run = cli(f.app.folder.path(), arguments);
+        const test::CliRun run = test::runCli(f.app.folder.path(), arguments);
         QCOMPARE(run.code, code);
         QVERIFY2((code == 0 ? run.out : run.err).contains(said), qPrintable(run.out + run.err));
         QCOMPARE(QFileInfo::exists(path), code == 0);

@@ -93,19 +93,16 @@ private slots:
         QTest::newRow("audio") << "optCategory0"
                                << QStringList{"Альбом",  "Стиль",  "Год",     "Дисков", "Время",
                                               "Записей", "Внесен", "Изменен", "Обложка"}
-                               << "Стиль:"
-                               << "Ballad";
+                               << QString("Стиль:") << "Ballad";
         QTest::newRow("computer") << "optCategory1" << QStringList{"Описание", "Расширенное описание",
                                                                    "Год",      "Дисков",
                                                                    "Внесен",   "Изменен",
                                                                    "Обложка"}
-                                  << "Описание:"
-                                  << "Сборник программ";
+                                  << QString("Описание:") << "Сборник программ";
         QTest::newRow("dvd") << "optCategory2"
                              << QStringList{"Жанр",         "Год",      "Дисков", "Время",   "Зона",
                                             "Формат звука", "Описание", "Внесен", "Изменен", "Обложка"}
-                             << "Жанр:"
-                             << "Боевик";
+                             << QString("Жанр:") << "Боевик";
     }
     void catalogueOptions()
     {
@@ -158,13 +155,13 @@ private slots:
         QTest::addColumn<int>("tab");
         QTest::addColumn<QString>("clear"); // a button pressed before OK
         QTest::addColumn<QString>("text");
-        QTest::newRow("no disc checked") << true << 1 << "cmdSelect1"
-                                         << "Необходимо выбрать хотя бы один диск!";
+        QTest::newRow("no disc checked")
+            << true << 1 << QString("cmdSelect1") << "Необходимо выбрать хотя бы один диск!";
         QTest::newRow("no disc has a list")
-            << false << 1 << "cmdSelect0"
+            << false << 1 << QString("cmdSelect0")
             << "В каталоге Компьютерных дисков нет ни одного диска со списком файлов!";
-        QTest::newRow("no column of the ledger") << true << 2 << "cmdSelect7"
-                                                 << "Необходимо выбрать хотя бы один элемент!";
+        QTest::newRow("no column of the ledger")
+            << true << 2 << QString("cmdSelect7") << "Необходимо выбрать хотя бы один элемент!";
     }
     void refusals()
     {

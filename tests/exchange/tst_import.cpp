@@ -210,12 +210,9 @@ private slots:
     {
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("main");
-        QTest::newRow("root") << "/"
-                              << "/vinora.db";
-        QTest::newRow("folder") << "/media/cdrom"
-                                << "/media/cdrom/vinora.db";
-        QTest::newRow("with separator") << "/media/cdrom/"
-                                        << "/media/cdrom/vinora.db";
+        QTest::newRow("root") << QString("/") << "/vinora.db";
+        QTest::newRow("folder") << QString("/media/cdrom") << "/media/cdrom/vinora.db";
+        QTest::newRow("with separator") << QString("/media/cdrom/") << "/media/cdrom/vinora.db";
     }
 
     void sourcePaths()
@@ -235,16 +232,16 @@ private slots:
         QTest::addColumn<QStringList>("unchecked");
         QTest::addColumn<QString>("remove"); // a file of theirs taken away; "*" their folder is ours
         QTest::addColumn<QString>("message");
-        QTest::newRow("no catalogue") << QStringList{"chAD", "chPC", "chDVD"} << ""
+        QTest::newRow("no catalogue") << QStringList{"chAD", "chPC", "chDVD"} << QString("")
                                       << "Ни одна из категорий какталога не была выбрана!";
-        QTest::newRow("no database") << QStringList() << "vinora.db"
+        QTest::newRow("no database") << QStringList() << QString("vinora.db")
                                      << "В указанном каталоге база данных vinora не найдена!";
-        QTest::newRow("no tracks") << QStringList() << "vinora_tracks.db"
+        QTest::newRow("no tracks") << QStringList() << QString("vinora_tracks.db")
                                    << "В указанном каталоге база данных vinora со списком треков не найдена!";
-        QTest::newRow("no files") << QStringList() << "vinora_files.db"
+        QTest::newRow("no files") << QStringList() << QString("vinora_files.db")
                                   << "В указанном каталоге база данных vinora со списком файлов не найдена!";
-        QTest::newRow("tracks not asked for") << QStringList{"chImportTracks"} << "vinora_tracks.db"
-                                              << "";
+        QTest::newRow("tracks not asked for")
+            << QStringList{"chImportTracks"} << QString("vinora_tracks.db") << "";
         QTest::newRow("our own folder")
             << QStringList() << "*"
             << "В указанном каталоге находится открытая база данных vinora. Импорт из "
