@@ -15,6 +15,7 @@
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
+#include "support/Widgets.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -71,19 +72,9 @@ struct Catalogue
         auto* field = control<QLineEdit>("txtName");
         field->setFocus();
         field->selectAll();
-        for (const QChar ch : text) {
-            QTest::sendKeyEvent(QTest::Press, field, Qt::Key_unknown, QString(ch), Qt::NoModifier);
-            QTest::sendKeyEvent(QTest::Release, field, Qt::Key_unknown, QString(ch), Qt::NoModifier);
-        }
+        test::typeText(field, text);
     }
 };
-
-// Types one character, Cyrillic included, into a widget.
-void typeChar(QWidget* widget, const QString& character)
-{
-    QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, character, Qt::NoModifier);
-    QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, character, Qt::NoModifier);
-}
 
 void addCategories()
 {
@@ -325,7 +316,7 @@ private slots:
         } else if (dialog == "frmSelectCD") {
             app.ctx.CatalogueQueryFilter = "fullPC";
             window = std::make_unique<frmSelectCD>(app.ctx);
-            typeChar(window->findChild<QLineEdit*>("txtName"), "x");
+            test::typeText(window->findChild<QLineEdit*>("txtName"), "x");
         } else {
             window = std::make_unique<frmCatalogue>(app.ctx, Category::Computer);
         }
@@ -368,15 +359,15 @@ private slots:
         frmCatalogue& w = c.open();
         auto* grid = c.control<QTableView>("DBGrid");
         grid->setFocus();
-        typeChar(grid, "а");
+        test::typeText(grid, "а");
         QCOMPARE(w.currentRow(), 0);
-        typeChar(grid, "А");
+        test::typeText(grid, "А");
         QCOMPARE(w.currentRow(), 2);
-        typeChar(grid, "а");
+        test::typeText(grid, "а");
         QCOMPARE(w.currentRow(), 0); // wrapped
-        typeChar(grid, "б");
+        test::typeText(grid, "б");
         QCOMPARE(w.currentRow(), 1);
-        typeChar(grid, "я"); // no name: stays
+        test::typeText(grid, "я"); // no name: stays
         QCOMPARE(w.currentRow(), 1);
         QTest::keyClick(grid, Qt::Key_End);
         QCOMPARE(w.currentRow(), 3);
@@ -449,18 +440,12 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown"); // the text after CleanText
         QTest::addColumn<QStringList>("found");
-        QTest::newRow("apostrophe") << "it's"
-                                    << "it's" << QStringList{"2 it's mine"};
-        QTest::newRow("percent is plain") << "50%"
-                                          << "50%" << QStringList{"3 50% off"};
-        QTest::newRow("underscore is plain") << "_"
-                                             << "_" << QStringList{"4 under_score"};
-        QTest::newRow("double quote") << "\"q"
-                                      << "'q" << QStringList{"1 say 'quoted'"};
-        QTest::newRow("brackets") << "[live]"
-                                  << "(live)" << QStringList{"5 best (live)"};
-        QTest::newRow("Cyrillic any case") << "ЁЛК"
-                                           << "ЁЛК" << QStringList{"6 Ёлки-палки"};
+        QTest::newRow("apostrophe") << QString("it's") << "it's" << QStringList{"2 it's mine"};
+        QTest::newRow("percent is plain") << QString("50%") << "50%" << QStringList{"3 50% off"};
+        QTest::newRow("underscore is plain") << QString("_") << "_" << QStringList{"4 under_score"};
+        QTest::newRow("double quote") << QString("\"q") << "'q" << QStringList{"1 say 'quoted'"};
+        QTest::newRow("brackets") << QString("[live]") << "(live)" << QStringList{"5 best (live)"};
+        QTest::newRow("Cyrillic any case") << QString("ЁЛК") << "ЁЛК" << QStringList{"6 Ёлки-палки"};
     }
 
     void namesAreFoundAsTyped()

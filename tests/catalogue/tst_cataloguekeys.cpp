@@ -151,14 +151,10 @@ private slots:
         QTest::addColumn<int>("category");
         QTest::addColumn<QString>("field");
         QTest::addColumn<QString>("next");
-        QTest::newRow("audio year") << int(Category::Audio) << "txtYear"
-                                    << "txtTrack";
-        QTest::newRow("audio time, one disc") << int(Category::Audio) << "txtTime"
-                                              << "txtStyle";
-        QTest::newRow("computer discs") << int(Category::Computer) << "txtCDs"
-                                        << "txtDescription2";
-        QTest::newRow("DVD time") << int(Category::Dvd) << "txtTime"
-                                  << "cmbZone";
+        QTest::newRow("audio year") << int(Category::Audio) << QString("txtYear") << "txtTrack";
+        QTest::newRow("audio time, one disc") << int(Category::Audio) << QString("txtTime") << "txtStyle";
+        QTest::newRow("computer discs") << int(Category::Computer) << QString("txtCDs") << "txtDescription2";
+        QTest::newRow("DVD time") << int(Category::Dvd) << QString("txtTime") << "cmbZone";
     }
 
     void spinnerArrowsTakeNoFocus()

@@ -16,12 +16,9 @@ private slots:
         QTest::addColumn<int>("dictionary");
         QTest::addColumn<QString>("usedName");   // a name that a disc uses
         QTest::addColumn<QString>("usingTable"); // and the catalogue of that disc
-        QTest::newRow("styles") << int(Dictionary::Style) << "Rock"
-                                << "Аудио";
-        QTest::newRow("descriptions") << int(Dictionary::Description) << "Квест"
-                                      << "Компьютер";
-        QTest::newRow("genres") << int(Dictionary::Genre) << "Комедия"
-                                << "DVD";
+        QTest::newRow("styles") << int(Dictionary::Style) << QString("Rock") << "Аудио";
+        QTest::newRow("descriptions") << int(Dictionary::Description) << QString("Квест") << "Компьютер";
+        QTest::newRow("genres") << int(Dictionary::Genre) << QString("Комедия") << "DVD";
     }
 
     void editing()

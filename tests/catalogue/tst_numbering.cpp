@@ -145,12 +145,9 @@ private slots:
     {
         QTest::addColumn<QString>("renumbering");
         QTest::addColumn<QString>("blocked"); // a folder standing where the cover would go
-        QTest::newRow("move") << "move"
-                              << "dvd_9";
-        QTest::newRow("shift") << "shift"
-                               << "dvd_6";
-        QTest::newRow("swap") << "swap"
-                              << "dvd_0";
+        QTest::newRow("move") << QString("move") << "dvd_9";
+        QTest::newRow("shift") << QString("shift") << "dvd_6";
+        QTest::newRow("swap") << QString("swap") << "dvd_0";
     }
 
     void coverThatCannotMoveStays()

@@ -53,10 +53,8 @@ private slots:
     {
         QTest::addColumn<QString>("mode");
         QTest::addColumn<QString>("caption");
-        QTest::newRow("audio") << "fullAD"
-                               << "Группа/Исполнитель [запрос]";
-        QTest::newRow("DVD") << "addDVD"
-                             << "Название [запрос]";
+        QTest::newRow("audio") << QString("fullAD") << "Группа/Исполнитель [запрос]";
+        QTest::newRow("DVD") << QString("addDVD") << "Название [запрос]";
     }
 
     void nameFilterCaption()
