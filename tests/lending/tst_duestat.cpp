@@ -6,6 +6,7 @@
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
+#include "support/Widgets.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -114,14 +115,6 @@ struct Shown
     bool listShown = false;
     QString figures;
 };
-
-void clickColumn(const frmDueStat& window, int column)
-{
-    QHeaderView* header = ratingList(window)->header();
-    const QPoint at(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
-                    header->height() / 2);
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
-}
 
 } // namespace
 
@@ -326,18 +319,18 @@ private slots:
             return texts;
         };
         QCOMPARE(column(1), (QStringList{"9", "12", "100", "12"})); // the ledger's order
-        clickColumn(window, 1);
+        test::clickHeader(ratingList(window)->header(), 1);
         QCOMPARE(column(1), (QStringList{"100", "12", "12", "9"})); // as text
         QCOMPARE(column(0).value(1), "Аудио диск");                 // equal keys keep their order
-        clickColumn(window, 1);
+        test::clickHeader(ratingList(window)->header(), 1);
         QCOMPARE(column(1), (QStringList{"9", "12", "12", "100"}));
-        clickColumn(window, 2); // another column: ascending
+        test::clickHeader(ratingList(window)->header(), 2); // another column: ascending
         QCOMPARE(column(2), (QStringList{"?", "10", "2", "нет"}));
-        clickColumn(window, 0);
+        test::clickHeader(ratingList(window)->header(), 0);
         // Latin before Cyrillic, as the catalogue sorts.
         QCOMPARE(column(0),
                  (QStringList{"DVD диск", "Аудио диск", "Компьютерный диск", "Компьютерный диск"}));
-        clickColumn(window, 0);
+        test::clickHeader(ratingList(window)->header(), 0);
         const QStringList down{"Компьютерный диск", "Компьютерный диск", "Аудио диск", "DVD диск"};
         QCOMPARE(column(0), down);
         // Shown again after a filter, the list keeps the order chosen.

@@ -7,6 +7,7 @@
 #include "store/Reanimator.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestMain.h"
+#include "support/Widgets.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -46,15 +47,6 @@ struct Shelf
     test::TestApp app;
 };
 
-// Types text as a keyboard would, Cyrillic included (key clicks know only ASCII).
-void type(QWidget* widget, const QString& text)
-{
-    for (const QChar ch : text) {
-        QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, QString(ch), Qt::NoModifier);
-        QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, QString(ch), Qt::NoModifier);
-    }
-}
-
 QLineEdit* nameBox(const frmAddInDue& dialog)
 {
     return dialog.findChild<QComboBox*>("txtFIO")->lineEdit();
@@ -74,16 +66,16 @@ private slots:
         dialog.show();
         QLineEdit* box = nameBox(dialog);
         box->setFocus();
-        type(box, "ан");
+        test::typeText(box, "ан");
         QCOMPARE(box->text(), "Антон");
         QCOMPARE(box->selectedText(), "тон");
-        type(box, "н"); // typed over the completed tail
+        test::typeText(box, "н"); // typed over the completed tail
         QCOMPARE(box->text(), "Анна");
         QCOMPARE(box->selectedText(), "а");
         QTest::keyClick(box, Qt::Key_Backspace); // the tail and the last letter typed
         QCOMPARE(box->text(), "Ан");
         QVERIFY(!box->hasSelectedText());
-        type(box, "я");
+        test::typeText(box, "я");
         QCOMPARE(box->text(), "Аня"); // a new name: nothing to complete
     }
 
@@ -99,12 +91,12 @@ private slots:
         }
         frmAddInDue dialog(shelf.app.ctx, shelf.disc());
         dialog.show();
-        type(nameBox(dialog), "П");
+        test::typeText(nameBox(dialog), "П");
         QCOMPARE(nameBox(dialog)->text(), "Пётр");
         QVERIFY(dialog.findChild<QLabel*>("lblRating3")->isVisible());
         QCOMPARE(dialog.findChild<QLabel*>("lblRating3")->text(), "Плохой");
         nameBox(dialog)->clear();
-        type(nameBox(dialog), "Новый");
+        test::typeText(nameBox(dialog), "Новый");
         QVERIFY(!dialog.findChild<QLabel*>("lblRating3")->isVisible());
     }
 
@@ -129,7 +121,7 @@ private slots:
         dialog.findChild<QCheckBox*>("chDueNonStop")->setChecked(withoutTerm);
         QCOMPARE(picker->isEnabled(), !withoutTerm);
         QLineEdit* box = nameBox(dialog);
-        type(box, "O'Brien \"Бес\" [1]");
+        test::typeText(box, "O'Brien \"Бес\" [1]");
         QTest::keyClick(box, Qt::Key_Return);
         QCOMPARE(dialog.result(), int(QDialog::Accepted));
         QVERIFY(shelf.app.ctx.DialogDone);
@@ -147,7 +139,7 @@ private slots:
         Shelf shelf;
         frmAddInDue dialog(shelf.app.ctx, shelf.disc());
         dialog.show();
-        type(nameBox(dialog), "Борис");
+        test::typeText(nameBox(dialog), "Борис");
         QTest::keyClick(nameBox(dialog), Qt::Key_Escape);
         QCOMPARE(dialog.result(), int(QDialog::Rejected));
         QVERIFY(!shelf.app.ctx.DialogDone);
@@ -305,7 +297,7 @@ private slots:
         phone->setFocus();
         QTRY_VERIFY(phone->hasFocus());
         QCOMPARE(phone->text(), ""); // "нет" steps aside for typing
-        type(phone, "+7 (812) 555-01-02-99");
+        test::typeText(phone, "+7 (812) 555-01-02-99");
         QCOMPARE(phone->text(), "+7 (812) 555-01"); // 15 characters, as stored
         QTest::keyClick(phone, Qt::Key_Return);
         QCOMPARE(shelf.app.prompter.texts().value(0), "Телефон должника 'Анна' был успешно изменен.");
@@ -327,7 +319,7 @@ private slots:
         auto* number = dialog.findChild<QLineEdit*>("txtNumber");
         QTest::keyClick(number, Qt::Key_Return);
         QCOMPARE(shelf.app.prompter.texts().value(0), "Введите номер диска!");
-        type(number, "12");
+        test::typeText(number, "12");
         QTest::keyClick(number, Qt::Key_Return);
         QCOMPARE(dialog.findChild<QLabel*>("lblHistory")->text(), "История диска № 12:");
         auto* list = dialog.findChild<QTreeWidget*>("lvHistory");

@@ -137,21 +137,19 @@ private slots:
         QTest::addColumn<QString>("categoryText");
         QTest::addColumn<QString>("description");
         QTest::newRow("audio with album")
-            << Category::Audio << 12 << "Подтвердите добавление должника на диск № 12:\n'Кино - Группа крови'"
-            << "Аудио диск"
-            << "Группа/Исполнитель";
+            << Category::Audio << 12
+            << QString("Подтвердите добавление должника на диск № 12:\n'Кино - Группа крови'")
+            << QString("Аудио диск") << "Группа/Исполнитель";
         QTest::newRow("audio without album")
-            << Category::Audio << 13 << "Подтвердите добавление должника на диск № 13:\n'Аквариум'"
-            << "Аудио диск"
-            << "Группа/Исполнитель";
+            << Category::Audio << 13 << QString("Подтвердите добавление должника на диск № 13:\n'Аквариум'")
+            << QString("Аудио диск") << "Группа/Исполнитель";
         QTest::newRow("computer, apostrophes in the title")
             << Category::Computer << 12
-            << "Подтвердите добавление должника на диск № 12:\n'Rock'n'Roll Racing'"
-            << "Компьютерный диск"
-            << "Название";
-        QTest::newRow("DVD") << Category::Dvd << 12 << "Подтвердите добавление должника на диск № 12:\n'Брат'"
-                             << "DVD диск"
-                             << "Название";
+            << QString("Подтвердите добавление должника на диск № 12:\n'Rock'n'Roll Racing'")
+            << QString("Компьютерный диск") << "Название";
+        QTest::newRow("DVD") << Category::Dvd << 12
+                             << QString("Подтвердите добавление должника на диск № 12:\n'Брат'")
+                             << QString("DVD диск") << "Название";
     }
 
     void lendingEndsInTheLendingDialog()
@@ -225,19 +223,19 @@ private slots:
         QTest::newRow("nothing typed") << true << Category::Audio << "" << wrong;
         QTest::newRow("number 0") << true << Category::Audio << "0" << wrong;
         QTest::newRow("zeros, taking back") << false << Category::Dvd << "000" << wrong;
-        QTest::newRow("unknown number") << true << Category::Audio << "77"
-                                        << "Диск № 77 отсутствует в каталоге.";
-        QTest::newRow("leading zeros") << false << Category::Audio << "0077"
-                                       << "Диск № 77 отсутствует в каталоге.";
-        QTest::newRow("number of another catalogue") << true << Category::Dvd << "13"
-                                                     << "Диск № 13 отсутствует в каталоге.";
-        QTest::newRow("beyond any number") << true << Category::Audio << "99999999999"
+        QTest::newRow("unknown number")
+            << true << Category::Audio << QString("77") << "Диск № 77 отсутствует в каталоге.";
+        QTest::newRow("leading zeros")
+            << false << Category::Audio << QString("0077") << "Диск № 77 отсутствует в каталоге.";
+        QTest::newRow("number of another catalogue")
+            << true << Category::Dvd << QString("13") << "Диск № 13 отсутствует в каталоге.";
+        QTest::newRow("beyond any number") << true << Category::Audio << QString("99999999999")
                                            << "Диск № 99999999999 отсутствует в каталоге.";
-        QTest::newRow("letters dropped") << true << Category::Audio << "7a7"
-                                         << "Диск № 77 отсутствует в каталоге.";
-        QTest::newRow("already out") << true << Category::Computer << "12"
+        QTest::newRow("letters dropped")
+            << true << Category::Audio << QString("7a7") << "Диск № 77 отсутствует в каталоге.";
+        QTest::newRow("already out") << true << Category::Computer << QString("12")
                                      << "Диск № 12 уже находится у должника.";
-        QTest::newRow("never lent") << false << Category::Audio << "13"
+        QTest::newRow("never lent") << false << Category::Audio << QString("13")
                                     << "Диск № 13 не одалживался!";
     }
 
