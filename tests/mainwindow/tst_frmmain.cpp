@@ -6,6 +6,7 @@
 #include "store/DatabaseLock.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "support/CliRun.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
@@ -31,9 +32,15 @@ struct Window
     {
         return app.ctx.ini().read(section, key, 255);
     }
-    void set(const QString& key, const QString& value)
+    void set(const QString& key, const QString& value) { app.ctx.ini().write("Option", key, value); }
+    // State, Left, Top, Width and Height of [Window].
+    QString place() const
     {
-        app.ctx.ini().write(QStringLiteral("Option"), key, value);
+        QStringList values;
+        for (const char* key : {"State", "Left", "Top", "Width", "Height"}) {
+            values.append(ini("Window", QString::fromLatin1(key)));
+        }
+        return values.join(' ');
     }
 };
 
@@ -144,20 +151,14 @@ private slots:
             window.resize(700, 500);
             QVERIFY(window.Form_Unload());
         }
-        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("State")), QStringLiteral("0"));
-        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Left")), QStringLiteral("600"));
-        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Top")), QStringLiteral("450"));
-        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Width")), QStringLiteral("10500"));
-        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Height")), QStringLiteral("7500"));
+        QCOMPARE(w.place(), "0 600 450 10500 7500");
 
         // Closed maximised: only State changes.
         frmMain window(w.app.ctx);
         window.Form_Load();
         window.showMaximized();
         QVERIFY(window.Form_Unload());
-        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("State")), QStringLiteral("2"));
-        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Left")), QStringLiteral("600"));
-        QCOMPARE(w.ini(QStringLiteral("Window"), QStringLiteral("Width")), QStringLiteral("10500"));
+        QCOMPARE(w.place(), "2 600 450 10500 7500");
     }
 
     void toolbarLayoutSurvives()
@@ -352,10 +353,7 @@ private slots:
         frmMain window(w.app.ctx);
         window.Form_Load();
         QProcess cli;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("VINORA_HOME", w.app.folder.path());
-        cli.setProcessEnvironment(environment);
-        cli.start(QStringLiteral(VINORA_CLI), {"scan", image, "--number", "7", "--folders", "--bind"});
+        test::startCli(cli, w.app.folder.path(), {"scan", image, "--number", "7", "--folders", "--bind"});
         QVERIFY(cli.waitForStarted());
         // Exit once the scan has stored its first rows (or, on a fast machine, has finished).
         const auto storedRows = [&] {

@@ -211,12 +211,9 @@ private slots:
     {
         QTest::addColumn<QString>("size");
         QTest::addColumn<QString>("place");
-        QTest::newRow("huge") << "99999999999999"
-                              << "99999999999999";
-        QTest::newRow("negative") << "-99999999999999"
-                                  << "-99999999999999";
-        QTest::newRow("beyond double") << "1e999"
-                                       << "-1e999";
+        QTest::newRow("huge") << QString("99999999999999") << "99999999999999";
+        QTest::newRow("negative") << QString("-99999999999999") << "-99999999999999";
+        QTest::newRow("beyond double") << QString("1e999") << "-1e999";
     }
 
     void windowStaysOnTheScreen()
