@@ -284,16 +284,15 @@ private slots:
         QTest::addColumn<int>("port");
         QTest::addColumn<int>("timeout");
         QTest::addColumn<QString>("email");
-        QTest::newRow("first entry, no time-out set") << QByteArray() << "1: gnudb.gnudb.org"
-                                                      << "gnudb.gnudb.org" << 8880 << 30000 << "";
+        QTest::newRow("first entry, no time-out set")
+            << QByteArray() << QString("1: gnudb.gnudb.org") << "gnudb.gnudb.org" << 8880 << 30000 << "";
         QTest::newRow("own entry, 2 seconds clamped")
             << QByteArray("[Option]\nServerTimeout=2\n[CDDBServers]\nServer2=cddb.example.org:8000\n")
-            << "2: cddb.example.org:8000"
-            << "cddb.example.org" << 8000 << 5000 << "";
+            << QString("2: cddb.example.org:8000") << "cddb.example.org" << 8000 << 5000 << "";
         QTest::newRow("empty entry: the session's default")
-            << QByteArray("[Option]\nServerTimeout=40\n") << "6: (не задан)"
-            << "" << 0 << 40000 << "";
-        QTest::newRow("not a number") << QByteArray("[CDDBServers]\nEmail=me@example.org\n") << "x"
+            << QByteArray("[Option]\nServerTimeout=40\n") << QString("6: (не задан)") << "" << 0 << 40000
+            << "";
+        QTest::newRow("not a number") << QByteArray("[CDDBServers]\nEmail=me@example.org\n") << QString("x")
                                       << "" << 0 << 30000 << "me@example.org";
     }
     void sessionTakesTheChosenServerAndTimeout()

@@ -411,11 +411,10 @@ private slots:
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("message");
         QTest::newRow("a file the disc does not hold")
-            << false << "GONE.TXT"
+            << false << QString("GONE.TXT")
             << "Файл 'GONE.TXT' на диске не найден. Возможно, список файлов устарел: пересоздайте его.";
         QTest::newRow("a file past the end of the image")
-            << true << "GUIDE.DOC"
-            << "Ошибка чтения диска! Файл 'GUIDE.DOC' не удалось прочитать.";
+            << true << QString("GUIDE.DOC") << "Ошибка чтения диска! Файл 'GUIDE.DOC' не удалось прочитать.";
     }
 
     void filesThatCannotBeOpened()

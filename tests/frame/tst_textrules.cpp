@@ -12,14 +12,10 @@ private slots:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("stored");
-        QTest::newRow("quote") << "Say \"Hi\""
-                               << "Say 'Hi'";
-        QTest::newRow("brackets") << "[Live] Best]"
-                                  << "(Live) Best)";
-        QTest::newRow("untouched") << "Rock & Roll 50% _x_ *"
-                                   << "Rock & Roll 50% _x_ *";
-        QTest::newRow("Cyrillic") << "Ария \"Герой\""
-                                  << "Ария 'Герой'";
+        QTest::newRow("quote") << QString("Say \"Hi\"") << "Say 'Hi'";
+        QTest::newRow("brackets") << QString("[Live] Best]") << "(Live) Best)";
+        QTest::newRow("untouched") << QString("Rock & Roll 50% _x_ *") << "Rock & Roll 50% _x_ *";
+        QTest::newRow("Cyrillic") << QString("Ария \"Герой\"") << "Ария 'Герой'";
     }
 
     void cleanText()

@@ -94,27 +94,18 @@ private slots:
         QTest::addColumn<bool>("still");
         QTest::addColumn<bool>("sliderEnabled");
         QTest::addColumn<QString>("written");
-        QTest::newRow("tmrDue missing") << "tmrDue"
-                                        << "-"
-                                        << "2500 мс" << false << true << "2500";
-        QTest::newRow("tmrCD missing") << "tmrCD"
-                                       << "-"
-                                       << "0 мс" << false << false << "0";
-        QTest::newRow("tmrDueCatalogue missing") << "tmrDueCatalogue"
-                                                 << "-"
-                                                 << "1500 мс" << false << true << "1500";
-        QTest::newRow("still") << "tmrDue"
-                               << "1"
-                               << "0 мс" << true << false << "1";
-        QTest::newRow("tenths kept") << "tmrCD"
-                                     << "3750"
-                                     << "3700 мс" << false << true << "3700";
-        QTest::newRow("beyond the slider") << "tmrDueCatalogue"
-                                           << "99999"
-                                           << "5000 мс" << false << true << "5000";
-        QTest::newRow("not a number") << "tmrDue"
-                                      << "abc"
-                                      << "0 мс" << false << true << "0";
+        QTest::newRow("tmrDue missing")
+            << QString("tmrDue") << QString("-") << "2500 мс" << false << true << "2500";
+        QTest::newRow("tmrCD missing") << QString("tmrCD") << QString("-") << "0 мс" << false << false << "0";
+        QTest::newRow("tmrDueCatalogue missing")
+            << QString("tmrDueCatalogue") << QString("-") << "1500 мс" << false << true << "1500";
+        QTest::newRow("still") << QString("tmrDue") << QString("1") << "0 мс" << true << false << "1";
+        QTest::newRow("tenths kept") << QString("tmrCD") << QString("3750") << "3700 мс" << false << true
+                                     << "3700";
+        QTest::newRow("beyond the slider")
+            << QString("tmrDueCatalogue") << QString("99999") << "5000 мс" << false << true << "5000";
+        QTest::newRow("not a number")
+            << QString("tmrDue") << QString("abc") << "0 мс" << false << true << "0";
     }
 
     void indicatorRows()
@@ -200,15 +191,12 @@ private slots:
         QTest::addColumn<QString>("control");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("message");
-        QTest::newRow("time-out text") << "txtTimeout"
-                                       << "abc"
+        QTest::newRow("time-out text") << QString("txtTimeout") << QString("abc")
                                        << "Время ожидания должно быть числом секунд от 10 до 99.";
-        QTest::newRow("time-out too long") << "txtTimeout"
-                                           << "5"
+        QTest::newRow("time-out too long") << QString("txtTimeout") << QString("5")
                                            << "Время ожидания должно быть числом секунд от 10 до 99.";
         QTest::newRow("server")
-            << "txtServer4"
-            << "host:port"
+            << QString("txtServer4") << "host:port"
             << "Адрес сервера 4 ('host:port') не распознан. Укажите его в виде \"имя\" или "
                "\"имя:порт\".";
     }

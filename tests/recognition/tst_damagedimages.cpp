@@ -451,21 +451,11 @@ private slots:
         QTest::addColumn<QString>("options");
         QTest::addColumn<QString>("folder");  // the folder whose record is changed
         QTest::addColumn<QString>("pointTo"); // where it is made to point
-        QTest::newRow("subfolder at the root") << ""
-                                               << "DOCS"
-                                               << "";
-        QTest::newRow("subfolder at its own parent") << ""
-                                                     << "DOCS/SUB"
-                                                     << "DOCS";
-        QTest::newRow("folder inside itself") << ""
-                                              << "MUSIC/ALBUM/C.MP3"
-                                              << "MUSIC/ALBUM";
-        QTest::newRow("Joliet subfolder at the root") << "-J"
-                                                      << "DOCS"
-                                                      << "";
-        QTest::newRow("Rock Ridge subfolder at the root") << "-R"
-                                                          << "DOCS"
-                                                          << "";
+        QTest::newRow("subfolder at the root") << QString("") << QString("DOCS") << "";
+        QTest::newRow("subfolder at its own parent") << QString("") << QString("DOCS/SUB") << "DOCS";
+        QTest::newRow("folder inside itself") << QString("") << QString("MUSIC/ALBUM/C.MP3") << "MUSIC/ALBUM";
+        QTest::newRow("Joliet subfolder at the root") << QString("-J") << QString("DOCS") << "";
+        QTest::newRow("Rock Ridge subfolder at the root") << QString("-R") << QString("DOCS") << "";
     }
 
     void isoCycles()

@@ -56,22 +56,14 @@ private slots:
         QTest::addColumn<QString>("stored"); // skipcd.ini entry, "" for none
         QTest::addColumn<QString>("kind");
         QTest::addColumn<bool>("hasId");
-        QTest::newRow("audio") << m_audio << ""
-                               << "AudioCD" << true;
-        QTest::newRow("data") << m_data << ""
-                              << "PcCD" << true;
-        QTest::newRow("UDF") << m_udf << ""
-                             << "DVD" << true;
-        QTest::newRow("nothing") << m_dir.filePath("none.iso") << ""
-                                 << "" << false;
-        QTest::newRow("audio stored as n/a") << m_audio << "n/a"
-                                             << "" << false;
-        QTest::newRow("audio stored as PC") << m_audio << "PC"
-                                            << "PcCD" << true;
-        QTest::newRow("data stored as DVD") << m_data << "DVD"
-                                            << "DVD" << true;
-        QTest::newRow("UDF stored as AD") << m_udf << "AD"
-                                          << "AudioCD" << true;
+        QTest::newRow("audio") << m_audio << QString("") << "AudioCD" << true;
+        QTest::newRow("data") << m_data << QString("") << "PcCD" << true;
+        QTest::newRow("UDF") << m_udf << QString("") << "DVD" << true;
+        QTest::newRow("nothing") << m_dir.filePath("none.iso") << QString("") << "" << false;
+        QTest::newRow("audio stored as n/a") << m_audio << QString("n/a") << "" << false;
+        QTest::newRow("audio stored as PC") << m_audio << QString("PC") << "PcCD" << true;
+        QTest::newRow("data stored as DVD") << m_data << QString("DVD") << "DVD" << true;
+        QTest::newRow("UDF stored as AD") << m_udf << QString("AD") << "AudioCD" << true;
     }
 
     void kinds()
@@ -115,27 +107,13 @@ private slots:
         QTest::addColumn<QString>("label");
         QTest::addColumn<QString>("fs");
         QTest::addColumn<QString>("kind");
-        QTest::newRow("audio") << 221u << "Audio CD"
-                               << "CDFS"
-                               << "AudioCD";
-        QTest::newRow("long names") << 221u << "Audio CDX"
-                                    << "CDFS"
-                                    << "AudioCD";
-        QTest::newRow("data, long names") << 221u << "Backup"
-                                          << "CDFS"
-                                          << "PcCD";
-        QTest::newRow("data, Joliet") << 110u << "Audio CD"
-                                      << "CDFS"
-                                      << "PcCD";
-        QTest::newRow("UDF") << 255u << "Movie"
-                             << "UDF"
-                             << "DVD";
-        QTest::newRow("255 but not UDF") << 255u << "Mac"
-                                         << "HFS"
-                                         << "";
-        QTest::newRow("other length") << 31u << "Old"
-                                      << "ISO"
-                                      << "";
+        QTest::newRow("audio") << 221u << QString("Audio CD") << QString("CDFS") << "AudioCD";
+        QTest::newRow("long names") << 221u << QString("Audio CDX") << QString("CDFS") << "AudioCD";
+        QTest::newRow("data, long names") << 221u << QString("Backup") << QString("CDFS") << "PcCD";
+        QTest::newRow("data, Joliet") << 110u << QString("Audio CD") << QString("CDFS") << "PcCD";
+        QTest::newRow("UDF") << 255u << QString("Movie") << QString("UDF") << "DVD";
+        QTest::newRow("255 but not UDF") << 255u << QString("Mac") << QString("HFS") << "";
+        QTest::newRow("other length") << 31u << QString("Old") << QString("ISO") << "";
     }
 
     void propertiesDecide()

@@ -38,12 +38,9 @@ private slots:
     {
         QTest::addColumn<QString>("stored");
         QTest::addColumn<QString>("chosen");
-        QTest::newRow("missing: the first") << ""
-                                            << "/dev/sr0";
-        QTest::newRow("stored and present") << "/img/b.iso"
-                                            << "/img/b.iso";
-        QTest::newRow("stored but gone: the first") << "/img/gone.iso"
-                                                    << "/dev/sr0";
+        QTest::newRow("missing: the first") << QString("") << "/dev/sr0";
+        QTest::newRow("stored and present") << QString("/img/b.iso") << "/img/b.iso";
+        QTest::newRow("stored but gone: the first") << QString("/img/gone.iso") << "/dev/sr0";
     }
 
     void chosenDrive()

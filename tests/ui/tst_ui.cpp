@@ -9,8 +9,8 @@
 #include <QDialog>
 #include <QLayout>
 #include <QLineEdit>
-#include <QVBoxLayout>
 #include <QTimer>
+#include <QVBoxLayout>
 
 using namespace vinora;
 
@@ -33,10 +33,9 @@ private slots:
     {
         QTest::addColumn<QString>("pipeFilter");
         QTest::addColumn<QString>("qtFilter");
-        QTest::newRow("database") << "База данных vinora (*.db)|*.db|Все файлы (*.*)|*.*"
+        QTest::newRow("database") << QString("База данных vinora (*.db)|*.db|Все файлы (*.*)|*.*")
                                   << "База данных vinora (*.db);;Все файлы (*)";
-        QTest::newRow("several patterns") << "Рисунки|*.jpg;*.gif"
-                                          << "Рисунки (*.jpg *.gif)";
+        QTest::newRow("several patterns") << QString("Рисунки|*.jpg;*.gif") << "Рисунки (*.jpg *.gif)";
     }
 
     void fileFilters()
