@@ -16,15 +16,15 @@ void CatalogueRows::load(const Db& db, const BuiltQuery& query)
     beginResetModel();
     m_rows.clear();
     m_columns.clear();
-    QSqlQuery result = db.query(query.sql, query.values);
-    const QSqlRecord record = result.record();
-    for (int i = 0; i < record.count(); ++i) {
-        m_columns.insert(record.fieldName(i), i);
+    RowReader result(db, query.sql, query.values);
+    const int columns = result.columnCount();
+    for (int i = 0; i < columns; ++i) {
+        m_columns.insert(result.columnName(i), i);
     }
     while (result.next()) {
         QVariantList row;
-        row.reserve(record.count());
-        for (int i = 0; i < record.count(); ++i) {
+        row.reserve(columns);
+        for (int i = 0; i < columns; ++i) {
             row.append(result.value(i));
         }
         m_rows.append(std::move(row));

@@ -5,7 +5,6 @@
 #include "store/Db.h"
 
 #include <QCollator>
-#include <QSqlQuery>
 #include <algorithm>
 
 namespace vinora {
@@ -24,12 +23,18 @@ bool StoredFileList::exists() const
 StoredFileList::Contents StoredFileList::read() const
 {
     const Db db(m_path, Db::Access::ReadOnly);
-    QSqlQuery rows = db.query(QStringLiteral("SELECT Путь, Имя, Размер FROM Файлы WHERE ДискID = ?"), {m_id});
+    RowReader rows(db, QStringLiteral("SELECT Путь, Имя, Размер FROM Файлы WHERE ДискID = ?"), {m_id});
     Contents contents;
+    // A folder's rows follow one another: its path is decoded once for them all.
+    QByteArray pathBytes;
+    QString path;
     while (rows.next()) {
-        const QString path = rows.value(0).toString();
-        const QString name = rows.value(1).toString();
-        contents.sizes.append(rows.value(2).toString());
+        if (rows.utf8(0) != QByteArrayView(pathBytes)) {
+            pathBytes = rows.utf8(0).toByteArray();
+            path = QString::fromUtf8(pathBytes);
+        }
+        const QString name = rows.text(1);
+        contents.sizes.append(rows.text(2));
         auto folder = contents.filesByFolder.find(path);
         if (folder == contents.filesByFolder.end()) {
             folder = contents.filesByFolder.insert(path, {});

@@ -7,6 +7,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QUrl>
+#include <sqlite3.h>
 #include <unistd.h>
 
 namespace vinora {
@@ -242,6 +243,106 @@ QDate dateFrom(const QVariant& stored)
         return {};
     }
     return QDate::fromString(stored.toString().left(10), Qt::ISODate);
+}
+
+} // namespace vinora
+
+namespace vinora {
+
+RowReader::RowReader(const Db& db, const QString& sql, const QVariantList& values) : m_db(db), m_sql(sql)
+{
+    sqlite3* handle = sqliteHandle(db.connection());
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_prepare_v2(handle, text.constData(), static_cast<int>(text.size()), &m_statement, nullptr) !=
+        SQLITE_OK) {
+        throw fileSqlError(QString::fromUtf8(sqlite3_errmsg(handle)), sql, db.path());
+    }
+    int position = 0;
+    for (const QVariant& value : values) {
+        ++position;
+        int rc = SQLITE_OK;
+        switch (value.typeId()) {
+        case QMetaType::Bool:
+        case QMetaType::Int:
+        case QMetaType::UInt:
+        case QMetaType::LongLong:
+        case QMetaType::ULongLong:
+            rc = sqlite3_bind_int64(m_statement, position, value.toLongLong());
+            break;
+        case QMetaType::Double:
+            rc = sqlite3_bind_double(m_statement, position, value.toDouble());
+            break;
+        default:
+            if (value.isNull()) {
+                rc = sqlite3_bind_null(m_statement, position);
+            } else {
+                const QByteArray bound = value.toString().toUtf8();
+                rc = sqlite3_bind_text(m_statement, position, bound.constData(), static_cast<int>(bound.size()),
+                                       SQLITE_TRANSIENT);
+            }
+        }
+        if (rc != SQLITE_OK) {
+            const QString message = QString::fromUtf8(sqlite3_errmsg(handle));
+            sqlite3_finalize(m_statement);
+            throw fileSqlError(message, sql, db.path());
+        }
+    }
+}
+
+RowReader::~RowReader()
+{
+    sqlite3_finalize(m_statement);
+}
+
+bool RowReader::next()
+{
+    const int rc = sqlite3_step(m_statement);
+    if (rc == SQLITE_ROW) {
+        return true;
+    }
+    if (rc == SQLITE_DONE) {
+        return false;
+    }
+    throw fileSqlError(QString::fromUtf8(sqlite3_errmsg(sqlite3_db_handle(m_statement))), m_sql, m_db.path());
+}
+
+int RowReader::columnCount() const
+{
+    return sqlite3_column_count(m_statement);
+}
+
+QString RowReader::columnName(int column) const
+{
+    return QString::fromUtf8(sqlite3_column_name(m_statement, column));
+}
+
+QString RowReader::text(int column) const
+{
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+    return bytes == nullptr ? QString() : QString::fromUtf8(bytes, sqlite3_column_bytes(m_statement, column));
+}
+
+QByteArrayView RowReader::utf8(int column) const
+{
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+    return QByteArrayView(bytes, bytes == nullptr ? 0 : sqlite3_column_bytes(m_statement, column));
+}
+
+QVariant RowReader::value(int column) const
+{
+    switch (sqlite3_column_type(m_statement, column)) {
+    case SQLITE_INTEGER:
+        return QVariant(static_cast<qlonglong>(sqlite3_column_int64(m_statement, column)));
+    case SQLITE_FLOAT:
+        return QVariant(sqlite3_column_double(m_statement, column));
+    case SQLITE_NULL:
+        return QVariant(QMetaType::fromType<QString>());
+    case SQLITE_BLOB:
+        return QVariant(QByteArray(static_cast<const char*>(sqlite3_column_blob(m_statement, column)),
+                                   sqlite3_column_bytes(m_statement, column)));
+    default:
+        return QVariant(text(column));
+    }
 }
 
 } // namespace vinora

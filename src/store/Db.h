@@ -2,12 +2,15 @@
 
 #include "frame/AppError.h"
 
+#include <QByteArrayView>
 #include <QDate>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+
+struct sqlite3_stmt;
 
 namespace vinora {
 
@@ -64,6 +67,30 @@ private:
     QSqlQuery m_query;
     QString m_sql;
     QString m_path;
+};
+
+// One read statement stepped row by row on the engine's own interface, for reads of many
+// rows (a catalogue, a disc's whole list): QSqlQuery copies every value on its way, which
+// costs more than the reading. Values come as QSqlQuery gives them (a NULL is a null text).
+class RowReader
+{
+public:
+    RowReader(const Db& db, const QString& sql, const QVariantList& values = {});
+    ~RowReader();
+    RowReader(const RowReader&) = delete;
+    RowReader& operator=(const RowReader&) = delete;
+
+    bool next();
+    int columnCount() const;
+    QString columnName(int column) const;
+    QVariant value(int column) const;
+    QString text(int column) const;
+    QByteArrayView utf8(int column) const; // valid until the next step
+
+private:
+    const Db& m_db;
+    QString m_sql;
+    sqlite3_stmt* m_statement = nullptr;
 };
 
 // A transaction that rolls back unless committed.
