@@ -34,6 +34,7 @@ set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${VINORA_HOMEPAGE}")
 # cannot see: the platform plugins, SQLite for the databases, SVG for the icons.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, libqt6sql6-sqlite, libqt6svg6")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-gtk-platformtheme, qt6-translations-l10n")
+# xdg-utils: a file of a disc, or its folder, is opened with the desktop's program through xdg-open.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-gtk-platformtheme, qt6-translations-l10n, xdg-utils")
 set(CPACK_STRIP_FILES ON)
 include(CPack)
