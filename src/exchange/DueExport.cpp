@@ -3,9 +3,13 @@
 #include "exchange/HtmlPieces.h"
 #include "exchange/PageOutput.h"
 #include "frame/AppContext.h"
+#include "frame/TextRules.h"
 #include "store/Category.h"
 #include "store/Db.h"
 #include "store/Schema.h"
+
+#include <QCollator>
+#include <algorithm>
 
 namespace vinora {
 namespace {
@@ -33,46 +37,78 @@ QString categoryText(const QString& code)
     return {};
 }
 
-// The rows of one borrower; gives their number.
-int CalculateDue(PageOutput& out, const Db& db, const DueExportOptions& options, const QString& name,
-                 const QDate& today)
+// One loan of the ledger with its borrower's name and, when the disc is still in its
+// catalogue, the disc's number and title.
+struct DueRow
+{
+    QString name;
+    QString category;
+    QVariant issued, due, returned;
+    bool open = false;
+    bool discFound = false;
+    QString number, title;
+};
+
+// Every loan the page lists, ordered by borrower, catalogue, day of issue and entry; one
+// statement for the whole ledger, the discs joined from the three catalogues.
+QList<DueRow> readDueRows(const Db& db, bool openOnly)
+{
+    RowReader rows(
+        db, QStringLiteral(
+                "SELECT И.Имя, Д.Категория, Д.ДатаВыдачи, Д.ДатаВозврата, Д.ДатаВозвратаРеальная, Д.Долг, "
+                "COALESCE(А.КодАудиоДиск, К.КодКомпьютерныйДиск, V.КодDVDДиск), "
+                "COALESCE(А.Номер, К.Номер, V.Номер), COALESCE(А.Название, К.Название, V.Название) "
+                "FROM Должники AS Д JOIN ИменаДолжников AS И ON Д.КодИмяДолжника = И.КодИмени "
+                "LEFT JOIN Аудио AS А ON Д.Категория = 'AD' COLLATE BINARY AND А.КодАудиоДиск = Д.КодДиска "
+                "LEFT JOIN Компьютер AS К ON Д.Категория = 'PC' COLLATE BINARY AND "
+                "К.КодКомпьютерныйДиск = Д.КодДиска "
+                "LEFT JOIN DVD AS V ON Д.Категория = 'DVD' COLLATE BINARY AND V.КодDVDДиск = Д.КодДиска") +
+                (openOnly ? QStringLiteral(" WHERE Д.Долг <> 0") : QString()) +
+                QStringLiteral(" ORDER BY И.Имя, Д.Категория, Д.ДатаВыдачи, Д.КодДолжника"));
+    QList<DueRow> loans;
+    while (rows.next()) {
+        loans.append({rows.text(0), rows.text(1), rows.value(2), rows.value(3), rows.value(4),
+                      rows.value(5).toInt() != 0, !rows.value(6).isNull(), rows.text(7), rows.text(8)});
+    }
+    return loans;
+}
+
+// The rows of one borrower: the loans whose borrower's name is `name` as the catalogue
+// compares text (letter case aside), from `loans` in their order; gives their number.
+int CalculateDue(PageOutput& out, const QList<DueRow>& loans, const DueExportOptions& options,
+                 const QString& name, const QDate& today)
 {
     const auto checked = [&](int position) { return options.fields.contains(position); };
-    QSqlQuery rows = db.query(
-        QStringLiteral("SELECT КодДиска, Категория, ДатаВыдачи, ДатаВозврата, ДатаВозвратаРеальная, Долг "
-                       "FROM Должники, ИменаДолжников WHERE ") +
-            (options.openOnly ? QStringLiteral("Долг <> 0 AND ") : QString()) +
-            QStringLiteral("Имя = ? AND Должники.КодИмяДолжника = ИменаДолжников.КодИмени "
-                           "ORDER BY Имя, Категория, ДатаВыдачи, КодДолжника"),
-        {name});
+    const QCollator collator = textCollator();
+    const auto first = std::lower_bound(loans.begin(), loans.end(), name, [&](const DueRow& row, const QString& wanted) {
+        return collator.compare(row.name, wanted) < 0;
+    });
     int count = 0;
-    while (rows.next()) {
+    for (auto loan = first; loan != loans.end() && collator.compare(loan->name, name) == 0; ++loan) {
         ++count;
-        const qint64 code = rows.value(0).toLongLong();
-        const QString kind = rows.value(1).toString();
-        const std::optional<QDate> due = dayOf(rows.value(3));
-        const std::optional<QDate> back = dayOf(rows.value(4));
-        const bool open = rows.value(5).toInt() != 0;
+        const std::optional<QDate> due = dayOf(loan->due);
+        const std::optional<QDate> back = dayOf(loan->returned);
+        const QString missing = QStringLiteral("-");
         out.line(QStringLiteral("<tr>"));
-        out.line(centreCell(htmlEscaped(GetInfoCD(db, QStringLiteral("Number"), kind, code))));
+        out.line(centreCell(htmlEscaped(loan->discFound ? loan->number : missing)));
         if (checked(kCategory)) {
-            out.line(centreCell(categoryText(kind)));
+            out.line(centreCell(categoryText(loan->category)));
         }
         if (checked(kTitle)) {
-            out.line(centreCell(htmlEscaped(GetInfoCD(db, QStringLiteral("Name"), kind, code))));
+            out.line(centreCell(htmlEscaped(loan->discFound ? loan->title : missing)));
         }
         if (checked(kDelay)) {
             // A loan without term is never late.
-            out.line(centreCell(open  ? dueDelayText(due, today)
-                                : due ? dueDelayText(due, back)
-                                      : QStringLiteral("-")));
+            out.line(centreCell(loan->open ? dueDelayText(due, today)
+                                : due      ? dueDelayText(due, back)
+                                           : missing));
         }
         if (checked(kDates)) {
-            out.line(centreCell(htmlDate(rows.value(2)) + u'/' + htmlDate(rows.value(3))));
+            out.line(centreCell(htmlDate(loan->issued) + u'/' + htmlDate(loan->due)));
         }
         if (checked(kReturned)) {
-            const QString day = htmlDate(rows.value(4));
-            out.line(centreCell(open || day.isEmpty() ? QStringLiteral("-") : day));
+            const QString day = htmlDate(loan->returned);
+            out.line(centreCell(loan->open || day.isEmpty() ? missing : day));
         }
         out.line(QStringLiteral("</tr>"));
     }
@@ -109,21 +145,6 @@ QString dueDelayText(const std::optional<QDate>& from, const std::optional<QDate
     return days > 0 ? QString::number(days) : QStringLiteral("нет");
 }
 
-QString GetInfoCD(const Db& db, const QString& field, const QString& kind, qint64 code)
-{
-    const CategoryInfo* info = categoryByCode(kind);
-    if (info == nullptr) {
-        return QStringLiteral("-");
-    }
-    const QVariant value =
-        db.scalar(QStringLiteral("SELECT ") +
-                      (field == u"Number" ? QStringLiteral("\"Номер\"") : QStringLiteral("\"Название\"")) +
-                      QStringLiteral(" FROM ") + quoted(info->table) + QStringLiteral(" WHERE ") +
-                      quoted(info->keyField) + QStringLiteral(" = ?"),
-                  {code});
-    return value.isValid() ? value.toString() : QStringLiteral("-");
-}
-
 int ExportDue(const AppContext& ctx, const DueExportOptions& options, const QString& path)
 {
     const auto checked = [&](int position) { return options.fields.contains(position); };
@@ -134,6 +155,7 @@ int ExportDue(const AppContext& ctx, const DueExportOptions& options, const QStr
                                  "face=\"Tahoma\"><b>Список должников</b></font>")},
                  today);
     const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
+    const QList<DueRow> loans = readDueRows(db, options.openOnly);
     QSqlQuery borrowers = db.query(
         QStringLiteral("SELECT DISTINCT Имя, Телефон FROM Должники, ИменаДолжников "
                        "WHERE Должники.КодИмяДолжника = ИменаДолжников.КодИмени") +
@@ -178,7 +200,7 @@ int ExportDue(const AppContext& ctx, const DueExportOptions& options, const QStr
             out.line(heading("80", "Вернул"));
         }
         out.line(QStringLiteral("</tr>"));
-        const int rows = CalculateDue(out, db, options, name, today);
+        const int rows = CalculateDue(out, loans, options, name, today);
         out.line(QStringLiteral("</table>"));
         out.line(QStringLiteral("<p><font size=\"2pt\" face=\"Tahoma\">Должников в списке: <b>") +
                  QString::number(rows) + QStringLiteral("</b></font></p>"));

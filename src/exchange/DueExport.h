@@ -26,10 +26,6 @@ struct DueExportOptions
 // nothing is left behind then.
 int ExportDue(const AppContext& ctx, const DueExportOptions& options, const QString& path);
 
-// `field` "Number" gives the disc's Номер, "Name" its Название; `kind` is "AD", "PC" or
-// "DVD", `code` the disc's record key. A disc that is no longer there gives "-".
-QString GetInfoCD(const Db& db, const QString& field, const QString& kind, qint64 code);
-
 // The days from `from` to `to` when there are more than none, else "нет" (also when a day
 // is missing).
 QString dueDelayText(const std::optional<QDate>& from, const std::optional<QDate>& to);
