@@ -62,7 +62,8 @@ inline void record(const char* what, double value, const char* unit, const QStri
 {
     const bool met = value <= goal;
     g_failures += met ? 0 : 1;
-    std::printf("%-62s %10.3f %s   goal %9.3f %s   %s\n", what, value, unit, goal, unit, met ? "ok" : "MISSED");
+    std::printf("%-62s %10.3f %s   goal %9.3f %s   %s\n", what, value, unit, goal, unit,
+                met ? "ok" : "MISSED");
     if (!reference.isEmpty()) {
         std::printf("%-62s %s\n", "", qPrintable(reference));
     }
@@ -73,7 +74,10 @@ inline void record(const char* what, double value, const char* unit, const QStri
         if (file.open(QIODevice::Append | QIODevice::Text)) {
             file.write(QStringLiteral("%1\t%2\t%3\t%4\t%5\t%6\n")
                            .arg(QString::fromUtf8(what))
-                           .arg(value, 0, 'f', value < 10 ? 2 : value < 100 ? 1 : 0)
+                           .arg(value, 0, 'f',
+                                value < 10    ? 2
+                                : value < 100 ? 1
+                                              : 0)
                            .arg(QString::fromUtf8(unit), reference)
                            .arg(goal, 0, 'f', 0)
                            .arg(met ? QStringLiteral("ok") : QStringLiteral("MISSED"))
@@ -88,7 +92,8 @@ inline void report(const char* what, double ms, double goalMs)
 }
 
 // A figure beside a reference measured in the same run, with a goal of its own.
-inline void reportBeside(const char* what, double ms, double goalMs, const char* referenceName, double referenceMs)
+inline void reportBeside(const char* what, double ms, double goalMs, const char* referenceName,
+                         double referenceMs)
 {
     record(what, ms, "ms",
            QStringLiteral("%1: %2 ms (%3 x)")
@@ -99,7 +104,8 @@ inline void reportBeside(const char* what, double ms, double goalMs, const char*
 }
 
 // A figure held against a reference measured in the same run: the goal is `factor` times it.
-inline void reportAgainst(const char* what, double ms, const char* referenceName, double referenceMs, double factor)
+inline void reportAgainst(const char* what, double ms, const char* referenceName, double referenceMs,
+                          double factor)
 {
     reportBeside(what, ms, factor * referenceMs, referenceName, referenceMs);
 }

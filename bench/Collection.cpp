@@ -44,7 +44,9 @@ int setSize(Random& random)
 // The id of a disc as the recogniser stores it: eight hex digits, one run per catalogue.
 QString discId(unsigned catalogueBase, int serial)
 {
-    return QStringLiteral("%1").arg(catalogueBase + static_cast<unsigned>(serial), 8, 16, QChar(u'0')).toUpper();
+    return QStringLiteral("%1")
+        .arg(catalogueBase + static_cast<unsigned>(serial), 8, 16, QChar(u'0'))
+        .toUpper();
 }
 
 QString durationText(int seconds)
@@ -84,14 +86,16 @@ private:
         const Db tracksDb(m_ctx.TracksDBPath);
         const ContentsLists lists(tracksDb, ContentsKind::Tracks);
         Transaction trackWrites(tracksDb);
-        Statement track(tracksDb, QStringLiteral("INSERT INTO Треки (ДискID, Номер, Название) VALUES (?, ?, ?)"));
-        Statement disc(main, QStringLiteral("INSERT INTO Аудио (Номер, Название, Альбом, Год, Дисков, КодСтиля, "
-                                            "ДатаЗаписи, Записей1, Записей2, Записей3, Записей4, Записей5, "
-                                            "Записей6, Время1, Время2, Время3, Время4, Время5, Время6, ДискID1, "
-                                            "ДискID2, ДискID3, ДискID4, ДискID5, ДискID6, ДискID1_d, ДискID2_d, "
-                                            "ДискID3_d, ДискID4_d, ДискID5_d, ДискID6_d) VALUES (?, ?, ?, ?, ?, "
-                                            "?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                                            "?, ?, ?)"));
+        Statement track(tracksDb,
+                        QStringLiteral("INSERT INTO Треки (ДискID, Номер, Название) VALUES (?, ?, ?)"));
+        Statement disc(main,
+                       QStringLiteral("INSERT INTO Аудио (Номер, Название, Альбом, Год, Дисков, КодСтиля, "
+                                      "ДатаЗаписи, Записей1, Записей2, Записей3, Записей4, Записей5, "
+                                      "Записей6, Время1, Время2, Время3, Время4, Время5, Время6, ДискID1, "
+                                      "ДискID2, ДискID3, ДискID4, ДискID5, ДискID6, ДискID1_d, ДискID2_d, "
+                                      "ДискID3_d, ДискID4_d, ДискID5_d, ДискID6_d) VALUES (?, ?, ?, ?, ?, "
+                                      "?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+                                      "?, ?, ?)"));
         int serial = 0;
         for (int number = 1; number <= m_size.audioRows; ++number) {
             const int discs = setSize(m_random);
@@ -115,8 +119,13 @@ private:
                 times.append(durationText(seconds));
                 ids.append(id);
             }
-            QVariantList values{number, artist(), m_names.title(3), QString::number(1960 + m_random.below(66)),
-                                discs, 2 + m_random.below(30), dateValue(kToday.addDays(-m_random.below(7000)))};
+            QVariantList values{number,
+                                artist(),
+                                m_names.title(3),
+                                QString::number(1960 + m_random.below(66)),
+                                discs,
+                                2 + m_random.below(30),
+                                dateValue(kToday.addDays(-m_random.below(7000)))};
             values += counts + times + ids + ids;
             disc.run(values);
         }
@@ -133,11 +142,12 @@ private:
             QString id;
         };
         QList<Disc> discs;
-        Statement row(main, QStringLiteral("INSERT INTO Компьютер (Номер, Название, КодОписания, РасОписание, "
-                                           "Год, Дисков, ДатаЗаписи, ДискID1, ДискID2, ДискID3, ДискID4, ДискID5, "
-                                           "ДискID6, ДискID1_d, ДискID2_d, ДискID3_d, ДискID4_d, ДискID5_d, "
-                                           "ДискID6_d) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                                           "?, ?, ?)"));
+        Statement row(main,
+                      QStringLiteral("INSERT INTO Компьютер (Номер, Название, КодОписания, РасОписание, "
+                                     "Год, Дисков, ДатаЗаписи, ДискID1, ДискID2, ДискID3, ДискID4, ДискID5, "
+                                     "ДискID6, ДискID1_d, ДискID2_d, ДискID3_d, ДискID4_d, ДискID5_d, "
+                                     "ДискID6_d) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+                                     "?, ?, ?)"));
         m_collection.largestListNumber = (m_size.computerRows + 1) / 2;
         for (int number = 1; number <= m_size.computerRows; ++number) {
             const int count = number == m_collection.largestListNumber ? 1 : setSize(m_random);
@@ -152,8 +162,12 @@ private:
                 ids.append(id);
             }
             const QVariant note = m_random.below(3) == 0 ? QVariant(m_names.title(6)) : QVariant();
-            QVariantList values{number, m_names.title(3), 2 + m_random.below(22), note,
-                                QString::number(1995 + m_random.below(31)), count,
+            QVariantList values{number,
+                                m_names.title(3),
+                                2 + m_random.below(22),
+                                note,
+                                QString::number(1995 + m_random.below(31)),
+                                count,
                                 dateValue(kToday.addDays(-m_random.below(7000)))};
             values += ids + ids;
             row.run(values);
@@ -185,15 +199,16 @@ private:
 
     void addDvd(const Db& main)
     {
-        Statement row(main, QStringLiteral("INSERT INTO DVD (Номер, Название, Описание, Год, Дисков, Время, Зона, "
-                                           "КодЖанр, ФорматЗвука, ДатаЗаписи, ДискID1_d, ДискID2_d) VALUES (?, ?, "
-                                           "?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+        Statement row(main,
+                      QStringLiteral("INSERT INTO DVD (Номер, Название, Описание, Год, Дисков, Время, Зона, "
+                                     "КодЖанр, ФорматЗвука, ДатаЗаписи, ДискID1_d, ДискID2_d) VALUES (?, ?, "
+                                     "?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
         for (int number = 1; number <= m_size.dvdRows; ++number) {
             const int discs = m_random.below(10) == 0 ? 2 : 1;
             const QString first = discId(0xD0000000u, 2 * number - 1);
             const QVariant second = discs == 2 ? QVariant(discId(0xD0000000u, 2 * number)) : QVariant();
-            row.run({number, m_names.title(3), m_names.title(8), QString::number(1970 + m_random.below(56)), discs,
-                     80 + m_random.below(100), 1 + m_random.below(6), 2 + m_random.below(9),
+            row.run({number, m_names.title(3), m_names.title(8), QString::number(1970 + m_random.below(56)),
+                     discs, 80 + m_random.below(100), 1 + m_random.below(6), 2 + m_random.below(9),
                      kSoundFormats.at(m_random.below(static_cast<int>(kSoundFormats.size()))),
                      dateValue(kToday.addDays(-m_random.below(7000))), first, second});
         }
@@ -208,8 +223,9 @@ private:
             const QString name = m_names.title(2) + u' ' + QString::number(i);
             borrower.run({name, QStringLiteral("8-9%1").arg(m_random.below(1000000000), 9, 10, QChar(u'0'))});
         }
-        Statement loan(main, QStringLiteral("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВыдачи, "
-                                            "ДатаВозврата, ДатаВозвратаРеальная, Долг) VALUES (?, ?, ?, ?, ?, ?, ?)"));
+        Statement loan(
+            main, QStringLiteral("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория, ДатаВыдачи, "
+                                 "ДатаВозврата, ДатаВозвратаРеальная, Долг) VALUES (?, ?, ?, ?, ?, ?, ?)"));
         const QList<std::pair<QString, int>> catalogues = {{QStringLiteral("AD"), m_size.audioRows},
                                                            {QStringLiteral("PC"), m_size.computerRows},
                                                            {QStringLiteral("DVD"), m_size.dvdRows}};
@@ -220,16 +236,22 @@ private:
             const int disc = 1 + m_random.below(rows);
             const QString key = code + QString::number(disc);
             // The last loans of the ledger are the newest; a fifth of them are open.
-            const bool open = i >= m_size.loans - m_size.loans / 3 && m_random.below(3) < 2 && !out.contains(key);
-            const QDate issued = kToday.addDays(-(m_size.loans - i) * 1000 / m_size.loans - m_random.below(20));
-            const QVariant due = m_random.below(10) == 0 ? QVariant() : QVariant(dateValue(issued.addDays(14)));
+            const bool open =
+                i >= m_size.loans - m_size.loans / 3 && m_random.below(3) < 2 && !out.contains(key);
+            const QDate issued =
+                kToday.addDays(-(m_size.loans - i) * 1000 / m_size.loans - m_random.below(20));
+            const QVariant due =
+                m_random.below(10) == 0 ? QVariant() : QVariant(dateValue(issued.addDays(14)));
             loan.run({1 + m_random.zipf(m_size.borrowers), disc, code, dateValue(issued), due,
-                      open ? QVariant() : dateValue(issued.addDays(5 + m_random.below(30))), open ? kTrue : kFalse});
+                      open ? QVariant() : dateValue(issued.addDays(5 + m_random.below(30))),
+                      open ? kTrue : kFalse});
             if (open) {
                 out.insert(key);
-                const QString table = code == u"AD" ? QStringLiteral("Аудио") : code == u"PC" ? QStringLiteral("Компьютер")
-                                                                                             : QStringLiteral("DVD");
-                main.exec(QStringLiteral("UPDATE ") + quoted(table) + QStringLiteral(" SET Должник = -1 WHERE Номер = ?"),
+                const QString table = code == u"AD"   ? QStringLiteral("Аудио")
+                                      : code == u"PC" ? QStringLiteral("Компьютер")
+                                                      : QStringLiteral("DVD");
+                main.exec(QStringLiteral("UPDATE ") + quoted(table) +
+                              QStringLiteral(" SET Должник = -1 WHERE Номер = ?"),
                           {disc});
             }
         }
@@ -272,7 +294,9 @@ private:
         for (int i = 1; i <= m_size.shortcuts; ++i) {
             QueryShortcut shortcut;
             shortcut.name = QStringLiteral("Запрос %1 ").arg(i) + m_names.russianWord();
-            shortcut.category = i % 3 == 0 ? Category::Dvd : i % 3 == 1 ? Category::Audio : Category::Computer;
+            shortcut.category = i % 3 == 0   ? Category::Dvd
+                                : i % 3 == 1 ? Category::Audio
+                                             : Category::Computer;
             shortcut.conditions[0] = {QStringLiteral("Название"), QStringLiteral("LIKE"), m_names.word()};
             if (i % 2 == 0) {
                 shortcut.conditions[1] = {kNumberField, QStringLiteral(">"), QString::number(i * 100)};
@@ -322,7 +346,8 @@ CollectionSize collectionSize(double fraction)
 
 QString benchDataFolder()
 {
-    return qEnvironmentVariable("VINORA_BENCH_DATA", QCoreApplication::applicationDirPath() + QStringLiteral("/data"));
+    return qEnvironmentVariable("VINORA_BENCH_DATA",
+                                QCoreApplication::applicationDirPath() + QStringLiteral("/data"));
 }
 
 Collection benchCollection()
@@ -330,8 +355,9 @@ Collection benchCollection()
     const double fraction = qEnvironmentVariable("VINORA_BENCH_SCALE", QStringLiteral("1")).toDouble();
     Collection collection;
     collection.size = collectionSize(fraction > 0 && fraction <= 1 ? fraction : 1.0);
-    collection.folder = QDir(benchDataFolder()).filePath(QStringLiteral("collection-") +
-                                                        QString::number(collection.size.fraction));
+    collection.folder =
+        QDir(benchDataFolder())
+            .filePath(QStringLiteral("collection-") + QString::number(collection.size.fraction));
     const QString facts = QDir(collection.folder).filePath(kStamp);
     QFile stamp(facts);
     if (stamp.open(QIODevice::ReadOnly)) {
@@ -353,7 +379,8 @@ Collection benchCollection()
     Reanimator(ctx, 0);
     Generator(ctx, collection.size, collection).run();
     stamp.open(QIODevice::WriteOnly);
-    stamp.write(QStringLiteral("%1 %2").arg(collection.largestListNumber).arg(collection.largestListId).toUtf8());
+    stamp.write(
+        QStringLiteral("%1 %2").arg(collection.largestListNumber).arg(collection.largestListId).toUtf8());
     return collection;
 }
 
@@ -375,19 +402,24 @@ void describeCollection(const Collection& collection)
     SystemClock clock;
     const AppContext ctx(collection.folder, prompts, clock);
     const Db main(ctx.MainDBPath, Db::Access::ReadOnly);
-    const auto count = [](const Db& db, const char* sql) { return db.scalar(QString::fromUtf8(sql)).toLongLong(); };
-    const qint64 rows = count(main, "SELECT (SELECT count(*) FROM Аудио) + (SELECT count(*) FROM Компьютер) + "
-                                    "(SELECT count(*) FROM DVD)");
-    const qint64 discs = count(main, "SELECT (SELECT sum(Дисков) FROM Аудио) + (SELECT sum(Дисков) FROM Компьютер) "
-                                     "+ (SELECT sum(Дисков) FROM DVD)");
+    const auto count = [](const Db& db, const char* sql) {
+        return db.scalar(QString::fromUtf8(sql)).toLongLong();
+    };
+    const qint64 rows =
+        count(main, "SELECT (SELECT count(*) FROM Аудио) + (SELECT count(*) FROM Компьютер) + "
+                    "(SELECT count(*) FROM DVD)");
+    const qint64 discs =
+        count(main, "SELECT (SELECT sum(Дисков) FROM Аудио) + (SELECT sum(Дисков) FROM Компьютер) "
+                    "+ (SELECT sum(Дисков) FROM DVD)");
     const qint64 loans = count(main, "SELECT count(*) FROM Должники");
     const Db files(ctx.FilesDBPath, Db::Access::ReadOnly);
     const Db tracks(ctx.TracksDBPath, Db::Access::ReadOnly);
-    std::printf("collection at %g: %lld rows (%lld discs), %lld file rows, %lld tracks, %lld loans; largest list "
-                "%d rows (computer disc %d)\n",
-                collection.size.fraction, rows, discs, count(files, "SELECT count(*) FROM Файлы"),
-                count(tracks, "SELECT count(*) FROM Треки"), loans, collection.size.largestListRows,
-                collection.largestListNumber);
+    std::printf(
+        "collection at %g: %lld rows (%lld discs), %lld file rows, %lld tracks, %lld loans; largest list "
+        "%d rows (computer disc %d)\n",
+        collection.size.fraction, rows, discs, count(files, "SELECT count(*) FROM Файлы"),
+        count(tracks, "SELECT count(*) FROM Треки"), loans, collection.size.largestListRows,
+        collection.largestListNumber);
 }
 
 } // namespace vinora::bench

@@ -16,7 +16,7 @@ struct CollectionSize
     int audioRows = 15000;
     int computerRows = 1500;
     int dvdRows = 3500;
-    int fileRows = 2000000;     // over every disc of the computer catalogue
+    int fileRows = 2000000;       // over every disc of the computer catalogue
     int largestListRows = 100000; // the largest disc's share of them
     int borrowers = 2000;
     int loans = 10000;

@@ -110,7 +110,8 @@ QList<FileRow> NameMaker::fileTree(int rowCount)
                 continue;
             }
         }
-        const QString folder = folders.at(folders.size() - 1 - m_random.below(std::min<int>(3, folders.size())));
+        const QString folder =
+            folders.at(folders.size() - 1 - m_random.below(std::min<int>(3, folders.size())));
         const QString comment = m_random.below(50) == 0 ? title(4) : QString();
         rows.append({fileName(), folder, QString::number(m_random.below(100000)), comment});
     }

@@ -1,7 +1,6 @@
 #include "SearchCollection.h"
 
 #include "CollectionNames.h"
-
 #include "contents/FileListScan.h"
 #include "contents/FileListStore.h"
 #include "store/ContentsLists.h"

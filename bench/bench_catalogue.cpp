@@ -21,24 +21,26 @@ namespace {
 void openCatalogue(AppContext& ctx, Category category, const char* openLine, const char* filterLine)
 {
     std::unique_ptr<frmCatalogue> window;
-    report(openLine, medianMs(5,
-                              [&] {
-                                  window.reset();
-                                  window = std::make_unique<frmCatalogue>(ctx, category);
-                                  window->show();
-                                  QApplication::processEvents();
-                              }),
+    report(openLine,
+           medianMs(5,
+                    [&] {
+                        window.reset();
+                        window = std::make_unique<frmCatalogue>(ctx, category);
+                        window->show();
+                        QApplication::processEvents();
+                    }),
            100);
     auto* name = window->findChild<QLineEdit*>(QStringLiteral("txtName"));
     name->setFocus();
     // Each keystroke narrows the whole catalogue to the titles holding one letter.
     int keystroke = 0;
-    report(filterLine, medianMs(7,
-                                [&] {
-                                    name->clear();
-                                    QTest::keyClick(name, keystroke++ % 2 ? u'а' : 'e');
-                                    QApplication::processEvents();
-                                }),
+    report(filterLine,
+           medianMs(7,
+                    [&] {
+                        name->clear();
+                        QTest::keyClick(name, keystroke++ % 2 ? u'а' : 'e');
+                        QApplication::processEvents();
+                    }),
            50);
     std::printf("%-62s %d rows shown after the keystroke\n", "", window->rowCount());
 }
@@ -63,8 +65,9 @@ int main(int argc, char* argv[])
 
     const QString title = [&] {
         const Db main(ctx.MainDBPath, Db::Access::ReadOnly);
-        return main.scalar(QStringLiteral("SELECT Название FROM Компьютер WHERE Номер = ?"),
-                           {collection.largestListNumber})
+        return main
+            .scalar(QStringLiteral("SELECT Название FROM Компьютер WHERE Номер = ?"),
+                    {collection.largestListNumber})
             .toString();
     }();
     // As the catalogue hands a set to its list windows: the ids of its discs, the first on view.

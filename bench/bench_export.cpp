@@ -4,8 +4,8 @@
 // page of the whole ledger.
 #include "BenchSupport.h"
 #include "Collection.h"
-#include "exchange/DueExport.h"
 #include "exchange/CatalogueExport.h"
+#include "exchange/DueExport.h"
 #include "exchange/ListExport.h"
 
 #include <QCoreApplication>
@@ -60,15 +60,20 @@ int main(int argc, char* argv[])
     report("the same with its covers, beyond rm and cp of the covers", withCovers - copy, 1000);
 
     int rows = 0;
-    const double stored = medianMs(3, [&] { rows = ExportFiles(ctx, {{collection.largestListNumber}, {1, 2, 3}, false, 0}, page); });
+    const double stored = medianMs(3, [&] {
+        rows = ExportFiles(ctx, {{collection.largestListNumber}, {1, 2, 3}, false, 0}, page);
+    });
     std::printf("file-list page: %d rows, %lld bytes\n", rows,
                 static_cast<long long>(QFileInfo(page).size()));
     report("the largest disc's file-list page, every column", stored, 1000);
-    const double sorted = medianMs(3, [&] { ExportFiles(ctx, {{collection.largestListNumber}, {1, 2, 3}, true, 0}, page); });
+    const double sorted = medianMs(3, [&] {
+        ExportFiles(ctx, {{collection.largestListNumber}, {1, 2, 3}, true, 0}, page);
+    });
     report("the same, sorted by name", sorted, 1000);
     int borrowers = 0;
     const double ledger = medianMs(3, [&] { borrowers = ExportDue(ctx, {false, {1, 2, 3, 4, 5, 6}}, page); });
-    std::printf("debtor page: %d borrowers, %lld bytes\n", borrowers, static_cast<long long>(QFileInfo(page).size()));
+    std::printf("debtor page: %d borrowers, %lld bytes\n", borrowers,
+                static_cast<long long>(QFileInfo(page).size()));
     report("debtor page of the whole ledger, every column", ledger, 1000);
     return finish();
 }

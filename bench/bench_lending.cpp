@@ -50,8 +50,9 @@ int main(int argc, char* argv[])
 
     const Db db(ctx.MainDBPath, Db::Access::ReadOnly);
     const QString busiest =
-        db.scalar(QStringLiteral("SELECT Имя FROM ИменаДолжников WHERE КодИмени = (SELECT КодИмяДолжника FROM "
-                                 "Должники GROUP BY КодИмяДолжника ORDER BY count(*) DESC LIMIT 1)"))
+        db.scalar(
+              QStringLiteral("SELECT Имя FROM ИменаДолжников WHERE КодИмени = (SELECT КодИмяДолжника FROM "
+                             "Должники GROUP BY КодИмяДолжника ORDER BY count(*) DESC LIMIT 1)"))
             .toString();
     std::unique_ptr<frmDueStat> rating;
     report("the rating window on the borrower with the most loans",
@@ -67,17 +68,19 @@ int main(int argc, char* argv[])
                 rating->findChild<QTreeWidget*>(QStringLiteral("lvRating"))->topLevelItemCount());
     rating.reset();
 
-    const int lentMost = db.scalar(QStringLiteral("SELECT КодДиска FROM Должники WHERE Категория = 'AD' GROUP BY "
-                                                  "КодДиска ORDER BY count(*) DESC LIMIT 1"))
-                             .toInt();
+    const int lentMost =
+        db.scalar(QStringLiteral("SELECT КодДиска FROM Должники WHERE Категория = 'AD' GROUP BY "
+                                 "КодДиска ORDER BY count(*) DESC LIMIT 1"))
+            .toInt();
     frmDiskHistory history(ctx, [](Category, PickMode) { return 0; });
     history.show();
     history.findChild<QLineEdit*>(QStringLiteral("txtNumber"))->setText(QString::number(lentMost));
-    report("the history of the audio disc lent most often", medianMs(11,
-                                                                     [&] {
-                                                                         history.cmdShow();
-                                                                         QApplication::processEvents();
-                                                                     }),
+    report("the history of the audio disc lent most often",
+           medianMs(11,
+                    [&] {
+                        history.cmdShow();
+                        QApplication::processEvents();
+                    }),
            100);
     return finish();
 }

@@ -111,14 +111,15 @@ int main(int argc, char* argv[])
     for (int i = 0; i < 5; ++i) {
         starts.push_back(startWindow(work));
     }
-    std::sort(starts.begin(), starts.end(), [](const Start& a, const Start& b) { return a.shownMs < b.shownMs; });
+    std::sort(starts.begin(), starts.end(),
+              [](const Start& a, const Start& b) { return a.shownMs < b.shownMs; });
     report("start-up to the drawn main window", starts[2].shownMs, 500);
     qint64 memory = 0;
     for (const Start& start : starts) {
         memory = std::max(memory, start.memoryKb);
     }
-    record("resident memory, each catalogue opened once (peak)", static_cast<double>(memory) / 1024.0, "MB", {},
-           150);
+    record("resident memory, each catalogue opened once (peak)", static_cast<double>(memory) / 1024.0, "MB",
+           {}, 150);
     QDir(work).removeRecursively();
     return finish();
 }

@@ -79,12 +79,13 @@ int main(int argc, char* argv[])
                     }),
            200);
     std::printf("%-62s %d rows\n", "", largest);
-    report("drop the largest list", medianMs(1,
-                                             [&] {
-                                                 Db db(ctx.FilesDBPath);
-                                                 ContentsLists(db, ContentsKind::Files).drop(collection.largestListId);
-                                             }),
-           1000);
+    report("drop the largest list (its rows leave the search index one by one)",
+           medianMs(1,
+                    [&] {
+                        Db db(ctx.FilesDBPath);
+                        ContentsLists(db, ContentsKind::Files).drop(collection.largestListId);
+                    }),
+           2000);
 
     constexpr int kFiles = 100000;
     report("100,000 file rows stored by the list writer beside the others, index included",

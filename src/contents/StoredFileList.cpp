@@ -55,8 +55,9 @@ QList<StoredFileList::File> StoredFileList::Contents::files(const QString& folde
 {
     QList<File> files = filesByFolder.value(folder);
     const QCollator collator = textCollator();
-    std::stable_sort(files.begin(), files.end(),
-                     [&collator](const File& a, const File& b) { return collator.compare(a.name, b.name) < 0; });
+    std::stable_sort(files.begin(), files.end(), [&collator](const File& a, const File& b) {
+        return collator.compare(a.name, b.name) < 0;
+    });
     return files;
 }
 

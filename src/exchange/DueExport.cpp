@@ -80,9 +80,10 @@ int CalculateDue(PageOutput& out, const QList<DueRow>& loans, const DueExportOpt
 {
     const auto checked = [&](int position) { return options.fields.contains(position); };
     const QCollator collator = textCollator();
-    const auto first = std::lower_bound(loans.begin(), loans.end(), name, [&](const DueRow& row, const QString& wanted) {
-        return collator.compare(row.name, wanted) < 0;
-    });
+    const auto first =
+        std::lower_bound(loans.begin(), loans.end(), name, [&](const DueRow& row, const QString& wanted) {
+            return collator.compare(row.name, wanted) < 0;
+        });
     int count = 0;
     for (auto loan = first; loan != loans.end() && collator.compare(loan->name, name) == 0; ++loan) {
         ++count;

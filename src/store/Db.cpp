@@ -277,8 +277,8 @@ RowReader::RowReader(const Db& db, const QString& sql, const QVariantList& value
                 rc = sqlite3_bind_null(m_statement, position);
             } else {
                 const QByteArray bound = value.toString().toUtf8();
-                rc = sqlite3_bind_text(m_statement, position, bound.constData(), static_cast<int>(bound.size()),
-                                       SQLITE_TRANSIENT);
+                rc = sqlite3_bind_text(m_statement, position, bound.constData(),
+                                       static_cast<int>(bound.size()), SQLITE_TRANSIENT);
             }
         }
         if (rc != SQLITE_OK) {
