@@ -20,5 +20,5 @@ done
 echo
 echo "| work | figure | reference, same run | goal | |"
 echo "|---|---:|---|---:|---|"
-awk -F'\t' '{ printf "| %s | %s %s | %s | %s %s | %s |\n", $1, $2, $3, $4, $5, $3, $6 }' "$table"
+awk -F'\t' '{ printf "| %s | %s %s | %s | %s | %s |\n", $1, $2, $3, $4, $5, $6 }' "$table"
 exit $status
