@@ -44,33 +44,30 @@ private slots:
         const ContentsLists lists(db, contentsKind);
         const ContentsDescriptor& descriptor = contentsDescriptor(contentsKind);
 
-        QVERIFY(!lists.exists(QStringLiteral("12345678")));
-        lists.create(QStringLiteral("12345678")); // digits only
-        lists.create(QStringLiteral("A1B2C3"));
-        QVERIFY(lists.exists(QStringLiteral("12345678")));
-        QVERIFY(lists.exists(QStringLiteral("a1b2c3")));
-        QCOMPARE(errorOf([&] { lists.create(QStringLiteral("a1b2c3")); }), 3010);
+        QVERIFY(!lists.exists("12345678"));
+        lists.create("12345678"); // digits only
+        lists.create("A1B2C3");
+        QVERIFY(lists.exists("12345678"));
+        QVERIFY(lists.exists("a1b2c3"));
+        QCOMPARE(errorOf([&] { lists.create("a1b2c3"); }), 3010);
 
         const QString insert =
             contentsKind == ContentsKind::Files
-                ? QStringLiteral("INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\', '0')")
+                ? "INSERT INTO Файлы (ДискID, Имя, Путь, Размер) VALUES (?, ?, '\\', '0')"
                 : QStringLiteral("INSERT INTO Треки (ДискID, Номер, Название) VALUES (?, 1, ?)");
-        db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("Первый")});
-        db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("Второй")});
-        db.exec(insert, {QStringLiteral("12345678"), QStringLiteral("Другой")});
-        QCOMPARE(errorOf([&] {
-                     db.exec(insert, {QStringLiteral("FFFF"), QStringLiteral("без списка")});
-                 }),
-                 3201);
-        QCOMPARE(errorOf([&] { db.exec(insert, {QStringLiteral("A1B2C3"), QStringLiteral("")}); }), 3315);
-        QCOMPARE(lists.rowCount(QStringLiteral("A1B2C3")), 2);
+        db.exec(insert, {"A1B2C3", "Первый"});
+        db.exec(insert, {"A1B2C3", "Второй"});
+        db.exec(insert, {"12345678", "Другой"});
+        QCOMPARE(errorOf([&] { db.exec(insert, {"FFFF", "без списка"}); }), 3201);
+        QCOMPARE(errorOf([&] { db.exec(insert, {"A1B2C3", ""}); }), 3315);
+        QCOMPARE(lists.rowCount("A1B2C3"), 2);
 
-        lists.drop(QStringLiteral("A1B2C3"));
-        QVERIFY(!lists.exists(QStringLiteral("A1B2C3")));
-        QCOMPARE(lists.rowCount(QStringLiteral("A1B2C3")), 0);
-        QCOMPARE(lists.rowCount(QStringLiteral("12345678")), 1);
-        QCOMPARE(errorOf([&] { lists.drop(QStringLiteral("A1B2C3")); }), 3265);
-        QCOMPARE(lists.ids(), QStringList{QStringLiteral("12345678")});
+        lists.drop("A1B2C3");
+        QVERIFY(!lists.exists("A1B2C3"));
+        QCOMPARE(lists.rowCount("A1B2C3"), 0);
+        QCOMPARE(lists.rowCount("12345678"), 1);
+        QCOMPARE(errorOf([&] { lists.drop("A1B2C3"); }), 3265);
+        QCOMPARE(lists.ids(), QStringList{"12345678"});
         QCOMPARE(descriptor.fields.size(), contentsKind == ContentsKind::Files ? 4 : 3);
     }
 
@@ -83,7 +80,7 @@ private slots:
         Reanimator(app.ctx, 0);
         {
             Db files(app.ctx.FilesDBPath);
-            ContentsLists(files, ContentsKind::Files).create(QStringLiteral("KEEP"));
+            ContentsLists(files, ContentsKind::Files).create("KEEP");
         }
         constexpr int kRows = 1500;
         QByteArray script = ".timeout 20000\nPRAGMA synchronous = OFF;\n";
@@ -95,7 +92,7 @@ private slots:
                     .toUtf8();
         }
         QProcess writer;
-        writer.start(QStringLiteral("sqlite3"), {app.ctx.FilesDBPath});
+        writer.start("sqlite3", {app.ctx.FilesDBPath});
         QVERIFY(writer.waitForStarted());
         writer.write(script);
         writer.closeWriteChannel();
@@ -108,7 +105,7 @@ private slots:
         QCOMPARE(writer.exitCode(), 0);
         QCOMPARE(QString::fromUtf8(writer.readAllStandardError()), QString());
         Db files(app.ctx.FilesDBPath);
-        QCOMPARE(ContentsLists(files, ContentsKind::Files).rowCount(QStringLiteral("KEEP")), kRows);
+        QCOMPARE(ContentsLists(files, ContentsKind::Files).rowCount("KEEP"), kRows);
     }
 
     void compactionKeepsListsAndLeavesNoTemporary()
@@ -120,8 +117,8 @@ private slots:
         {
             Db files(app.ctx.FilesDBPath);
             const ContentsLists lists(files, ContentsKind::Files);
-            lists.create(QStringLiteral("KEEP"));
-            lists.create(QStringLiteral("BIG"));
+            lists.create("KEEP");
+            lists.create("BIG");
             Transaction transaction(files);
             Statement insert(
                 files, QStringLiteral(
@@ -131,22 +128,18 @@ private slots:
                             QStringLiteral("file%1.txt").arg(i)});
             }
             transaction.commit();
-            lists.drop(QStringLiteral("BIG"));
+            lists.drop("BIG");
         }
         const qint64 before = databasesSize(app.ctx);
         compactDatabases(app.ctx);
         QVERIFY(databasesSize(app.ctx) < before);
 
         Db files(app.ctx.FilesDBPath);
-        QCOMPARE(ContentsLists(files, ContentsKind::Files).rowCount(QStringLiteral("KEEP")), 30);
-        QCOMPARE(files.scalar(QStringLiteral("SELECT count(*) FROM Фильтр1")).toInt(), 8);
-        QCOMPARE(
-            QDir(app.folder.path())
-                .entryList({QStringLiteral("*~*"), QStringLiteral(".*part")}, QDir::Files | QDir::Hidden),
-            QStringList());
-        QCOMPARE(
-            QDir(elsewhere.path()).entryList({QStringLiteral("*.db*")}, QDir::Files | QDir::Hidden).size(),
-            3);
+        QCOMPARE(ContentsLists(files, ContentsKind::Files).rowCount("KEEP"), 30);
+        QCOMPARE(files.scalar("SELECT count(*) FROM Фильтр1").toInt(), 8);
+        QCOMPARE(QDir(app.folder.path()).entryList({"*~*", ".*part"}, QDir::Files | QDir::Hidden),
+                 QStringList());
+        QCOMPARE(QDir(elsewhere.path()).entryList({"*.db*"}, QDir::Files | QDir::Hidden).size(), 3);
     }
 };
 

@@ -43,7 +43,7 @@ class tst_engine : public QObject
 private slots:
     void init()
     {
-        m_path = m_dir.filePath(QStringLiteral("vinora.db"));
+        m_path = m_dir.filePath("vinora.db");
         QFile::remove(m_path);
         createMainDatabase(m_path);
     }
@@ -52,18 +52,18 @@ private slots:
     {
         Db db(m_path);
         const QString today = QDate::currentDate().toString(Qt::ISODate);
-        db.exec(QStringLiteral("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'A', 1)"));
-        db.exec(QStringLiteral("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (1, 'C', 1)"));
-        db.exec(QStringLiteral("INSERT INTO DVD (Номер, Название, КодЖанр) VALUES (1, 'D', 1)"));
-        db.exec(QStringLiteral("INSERT INTO Должники DEFAULT VALUES"));
-        QCOMPARE(db.scalar(QStringLiteral("SELECT ДатаИзменения FROM Аудио")).toString(), today);
-        QCOMPARE(db.scalar(QStringLiteral("SELECT ДатаЗаписи FROM Компьютер")).toString(), today);
-        QVERIFY(db.scalar(QStringLiteral("SELECT ДатаИзменения FROM Компьютер")).isNull());
-        QCOMPARE(db.scalar(QStringLiteral("SELECT ДатаИзменения FROM DVD")).toString(), today);
-        QCOMPARE(db.scalar(QStringLiteral("SELECT Должник FROM DVD")).toInt(), kFalse);
-        QCOMPARE(db.scalar(QStringLiteral("SELECT Долг FROM Должники")).toInt(), kTrue);
-        QCOMPARE(db.scalar(QStringLiteral("SELECT ДатаВыдачи FROM Должники")).toString(), today);
-        QCOMPARE(db.scalar(QStringLiteral("SELECT КодДолжника FROM Должники")).toInt(), 1);
+        db.exec("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'A', 1)");
+        db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (1, 'C', 1)");
+        db.exec("INSERT INTO DVD (Номер, Название, КодЖанр) VALUES (1, 'D', 1)");
+        db.exec("INSERT INTO Должники DEFAULT VALUES");
+        QCOMPARE(db.scalar("SELECT ДатаИзменения FROM Аудио").toString(), today);
+        QCOMPARE(db.scalar("SELECT ДатаЗаписи FROM Компьютер").toString(), today);
+        QVERIFY(db.scalar("SELECT ДатаИзменения FROM Компьютер").isNull());
+        QCOMPARE(db.scalar("SELECT ДатаИзменения FROM DVD").toString(), today);
+        QCOMPARE(db.scalar("SELECT Должник FROM DVD").toInt(), kFalse);
+        QCOMPARE(db.scalar("SELECT Долг FROM Должники").toInt(), kTrue);
+        QCOMPARE(db.scalar("SELECT ДатаВыдачи FROM Должники").toString(), today);
+        QCOMPARE(db.scalar("SELECT КодДолжника FROM Должники").toInt(), 1);
     }
 
     void refusals_data()
@@ -100,11 +100,8 @@ private slots:
         QFETCH(QString, sql);
         QFETCH(QVariantList, values);
         QFETCH(int, error);
-        {
-            Db db(m_path);
-            db.exec(QStringLiteral(
-                "INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (100, 'Blues disc', 3)"));
-        }
+        Db(m_path).exec(
+            QStringLiteral("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (100, 'Blues disc', 3)"));
         QCOMPARE(errorOf(sql, values), error);
     }
 
@@ -116,14 +113,14 @@ private slots:
         db.exec(
             QStringLiteral("INSERT INTO Должники (КодИмяДолжника, КодДиска, Категория) VALUES (1, 5, 'AD'), "
                            "(1, 6, 'PC'), (2, 7, 'DVD')"));
-        db.exec(QStringLiteral("DELETE FROM ИменаДолжников WHERE КодИмени = 1"));
-        QCOMPARE(db.scalar(QStringLiteral("SELECT count(*) FROM Должники")).toInt(), 1);
+        db.exec("DELETE FROM ИменаДолжников WHERE КодИмени = 1");
+        QCOMPARE(db.scalar("SELECT count(*) FROM Должники").toInt(), 1);
 
-        db.exec(QStringLiteral("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'A', 27)"));
-        db.exec(QStringLiteral("UPDATE Стиль SET КодСтиля = 500 WHERE КодСтиля = 27"));
-        QCOMPARE(db.scalar(QStringLiteral("SELECT КодСтиля FROM Аудио")).toInt(), 500);
-        db.exec(QStringLiteral("DELETE FROM Стиль WHERE КодСтиля = 26"));
-        QCOMPARE(db.scalar(QStringLiteral("SELECT count(*) FROM Стиль")).toInt(), 30);
+        db.exec("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, 'A', 27)");
+        db.exec("UPDATE Стиль SET КодСтиля = 500 WHERE КодСтиля = 27");
+        QCOMPARE(db.scalar("SELECT КодСтиля FROM Аудио").toInt(), 500);
+        db.exec("DELETE FROM Стиль WHERE КодСтиля = 26");
+        QCOMPARE(db.scalar("SELECT count(*) FROM Стиль").toInt(), 30);
     }
 
     void comparisonIgnoresCase_data()
@@ -156,11 +153,11 @@ private slots:
         {
             Db db(m_path);
             for (const char* name : {"Ёлка", "The Doors", "Зина", "50% off", "a_b", "It's \"[x]\""}) {
-                db.exec(QStringLiteral("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, ?, 1)"),
+                db.exec("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, ?, 1)",
                         {QString::fromUtf8(name)});
             }
         }
-        QCOMPARE(column(QStringLiteral("SELECT Название FROM Аудио WHERE ") + where, {value}), found);
+        QCOMPARE(column("SELECT Название FROM Аудио WHERE " + where, {value}), found);
     }
 
     void russianOrder()
@@ -169,15 +166,14 @@ private slots:
             Db db(m_path);
             for (const char* name :
                  {"яблоко", "Ёж", "ель", "Абрикос", "Zeppelin", "жук", "Едва", "я", "Б", "abba"}) {
-                db.exec(QStringLiteral("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, ?, 1)"),
+                db.exec("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (1, ?, 1)",
                         {QString::fromUtf8(name)});
             }
         }
         QCOMPARE(
-            column(QStringLiteral("SELECT Название FROM Аудио ORDER BY Название")),
+            column("SELECT Название FROM Аудио ORDER BY Название"),
             (QStringList{"abba", "Zeppelin", "Абрикос", "Б", "Едва", "Ёж", "ель", "жук", "я", "яблоко"}));
-        QCOMPARE(column(QStringLiteral("SELECT upper(Название) FROM Аудио WHERE Название = 'ЁЖ'")),
-                 QStringList{"ЁЖ"});
+        QCOMPARE(column("SELECT upper(Название) FROM Аудио WHERE Название = 'ЁЖ'"), QStringList{"ЁЖ"});
     }
 
     void jetLike_data()
@@ -215,15 +211,15 @@ private slots:
     void stamps()
     {
         Db db(m_path);
-        QVERIFY(!readStamp(db, QStringLiteral("ПослОбновлАудио")).isValid());
+        QVERIFY(!readStamp(db, "ПослОбновлАудио").isValid());
         StampCatalogueUpdate(db, Category::Dvd, QDate(2026, 1, 2));
         StampCatalogueUpdate(db, Category::Audio, QDate(2026, 1, 3));
         StampBackup(db, QDate(2026, 1, 4));
-        QCOMPARE(db.scalar(QStringLiteral("SELECT count(*) FROM _Информация")).toInt(), 1);
-        QCOMPARE(readStamp(db, QStringLiteral("ПослОбновлDVD")), QDate(2026, 1, 2));
-        QCOMPARE(readStamp(db, QStringLiteral("ПослОбновлАудио")), QDate(2026, 1, 3));
-        QCOMPARE(readStamp(db, QStringLiteral("РезервнаяКопия")), QDate(2026, 1, 4));
-        QVERIFY(!readStamp(db, QStringLiteral("ПослОбновлКомпьютер")).isValid());
+        QCOMPARE(db.scalar("SELECT count(*) FROM _Информация").toInt(), 1);
+        QCOMPARE(readStamp(db, "ПослОбновлDVD"), QDate(2026, 1, 2));
+        QCOMPARE(readStamp(db, "ПослОбновлАудио"), QDate(2026, 1, 3));
+        QCOMPARE(readStamp(db, "РезервнаяКопия"), QDate(2026, 1, 4));
+        QVERIFY(!readStamp(db, "ПослОбновлКомпьютер").isValid());
     }
 
     void openingErrors_data()
@@ -258,7 +254,7 @@ private slots:
     void readOnlyFolderRefusesWriting()
     {
         QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("vinora.db"));
+        const QString path = dir.filePath("vinora.db");
         createMainDatabase(path);
         test::ReadOnlyFolder readOnly(dir.path());
         if (!readOnly.active()) {
@@ -271,7 +267,7 @@ private slots:
             QCOMPARE(e.number(), 3051);
         }
         Db readable(path, Db::Access::ReadOnly);
-        QCOMPARE(readable.scalar(QStringLiteral("SELECT count(*) FROM Жанр")).toInt(), 10);
+        QCOMPARE(readable.scalar("SELECT count(*) FROM Жанр").toInt(), 10);
     }
 };
 
