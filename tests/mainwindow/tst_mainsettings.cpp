@@ -21,7 +21,7 @@ namespace {
 // Shortcuts 1..n named Запрос1.., each with its Num and Category.
 QString shortcutsFile(int count, int listed)
 {
-    QString text = QStringLiteral("[Query]\nCount=") + QString::number(count) + u'\n';
+    QString text = "[Query]\nCount=" + QString::number(count) + u'\n';
     for (int n = 1; n <= listed; ++n) {
         text += QStringLiteral("[%1]\nName=Запрос%1\n").arg(n);
     }
@@ -38,7 +38,7 @@ class tst_mainsettings : public QObject
     Q_OBJECT
 
     QTemporaryDir m_dir;
-    QString path() const { return m_dir.filePath(QStringLiteral("query.ini")); }
+    QString path() const { return m_dir.filePath("query.ini"); }
     IniFile queryIni() const { return IniFile(path()); }
     void writeText(const QString& text) { test::writeFile(path(), cp1251::encode(text)); }
 
@@ -82,12 +82,12 @@ private slots:
     {
         writeText(shortcutsFile(9999, 3));
         const qint64 before = test::readFile(path()).size();
-        QVERIFY(deleteShortcut(queryIni(), QStringLiteral("Запрос1")));
+        QVERIFY(deleteShortcut(queryIni(), "Запрос1"));
         const IniDocument doc = queryIni().load();
         QCOMPARE(shortcutNames(queryIni()), (QStringList{"Запрос2", "Запрос3"}));
-        QCOMPARE(doc.read("Query", "Count", 55), QStringLiteral("9998"));
-        QCOMPARE(doc.read("Запрос2", "Num", 55), QStringLiteral("1"));
-        QCOMPARE(doc.read("Запрос3", "Num", 55), QStringLiteral("2"));
+        QCOMPARE(doc.read("Query", "Count", 55), "9998");
+        QCOMPARE(doc.read("Запрос2", "Num", 55), "1");
+        QCOMPARE(doc.read("Запрос3", "Num", 55), "2");
         // Query, 1, 2 and the two names: no empty sections up to the claimed count.
         QCOMPARE(doc.sectionNames().size(), 5);
         QVERIFY(test::readFile(path()).size() < before);
@@ -99,22 +99,19 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QStringList>("names");
         QTest::addColumn<QString>("count");
-        QTest::newRow("first of three")
-            << shortcutsFile(3, 3) << "Запрос1" << QStringList{"Запрос2", "Запрос3"} << "2";
-        QTest::newRow("middle of three")
-            << shortcutsFile(3, 3) << "Запрос2" << QStringList{"Запрос1", "Запрос3"} << "2";
-        QTest::newRow("last of three")
-            << shortcutsFile(3, 3) << "Запрос3" << QStringList{"Запрос1", "Запрос2"} << "2";
-        QTest::newRow("Num missing: found by its place")
-            << shortcutsFile(3, 3).replace("Num=2\n", "") << "Запрос2" << QStringList{"Запрос1", "Запрос3"}
-            << "2";
-        QTest::newRow("Num pointing elsewhere") << shortcutsFile(3, 3).replace("Num=2\n", "Num=1\n")
-                                                << "Запрос2" << QStringList{"Запрос1", "Запрос3"} << "2";
-        QTest::newRow("Num beyond int") << shortcutsFile(3, 3).replace("Num=2\n", "Num=1e300\n") << "Запрос2"
-                                        << QStringList{"Запрос1", "Запрос3"} << "2";
-        QTest::newRow("not in the list: its section goes, the list stays")
-            << shortcutsFile(2, 2) + "[Чужой]\nNum=1\nCategory=PC\n"
-            << "Чужой" << QStringList{"Запрос1", "Запрос2"} << "2";
+        const auto row = [](const char* tag, const QString& file, const QString& name,
+                            const QStringList& names) { QTest::newRow(tag) << file << name << names << "2"; };
+        const QString three = shortcutsFile(3, 3);
+        const QStringList firstAndLast{"Запрос1", "Запрос3"};
+        row("first of three", three, "Запрос1", {"Запрос2", "Запрос3"});
+        row("middle of three", three, "Запрос2", firstAndLast);
+        row("last of three", three, "Запрос3", {"Запрос1", "Запрос2"});
+        row("Num missing: found by its place", QString(three).replace("Num=2\n", ""), "Запрос2",
+            firstAndLast);
+        row("Num pointing elsewhere", QString(three).replace("Num=2\n", "Num=1\n"), "Запрос2", firstAndLast);
+        row("Num beyond int", QString(three).replace("Num=2\n", "Num=1e300\n"), "Запрос2", firstAndLast);
+        row("not in the list: its section goes, the list stays",
+            shortcutsFile(2, 2) + "[Чужой]\nNum=1\nCategory=PC\n", "Чужой", {"Запрос1", "Запрос2"});
     }
 
     void deletingRenumbers()
@@ -138,9 +135,9 @@ private slots:
 
     void deletingWithoutCountRefuses()
     {
-        writeText(QStringLiteral("[1]\nName=Один\n[Один]\nNum=1\n"));
+        writeText("[1]\nName=Один\n[Один]\nNum=1\n");
         const QByteArray before = test::readFile(path());
-        QVERIFY(!deleteShortcut(queryIni(), QStringLiteral("Один")));
+        QVERIFY(!deleteShortcut(queryIni(), "Один"));
         QCOMPARE(test::readFile(path()), before);
     }
 
@@ -149,7 +146,7 @@ private slots:
         writeText(shortcutsFile(3, 3));
         const QByteArray before = test::readFile(path());
         IniFile::failWriteForTests(1, ENOSPC);
-        QVERIFY_THROWS_EXCEPTION(AppError, deleteShortcut(queryIni(), QStringLiteral("Запрос1")));
+        QVERIFY_THROWS_EXCEPTION(AppError, deleteShortcut(queryIni(), "Запрос1"));
         QCOMPARE(test::readFile(path()), before);
         QCOMPARE(shortcutNames(queryIni()).size(), 3);
     }
@@ -179,7 +176,7 @@ private slots:
         QCOMPARE(shortcutNames(ini), (QStringList{"Первый", name}));
         const auto query = shortcutQuery(ini, name);
         QVERIFY(query.has_value());
-        QCOMPARE(query->category, QStringLiteral("AD"));
+        QCOMPARE(query->category, "AD");
         QCOMPARE(query->condition, "And Название LIKE '*" + name + "*'");
         QVERIFY(deleteShortcut(ini, name));
         QCOMPARE(shortcutNames(ini), QStringList{"Первый"});
@@ -190,7 +187,7 @@ private slots:
 
     void imageOfAnyNameIsRegisteredAndRemoved()
     {
-        const IniFile ini(m_dir.filePath(QStringLiteral("vinora.ini")));
+        const IniFile ini(m_dir.filePath("vinora.ini"));
         QFile::remove(ini.path());
         const QStringList images{"/media/日本語.iso", "/media/диск.iso", "/media/🎵.iso", "/media/100%.iso"};
         for (const QString& image : images) {
@@ -254,7 +251,7 @@ private slots:
         IniFile::failWriteForTests(1, ENOSPC);
         QVERIFY(window.Form_Unload()); // the program still ends
         QCOMPARE(app.prompter.texts().size(), 1);
-        QVERIFY2(app.prompter.texts().first().contains(QStringLiteral("на диске нет свободного места")),
+        QVERIFY2(app.prompter.texts().first().contains("на диске нет свободного места"),
                  qPrintable(app.prompter.texts().first()));
         QVERIFY(app.prompter.texts().first().contains(QDir::toNativeSeparators(app.ctx.IniFilePath)));
         QCOMPARE(test::readFile(app.ctx.IniFilePath), before);
