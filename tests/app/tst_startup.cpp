@@ -244,10 +244,7 @@ private slots:
     {
         Start start;
         Reanimator(start.app.ctx, 0);
-        {
-            Db db(start.app.ctx.MainDBPath);
-            db.exec("INSERT INTO Стиль (Стиль) VALUES ('из копии')");
-        }
+        Db(start.app.ctx.MainDBPath).exec("INSERT INTO Стиль (Стиль) VALUES ('из копии')");
         for (const QString& name : kDatabases) {
             QFile::copy(start.app.file(name), start.app.file("backup_of_" + name));
         }

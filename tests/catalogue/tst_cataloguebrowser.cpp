@@ -43,10 +43,10 @@ struct Catalogue
 
     void add(int number, const QString& name, const QString& year = {}, int dictionary = 1)
     {
-        Db db(app.ctx.MainDBPath);
-        db.exec("INSERT INTO " + quoted(kind().info().table) + " (Номер, Название, Год, Дисков, " +
-                    quoted(kind().dictionaryKey) + ") VALUES (?, ?, ?, 1, ?)",
-                {number, name, year.isEmpty() ? QVariant() : QVariant(year), dictionary});
+        Db(app.ctx.MainDBPath)
+            .exec("INSERT INTO " + quoted(kind().info().table) + " (Номер, Название, Год, Дисков, " +
+                      quoted(kind().dictionaryKey) + ") VALUES (?, ?, ?, 1, ?)",
+                  {number, name, year.isEmpty() ? QVariant() : QVariant(year), dictionary});
     }
     frmCatalogue& open()
     {
@@ -623,10 +623,7 @@ private slots:
     {
         Catalogue c(Category::Dvd);
         c.add(1, "Фильм");
-        {
-            Db db(c.app.ctx.MainDBPath);
-            db.exec("UPDATE DVD SET ФорматЗвука = '2,5,'");
-        }
+        Db(c.app.ctx.MainDBPath).exec("UPDATE DVD SET ФорматЗвука = '2,5,'");
         c.open();
         auto* formats = c.control<QComboBox>("cmbSoundFormat");
         QCOMPARE(formats->count(), 2);
@@ -642,10 +639,7 @@ private slots:
         const QString id = QString::number(readVolumeInfo(cue).serial, 16).toUpper();
         c.add(1, "Один");
         c.add(2, "Два");
-        {
-            Db db(c.app.ctx.MainDBPath);
-            db.exec("UPDATE Аудио SET Дисков = 3, ДискID2_d = ? WHERE Номер = 2", {id});
-        }
+        Db(c.app.ctx.MainDBPath).exec("UPDATE Аудио SET Дисков = 3, ДискID2_d = ? WHERE Номер = 2", {id});
         c.app.ctx.ini().write("Option", "AutoResp", "1");
         c.app.ctx.ini().write("Option", "Drive", cue);
         frmCatalogue& w = c.open();

@@ -33,13 +33,11 @@ struct Editing
 
     QVariant value(const QString& sql, const QVariantList& values = {})
     {
-        Db db(app.ctx.MainDBPath);
-        return db.scalar(sql, values);
+        return Db(app.ctx.MainDBPath).scalar(sql, values);
     }
     void exec(const QString& sql, const QVariantList& values = {})
     {
-        Db db(app.ctx.MainDBPath);
-        db.exec(sql, values);
+        Db(app.ctx.MainDBPath).exec(sql, values);
     }
     void addRow(Category category, int number, const QString& name)
     {

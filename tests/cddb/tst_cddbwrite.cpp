@@ -33,8 +33,7 @@ struct Writing
     }
     QVariant value(const QString& sql, const QVariantList& values = {}) const
     {
-        Db db(app.ctx.MainDBPath);
-        return db.scalar(sql, values);
+        return Db(app.ctx.MainDBPath).scalar(sql, values);
     }
     QStringList tracks() const
     {
@@ -141,10 +140,8 @@ private slots:
     void existingDiscGetsItsPlaceInTheSet()
     {
         Writing w;
-        {
-            Db db(w.app.ctx.MainDBPath);
-            db.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля) VALUES (7, 'Set', 3, 1)");
-        }
+        Db(w.app.ctx.MainDBPath)
+            .exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля) VALUES (7, 'Set', 3, 1)");
         w.app.ctx.CDDBUpdateRow = true;
         w.app.ctx.CDDBDiscInSet = 3;
         QCOMPARE(w.write(record("rock", "", "", {"a", "b"}), 120), CddbWrite::Written);
@@ -159,10 +156,8 @@ private slots:
     void pendingShiftRunsWithTheNewRow()
     {
         Writing w;
-        {
-            Db db(w.app.ctx.MainDBPath);
-            db.exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля) VALUES (7, 'Old', 1, 1)");
-        }
+        Db(w.app.ctx.MainDBPath)
+            .exec("INSERT INTO Аудио (Номер, Название, Дисков, КодСтиля) VALUES (7, 'Old', 1, 1)");
         int coversFrom = 0;
         w.shift.numbers = [](const Db& db, int start) {
             db.exec("UPDATE Аудио SET Номер = Номер + 1 WHERE Номер >= ?", {start});
@@ -237,11 +232,9 @@ private slots:
         QVERIFY(!CreateTrackTable(w.app.ctx, w.app.ctx.CurrentDiscID, false));
         // An orphan makes room without a question.
         QVERIFY(CreateTrackTable(w.app.ctx, w.app.ctx.CurrentDiscID, true));
-        {
-            Db db(w.app.ctx.MainDBPath);
-            db.exec("INSERT INTO Аудио (Номер, Дисков, КодСтиля, ДискID2) VALUES (1, 2, 1, ?)",
-                    {w.app.ctx.CurrentDiscID});
-        }
+        Db(w.app.ctx.MainDBPath)
+            .exec("INSERT INTO Аудио (Номер, Дисков, КодСтиля, ДискID2) VALUES (1, 2, 1, ?)",
+                  {w.app.ctx.CurrentDiscID});
         QVERIFY(!CreateTrackTable(w.app.ctx, w.app.ctx.CurrentDiscID, true));
         QCOMPARE(w.app.prompter.texts(),
                  QStringList{"Серийный номер этого диска совпадает с уже существующим серийным номером!"});

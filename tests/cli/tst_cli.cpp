@@ -391,11 +391,9 @@ private slots:
     {
         Home home;
         home.makeDatabases();
-        {
-            Db db(home.mainDb());
-            db.exec("INSERT INTO Аудио (Номер, Название, Альбом, Дисков, КодСтиля) VALUES (12, 'Кино', "
-                    "'Группа крови', 1, 1)");
-        }
+        Db(home.mainDb())
+            .exec("INSERT INTO Аудио (Номер, Название, Альбом, Дисков, КодСтиля) VALUES (12, 'Кино', "
+                  "'Группа крови', 1, 1)");
         const QString today = QDate::currentDate().toString(Qt::ISODate);
         const QString until = QDate::currentDate().addDays(3).toString(Qt::ISODate);
         const QString name = "O'Brien \"Бес\" [1]";

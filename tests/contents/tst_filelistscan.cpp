@@ -279,11 +279,8 @@ private slots:
     {
         test::TestApp app;
         Reanimator(app.ctx, 0);
-        {
-            Db db(app.ctx.MainDBPath);
-            db.exec(
-                "INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков) VALUES (7, 'Сборник', 1, 2)");
-        }
+        Db(app.ctx.MainDBPath)
+            .exec("INSERT INTO Компьютер (Номер, Название, КодОписания, Дисков) VALUES (7, 'Сборник', 1, 2)");
         const QString id = QString::number(readVolumeInfo(m_image).serial, 16).toUpper();
         ScanRequest request{
             m_image, "PcCD", id,  ScanOptions{false, false, false, false, false, false, std::nullopt},
@@ -327,10 +324,8 @@ private slots:
     {
         test::TestApp app;
         Reanimator(app.ctx, 0);
-        {
-            Db db(app.ctx.MainDBPath);
-            db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (5, 'Битый', 1)");
-        }
+        Db(app.ctx.MainDBPath)
+            .exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (5, 'Битый', 1)");
         QByteArray image = test::readFile(m_image);
         // The Joliet tree's "DOCS" made to point back at the root: a cycle.
         quint32 root = 0;
@@ -428,10 +423,8 @@ private slots:
     {
         test::TestApp app;
         Reanimator(app.ctx, 0);
-        {
-            Db db(app.ctx.MainDBPath);
-            db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (3, 'Диск', 1)");
-        }
+        Db(app.ctx.MainDBPath)
+            .exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (3, 'Диск', 1)");
         const auto cli = [&](const QStringList& arguments) {
             return test::runCli(app.folder.path(), arguments);
         };

@@ -77,8 +77,7 @@ struct Tracks
     }
     QVariant disc(const QString& field) const
     {
-        Db db(app.ctx.MainDBPath);
-        return db.scalar("SELECT " + quoted(field) + " FROM Аудио WHERE Номер = 7");
+        return Db(app.ctx.MainDBPath).scalar("SELECT " + quoted(field) + " FROM Аудио WHERE Номер = 7");
     }
     Rows stored(const QString& id, const QString& field = "Название") const
     {
@@ -785,10 +784,7 @@ private slots:
         QFETCH(bool, doubleClick);
         Tracks t;
         const QString id = t.insert(m_discs.audioCue("catalog", {1500, 1500, 1500}));
-        {
-            Db db(t.app.ctx.MainDBPath);
-            db.exec("UPDATE Аудио SET ДискID2 = 'OLD2'");
-        }
+        Db(t.app.ctx.MainDBPath).exec("UPDATE Аудио SET ДискID2 = 'OLD2'");
         if (doubleClick) {
             t.app.ctx.ini().write("Option", "DblClick", "1");
         }

@@ -14,7 +14,7 @@ class tst_settings : public QObject
     Q_OBJECT
 
     QTemporaryDir m_dir;
-    QString path() const { return m_dir.filePath(QStringLiteral("vinora.ini")); }
+    QString path() const { return m_dir.filePath("vinora.ini"); }
     IniFile ini() const { return IniFile(path()); }
     void writeText(const QString& text) { test::writeFile(path(), cp1251::encode(text)); }
 
@@ -67,41 +67,40 @@ private slots:
 
     void missingOrBinaryFileReadsAsEmpty()
     {
-        QCOMPARE(ini().read(QStringLiteral("Option"), QStringLiteral("ConfirmExit"), 5), QString());
+        QCOMPARE(ini().read("Option", "ConfirmExit", 5), QString());
         QByteArray garbage;
         for (int i = 0; i < 4096; ++i) {
             garbage.append(static_cast<char>((i * 7919) % 256));
         }
         test::writeFile(path(), garbage);
-        QCOMPARE(ini().read(QStringLiteral("Option"), QStringLiteral("ConfirmExit"), 5), QString());
-        ini().write(QStringLiteral("Option"), QStringLiteral("ConfirmExit"), QStringLiteral("0"));
-        QCOMPARE(ini().read(QStringLiteral("Option"), QStringLiteral("ConfirmExit"), 5), QStringLiteral("0"));
+        QCOMPARE(ini().read("Option", "ConfirmExit", 5), QString());
+        ini().write("Option", "ConfirmExit", "0");
+        QCOMPARE(ini().read("Option", "ConfirmExit", 5), "0");
     }
 
     void writeKeepsFileInCodePage1251()
     {
-        ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), QStringLiteral("/home/Пётр"));
+        ini().write("Option", "PathLocalDB", "/home/Пётр");
         const QByteArray bytes = test::readFile(path());
         QVERIFY(bytes.contains("PathLocalDB=/home/\xCF\xB8\xF2\xF0"));
-        QCOMPARE(ini().read(QStringLiteral("option"), QStringLiteral("pathlocaldb"), 255),
-                 QStringLiteral("/home/Пётр"));
+        QCOMPARE(ini().read("option", "pathlocaldb", 255), "/home/Пётр");
     }
 
     void writeReplacesInsertsAndRemoves()
     {
-        writeText(QStringLiteral("[Option]\nconfirmexit=1\n\n[Window]\nState=0\n"));
-        ini().write(QStringLiteral("Option"), QStringLiteral("ConfirmExit"), QStringLiteral("0"));
-        ini().write(QStringLiteral("Option"), QStringLiteral("Drive"), QStringLiteral("/dev/sr0"));
-        ini().write(QStringLiteral("Sorted"), QStringLiteral("ADCDsorted"), QStringLiteral("2"));
+        writeText("[Option]\nconfirmexit=1\n\n[Window]\nState=0\n");
+        ini().write("Option", "ConfirmExit", "0");
+        ini().write("Option", "Drive", "/dev/sr0");
+        ini().write("Sorted", "ADCDsorted", "2");
         QCOMPARE(
             cp1251::decode(test::readFile(path())),
             QStringLiteral(
                 "[Option]\nConfirmExit=0\nDrive=/dev/sr0\n\n[Window]\nState=0\n[Sorted]\nADCDsorted=2\n"));
 
-        ini().removeKey(QStringLiteral("option"), QStringLiteral("drive"));
-        ini().removeSection(QStringLiteral("WINDOW"));
+        ini().removeKey("option", "drive");
+        ini().removeSection("WINDOW");
         QCOMPARE(cp1251::decode(test::readFile(path())),
-                 QStringLiteral("[Option]\nConfirmExit=0\n\n[Sorted]\nADCDsorted=2\n"));
+                 "[Option]\nConfirmExit=0\n\n[Sorted]\nADCDsorted=2\n");
     }
 
     void numericPrefix_data()
@@ -142,7 +141,7 @@ private slots:
 
     void windowPlacementMissingKeysStayEmpty()
     {
-        writeText(QStringLiteral("[Window]\nLeft=12abc\nWidth=\n"));
+        writeText("[Window]\nLeft=12abc\nWidth=\n");
         const WindowPlacement placement = LoadWinPos(ini());
         QVERIFY(!placement.state);
         QCOMPARE(placement.left, std::optional<double>(12));

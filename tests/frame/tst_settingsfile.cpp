@@ -47,8 +47,8 @@ QStringList leftovers(const QString& folder)
 {
     // Only the settings file and its lock file may stand there.
     QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden);
-    names.removeAll(QStringLiteral("vinora.ini"));
-    names.removeAll(QStringLiteral(".vinora.ini.lock"));
+    names.removeAll("vinora.ini");
+    names.removeAll(".vinora.ini.lock");
     return names;
 }
 
@@ -59,7 +59,7 @@ class tst_settingsfile : public QObject
     Q_OBJECT
 
     QTemporaryDir m_dir;
-    QString path() const { return m_dir.filePath(QStringLiteral("vinora.ini")); }
+    QString path() const { return m_dir.filePath("vinora.ini"); }
     IniFile ini() const { return IniFile(path()); }
 
 private slots:
@@ -78,7 +78,7 @@ private slots:
         QTest::addColumn<int>("nthWrite");
         QTest::addColumn<int>("error");
         QTest::addColumn<QString>("reason");
-        const QString full = QStringLiteral("на диске нет свободного места");
+        const QString full = "на диске нет свободного места";
         QTest::newRow("write, first block") << "write" << 1 << ENOSPC << full;
         QTest::newRow("write, after a block went out") << "write" << 2 << ENOSPC << full;
         QTest::newRow("write, quota") << "write" << 1 << EDQUOT << QString("превышена дисковая квота");
@@ -99,11 +99,11 @@ private slots:
         IniFile::failWriteForTests(nthWrite, error);
         const auto failure = failureOf([&] {
             if (change == u"write") {
-                ini().write(QStringLiteral("Toolbars"), QStringLiteral("LastAction"), QStringLiteral("2"));
+                ini().write("Toolbars", "LastAction", "2");
             } else if (change == u"removeKey") {
-                ini().removeKey(QStringLiteral("Option"), QStringLiteral("ConfirmExit"));
+                ini().removeKey("Option", "ConfirmExit");
             } else if (change == u"removeSection") {
-                ini().removeSection(QStringLiteral("Window"));
+                ini().removeSection("Window");
             } else {
                 SaveWinPos(ini(), 0, 300, 450, 7200, 9600);
             }
@@ -117,10 +117,9 @@ private slots:
         QCOMPARE(leftovers(m_dir.path()), QStringList());
 
         // The next write, with room again, goes through.
-        ini().write(QStringLiteral("Toolbars"), QStringLiteral("LastAction"), QStringLiteral("2"));
-        QCOMPARE(ini().read(QStringLiteral("Toolbars"), QStringLiteral("LastAction"), 5),
-                 QStringLiteral("2"));
-        QCOMPARE(ini().read(QStringLiteral("400"), QStringLiteral("Name"), 55), QStringLiteral("Запрос400"));
+        ini().write("Toolbars", "LastAction", "2");
+        QCOMPARE(ini().read("Toolbars", "LastAction", 5), "2");
+        QCOMPARE(ini().read("400", "Name", 55), "Запрос400");
     }
 
     void fullDiskKeepsTheOldFile()
@@ -133,13 +132,13 @@ private slots:
                   "path");
         }
         const auto unmount = qScopeGuard([&] { ::umount2(where.constData(), MNT_DETACH); });
-        const QString settings = QDir(mountPoint.path()).filePath(QStringLiteral("vinora.ini"));
+        const QString settings = QDir(mountPoint.path()).filePath("vinora.ini");
         const QByteArray old = oldSettings();
         test::writeFile(settings, old);
         QCOMPARE(test::readFile(settings), old);
         // Fill what is left, so the new copy of the file cannot be written whole.
         {
-            QFile filler(QDir(mountPoint.path()).filePath(QStringLiteral("filler")));
+            QFile filler(QDir(mountPoint.path()).filePath("filler"));
             QVERIFY(filler.open(QIODevice::WriteOnly));
             const QByteArray block(1024, 'x');
             while (filler.write(block) == block.size() && filler.flush()) {
@@ -147,13 +146,10 @@ private slots:
         }
         const IniFile file(settings);
         for (int attempt = 0; attempt < 3; ++attempt) {
-            const auto failure = failureOf([&] {
-                file.write(QStringLiteral("VirtualDrives"), QStringLiteral("Image1"),
-                           QStringLiteral("/x.iso"));
-            });
+            const auto failure = failureOf([&] { file.write("VirtualDrives", "Image1", "/x.iso"); });
             QVERIFY(failure.has_value());
             QCOMPARE(failure->number(), err::PathFileAccess);
-            QVERIFY2(failure->description().contains(QStringLiteral("на диске нет свободного места")),
+            QVERIFY2(failure->description().contains("на диске нет свободного места"),
                      qPrintable(failure->description()));
             QCOMPARE(test::readFile(settings), old);
         }
@@ -162,15 +158,13 @@ private slots:
     void readOnlyFolderRefusesAndKeeps()
     {
         QTemporaryDir folder;
-        const QString settings = QDir(folder.path()).filePath(QStringLiteral("vinora.ini"));
+        const QString settings = QDir(folder.path()).filePath("vinora.ini");
         test::writeFile(settings, "[Option]\nConfirmExit=0\n");
         test::ReadOnlyFolder readOnly(folder.path());
         if (!readOnly.active()) {
             QSKIP("this machine cannot make a folder read-only");
         }
-        const auto failure = failureOf([&] {
-            IniFile(settings).write(QStringLiteral("Option"), QStringLiteral("Drive"), QStringLiteral("x"));
-        });
+        const auto failure = failureOf([&] { IniFile(settings).write("Option", "Drive", "x"); });
         QVERIFY(failure.has_value());
         QCOMPARE(failure->number(), err::PathFileAccess);
         QCOMPARE(test::readFile(settings), QByteArray("[Option]\nConfirmExit=0\n"));
@@ -181,9 +175,9 @@ private slots:
         test::writeFile(path(), "[Option]\nConfirmExit=0\n");
         const quint64 inode = test::inodeOf(path());
         IniFile::failWriteForTests(1, ENOSPC); // would throw if anything were written
-        ini().write(QStringLiteral("Option"), QStringLiteral("ConfirmExit"), QStringLiteral("0"));
-        ini().removeKey(QStringLiteral("Option"), QStringLiteral("Missing"));
-        ini().removeSection(QStringLiteral("Missing"));
+        ini().write("Option", "ConfirmExit", "0");
+        ini().removeKey("Option", "Missing");
+        ini().removeSection("Missing");
         QCOMPARE(test::inodeOf(path()), inode);
     }
 
@@ -194,7 +188,7 @@ private slots:
         constexpr int kEach = 120;
         const auto writer = [this](const QString& prefix) {
             for (int i = 0; i < kEach; ++i) {
-                ini().write(QStringLiteral("Shared"), prefix + QString::number(i), QString::number(i));
+                ini().write("Shared", prefix + QString::number(i), QString::number(i));
             }
         };
         // The other writer is a process of its own, as vinora-cli beside the window.
@@ -202,14 +196,14 @@ private slots:
         QVERIFY(child >= 0);
         if (child == 0) {
             try {
-                writer(QStringLiteral("cli"));
+                writer("cli");
             } catch (...) {
                 ::_exit(2);
             }
             ::_exit(0);
         }
-        std::thread second([&] { writer(QStringLiteral("thread")); });
-        writer(QStringLiteral("window"));
+        std::thread second([&] { writer("thread"); });
+        writer("window");
         second.join();
         int status = 0;
         QCOMPARE(::waitpid(child, &status, 0), child);
@@ -217,9 +211,8 @@ private slots:
         const IniDocument doc = ini().load();
         for (const char* prefix : {"cli", "thread", "window"}) {
             for (int i = 0; i < kEach; ++i) {
-                QCOMPARE(
-                    doc.read(QStringLiteral("Shared"), QString::fromLatin1(prefix) + QString::number(i), 10),
-                    QString::number(i));
+                QCOMPARE(doc.read("Shared", QString::fromLatin1(prefix) + QString::number(i), 10),
+                         QString::number(i));
             }
         }
     }
@@ -259,8 +252,8 @@ private slots:
         QFETCH(QString, value);
         QFETCH(QByteArray, line);
         test::writeFile(path(), "[VirtualDrives]\nImage0=keep\n[Option]\nDrive=/dev/sr0\n");
-        ini().write(QStringLiteral("VirtualDrives"), QStringLiteral("Image1"), value);
-        QCOMPARE(ini().read(QStringLiteral("VirtualDrives"), QStringLiteral("Image1"), 4096), value);
+        ini().write("VirtualDrives", "Image1", value);
+        QCOMPARE(ini().read("VirtualDrives", "Image1", 4096), value);
         const QList<QByteArray> lines = test::readFile(path()).split('\n');
         QCOMPARE(lines.size(), 6);
         if (line.isEmpty()) {
@@ -273,11 +266,9 @@ private slots:
             QCOMPARE(lines[2], line);
         }
         // Everything else reads as before.
-        QCOMPARE(ini().read(QStringLiteral("VirtualDrives"), QStringLiteral("Image0"), 255),
-                 QStringLiteral("keep"));
-        QCOMPARE(ini().read(QStringLiteral("Option"), QStringLiteral("Drive"), 255),
-                 QStringLiteral("/dev/sr0"));
-        QCOMPARE(ini().read(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), 255), QString());
+        QCOMPARE(ini().read("VirtualDrives", "Image0", 255), "keep");
+        QCOMPARE(ini().read("Option", "Drive", 255), "/dev/sr0");
+        QCOMPARE(ini().read("Option", "PathLocalDB", 255), QString());
     }
 
     void namesRoundTrip_data()
@@ -300,13 +291,13 @@ private slots:
     {
         QFETCH(QString, section);
         QFETCH(QString, key);
-        ini().write(section, key, QStringLiteral("value"));
-        ini().write(QStringLiteral("Other"), QStringLiteral("k"), QStringLiteral("other"));
-        QCOMPARE(ini().read(section, key, 255), QStringLiteral("value"));
+        ini().write(section, key, "value");
+        ini().write("Other", "k", "other");
+        QCOMPARE(ini().read(section, key, 255), "value");
         QVERIFY(ini().load().sectionNames().contains(section));
-        QCOMPARE(ini().read(QStringLiteral("Other"), QStringLiteral("k"), 255), QStringLiteral("other"));
-        ini().write(section, key, QStringLiteral("changed"));
-        QCOMPARE(ini().read(section, key, 255), QStringLiteral("changed"));
+        QCOMPARE(ini().read("Other", "k", 255), "other");
+        ini().write(section, key, "changed");
+        QCOMPARE(ini().read(section, key, 255), "changed");
         QCOMPARE(ini().load().sectionNames().count(section), 1);
         ini().removeSection(section);
         QCOMPARE(ini().read(section, key, 255), QString());
@@ -328,7 +319,7 @@ private slots:
         QFETCH(QByteArray, stored);
         QFETCH(QString, expected);
         test::writeFile(path(), "[S]\nk=" + stored + "\n");
-        QCOMPARE(ini().read(QStringLiteral("S"), QStringLiteral("k"), 255), expected);
+        QCOMPARE(ini().read("S", "k", 255), expected);
     }
 
     // ---- lines we did not write stay as they were ----------------------------------------------
@@ -375,7 +366,7 @@ private slots:
         QFETCH(QByteArray, before);
         QFETCH(QByteArray, after);
         test::writeFile(path(), before);
-        ini().write(QStringLiteral("Option"), QStringLiteral("Drive"), QStringLiteral("/dev/sr1"));
+        ini().write("Option", "Drive", "/dev/sr1");
         QCOMPARE(test::readFile(path()), after);
     }
 
@@ -383,8 +374,8 @@ private slots:
     {
         // Read and written back by a screen, as the options dialog does with every key.
         test::writeFile(path(), "[Option]\nPathLocalDB=/data/\x98\xC0\n");
-        const QString value = ini().read(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), 255);
-        ini().write(QStringLiteral("Option"), QStringLiteral("PathLocalDB"), value + QStringLiteral("/x"));
+        const QString value = ini().read("Option", "PathLocalDB", 255);
+        ini().write("Option", "PathLocalDB", value + "/x");
         QCOMPARE(test::readFile(path()), QByteArray("[Option]\nPathLocalDB=/data/\x98\xC0/x\n"));
     }
 
@@ -431,9 +422,9 @@ private slots:
         QFETCH(QString, left);
         QFETCH(QString, top);
         QFETCH(QRect, expected);
-        test::writeFile(path(), cp1251::encode(QString(
-                                    QStringLiteral("[Window]\nState=99999999999999\nHeight=") + height +
-                                    "\nWidth=" + width + "\nLeft=" + left + "\nTop=" + top + "\n")));
+        test::writeFile(
+            path(), cp1251::encode(QString("[Window]\nState=99999999999999\nHeight=" + height +
+                                           "\nWidth=" + width + "\nLeft=" + left + "\nTop=" + top + "\n")));
         const WindowPlacement placement = LoadWinPos(ini());
         QCOMPARE(placedState(placement), 0);
         const QRect available(0, 0, 1920, 1040);
@@ -465,7 +456,7 @@ private slots:
     {
         QFETCH(QString, stored);
         QFETCH(int, state);
-        test::writeFile(path(), cp1251::encode(QString(QStringLiteral("[Window]\nState=") + stored + "\n")));
+        test::writeFile(path(), cp1251::encode(QString("[Window]\nState=" + stored + "\n")));
         QCOMPARE(placedState(LoadWinPos(ini())), state);
     }
 };

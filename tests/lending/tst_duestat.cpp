@@ -77,11 +77,7 @@ struct Shelf
                      past.returned.isEmpty() ? kTrue : kFalse});
         }
     }
-    void exec(const QString& sql) const
-    {
-        Db db(app.ctx.MainDBPath);
-        db.exec(sql);
-    }
+    void exec(const QString& sql) const { Db(app.ctx.MainDBPath).exec(sql); }
 
     test::TestApp app;
 };

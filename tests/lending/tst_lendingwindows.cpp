@@ -38,11 +38,7 @@ struct Shelf
         Db db(app.ctx.MainDBPath);
         return *findLoanDisc(db, Category::Audio, 12);
     }
-    QVariant scalar(const QString& sql) const
-    {
-        Db db(app.ctx.MainDBPath);
-        return db.scalar(sql);
-    }
+    QVariant scalar(const QString& sql) const { return Db(app.ctx.MainDBPath).scalar(sql); }
 
     test::TestApp app;
 };

@@ -56,14 +56,9 @@ struct Shelf
     }
     QVariant scalar(const QString& sql, const QVariantList& values = {}) const
     {
-        Db db(app.ctx.MainDBPath);
-        return db.scalar(sql, values);
+        return Db(app.ctx.MainDBPath).scalar(sql, values);
     }
-    void exec(const QString& sql) const
-    {
-        Db db(app.ctx.MainDBPath);
-        db.exec(sql);
-    }
+    void exec(const QString& sql) const { Db(app.ctx.MainDBPath).exec(sql); }
     int loans() const { return scalar("SELECT COUNT(*) FROM Должники").toInt(); }
     int openLoans() const { return scalar("SELECT COUNT(*) FROM Должники WHERE Долг <> 0").toInt(); }
 

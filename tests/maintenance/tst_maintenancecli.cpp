@@ -57,10 +57,7 @@ private slots:
         QCOMPARE(test::valueOf(home.file("vinora.db"), "SELECT РезервнаяКопия FROM _Информация").toString(),
                  date);
 
-        {
-            Db files(home.file("vinora_files.db"));
-            files.exec("DELETE FROM Фильтр1");
-        }
+        Db(home.file("vinora_files.db")).exec("DELETE FROM Фильтр1");
         run = home.cli({"compact"});
         QCOMPARE(run.code, 0);
         QVERIFY2(run.out.startsWith("Операция успешно завершена! Файлы базы данных"), qPrintable(run.out));

@@ -140,10 +140,7 @@ private slots:
         QFETCH(int, option);
         QFETCH(QString, question);
         Repair r;
-        {
-            Db files(r.app.ctx.FilesDBPath);
-            files.exec("DELETE FROM Фильтр1");
-        }
+        Db(r.app.ctx.FilesDBPath).exec("DELETE FROM Фильтр1");
         const QString table = option == 1 ? QString("Компьютер") : QString("Аудио");
         const QString contents = option == 1 ? r.app.ctx.FilesDBPath : r.app.ctx.TracksDBPath;
         const QString other = option == 1 ? r.app.ctx.TracksDBPath : r.app.ctx.FilesDBPath;

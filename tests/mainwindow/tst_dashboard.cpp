@@ -45,8 +45,7 @@ struct Dashboard
 
     void exec(const QString& sql, const QVariantList& values = {})
     {
-        Db db(app.ctx.MainDBPath);
-        db.exec(sql, values);
+        Db(app.ctx.MainDBPath).exec(sql, values);
     }
     QVariant scalar(const QString& sql) const { return Db(app.ctx.MainDBPath).scalar(sql); }
     // Audio disc `number` of one disc, bound to `image`.
@@ -628,7 +627,7 @@ private slots:
         QVERIFY(w.timer("tmrCheckCD").isActive()); // the watch goes on, whatever the answer
         // Only the disc in the drive is written: no entry without an identifier, no other disc.
         const QString stored = QString::fromUtf8(test::readFile(d.app.ctx.appFolder() + "/skipcd.ini"));
-        QVERIFY2(!stored.contains(QStringLiteral("\n=")) && !stored.startsWith(u'='), qPrintable(stored));
+        QVERIFY2(!stored.contains("\n=") && !stored.startsWith(u'='), qPrintable(stored));
         QVERIFY(!stored.contains("DEADBEEF"));
     }
 

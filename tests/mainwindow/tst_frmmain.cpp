@@ -48,20 +48,19 @@ struct Window
 void leaveFreePages(const QString& path)
 {
     Db db(path);
-    db.exec(QStringLiteral("CREATE TABLE Мусор (Текст TEXT)"));
+    db.exec("CREATE TABLE Мусор (Текст TEXT)");
     Transaction transaction(db);
-    Statement insert(db, QStringLiteral("INSERT INTO Мусор VALUES (?)"));
+    Statement insert(db, "INSERT INTO Мусор VALUES (?)");
     for (int i = 0; i < 2000; ++i) {
         insert.run({QString(200, u'ж')});
     }
     transaction.commit();
-    db.exec(QStringLiteral("DROP TABLE Мусор"));
+    db.exec("DROP TABLE Мусор");
 }
 
 qint64 freePages(const QString& path)
 {
-    Db db(path);
-    return db.scalar(QStringLiteral("PRAGMA freelist_count")).toLongLong();
+    return Db(path).scalar("PRAGMA freelist_count").toLongLong();
 }
 
 } // namespace
@@ -74,25 +73,25 @@ private slots:
     void loadShowsCaptionDateAndPlace()
     {
         Window w;
-        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Left"), QStringLiteral("1500"));
-        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Top"), QStringLiteral("750abc"));
-        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("Width"), QStringLiteral("10500"));
+        w.app.ctx.ini().write("Window", "Left", "1500");
+        w.app.ctx.ini().write("Window", "Top", "750abc");
+        w.app.ctx.ini().write("Window", "Width", "10500");
         frmMain window(w.app.ctx);
         const QSize designed = window.size();
         window.Form_Load();
-        QCOMPARE(window.windowTitle(), QStringLiteral("vinora 1.0"));
-        QCOMPARE(window.statusPanelText(4), QStringLiteral("22 ноября (воскресенье)"));
-        QCOMPARE(window.statusPanelText(1), QStringLiteral("База данных - локальная"));
+        QCOMPARE(window.windowTitle(), "vinora 1.0");
+        QCOMPARE(window.statusPanelText(4), "22 ноября (воскресенье)");
+        QCOMPARE(window.statusPanelText(1), "База данных - локальная");
         QCOMPARE(window.pos(), QPoint(100, 50));
         QCOMPARE(window.width(), 700); // the place and size fit the offscreen screen of 800 x 600
         QCOMPARE(window.height(), designed.height()); // no Height key: as designed
-        QCOMPARE(frmSplashMain::labelText().section(u'\n', 0, 0), QStringLiteral("vinora 1.0 build 1"));
+        QCOMPARE(frmSplashMain::labelText().section(u'\n', 0, 0), "vinora 1.0 build 1");
     }
 
     void storedStateMaximises()
     {
         Window w;
-        w.app.ctx.ini().write(QStringLiteral("Window"), QStringLiteral("State"), QStringLiteral("2"));
+        w.app.ctx.ini().write("Window", "State", "2");
         frmMain window(w.app.ctx);
         window.Form_Load();
         QVERIFY(window.windowState().testFlag(Qt::WindowMaximized));
@@ -117,7 +116,7 @@ private slots:
         QFETCH(bool, asked);
         Window w;
         if (confirmExit != u"-") {
-            w.set(QStringLiteral("ConfirmExit"), confirmExit);
+            w.set("ConfirmExit", confirmExit);
         }
         frmMain window(w.app.ctx);
         window.Form_Load();
@@ -143,7 +142,7 @@ private slots:
     void exitStoresThePlace()
     {
         Window w;
-        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
+        w.set("ConfirmExit", "0");
         {
             frmMain window(w.app.ctx);
             window.Form_Load();
@@ -164,35 +163,35 @@ private slots:
     void toolbarLayoutSurvives()
     {
         Window w;
-        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
+        w.set("ConfirmExit", "0");
         {
             frmMain window(w.app.ctx);
             window.Form_Load();
             window.show();
-            QVERIFY(window.toolbar(QStringLiteral("tbDue"))->isVisible());
-            window.action(QStringLiteral("ID_View_Toolbars_Due"))->trigger();
-            QVERIFY(!window.toolbar(QStringLiteral("tbDue"))->isVisible());
-            QVERIFY(!window.action(QStringLiteral("ID_View_Toolbars_Due"))->isChecked());
-            window.runCommand(QStringLiteral("ID_Panel")); // the vinora panel off
+            QVERIFY(window.toolbar("tbDue")->isVisible());
+            window.action("ID_View_Toolbars_Due")->trigger();
+            QVERIFY(!window.toolbar("tbDue")->isVisible());
+            QVERIFY(!window.action("ID_View_Toolbars_Due")->isChecked());
+            window.runCommand("ID_Panel"); // the vinora panel off
             QVERIFY(window.Form_Unload());
         }
-        QVERIFY(QFileInfo::exists(w.app.file(QStringLiteral("vinora.atb"))));
+        QVERIFY(QFileInfo::exists(w.app.file("vinora.atb")));
         frmMain window(w.app.ctx);
         window.Form_Load();
         window.show();
-        QVERIFY(!window.toolbar(QStringLiteral("tbDue"))->isVisible());
-        QVERIFY(window.toolbar(QStringLiteral("tbCatalog"))->isVisible());
-        QVERIFY(!window.action(QStringLiteral("ID_View_Toolbars_Due"))->isChecked());
-        QVERIFY(!window.action(QStringLiteral("ID_Panel"))->isChecked());
-        QVERIFY(!window.findChild<QWidget*>(QStringLiteral("SSListBar"))->isVisible());
+        QVERIFY(!window.toolbar("tbDue")->isVisible());
+        QVERIFY(window.toolbar("tbCatalog")->isVisible());
+        QVERIFY(!window.action("ID_View_Toolbars_Due")->isChecked());
+        QVERIFY(!window.action("ID_Panel")->isChecked());
+        QVERIFY(!window.findChild<QWidget*>("SSListBar")->isVisible());
 
         // A layout file that is not ours leaves the designed layout.
         test::writeFile(window.toolbarLayoutPath(), "garbage");
         frmMain fresh(w.app.ctx);
         fresh.Form_Load();
         fresh.show();
-        QVERIFY(fresh.toolbar(QStringLiteral("tbDue"))->isVisible());
-        QVERIFY(fresh.action(QStringLiteral("ID_Panel"))->isChecked());
+        QVERIFY(fresh.toolbar("tbDue")->isVisible());
+        QVERIFY(fresh.action("ID_Panel")->isChecked());
     }
 
     // Every command of the menus, the logos' menus, the tool bars and the vinora panel works
@@ -280,9 +279,9 @@ private slots:
         QFETCH(QString, setting);
         QFETCH(bool, compacted);
         Window w;
-        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
+        w.set("ConfirmExit", "0");
         if (setting != u"-") {
-            w.set(QStringLiteral("AutoCompactDatabase"), setting);
+            w.set("AutoCompactDatabase", setting);
         }
         leaveFreePages(w.app.ctx.FilesDBPath);
         const QStringList paths = {w.app.ctx.MainDBPath, w.app.ctx.FilesDBPath, w.app.ctx.TracksDBPath};
@@ -297,20 +296,18 @@ private slots:
         for (int i = 0; i < paths.size(); ++i) {
             QCOMPARE(test::inodeOf(paths[i]), before[i]); // compacted in place, never replaced
         }
-        QCOMPARE(
-            QDir(w.app.folder.path())
-                .entryList({QStringLiteral("~*"), QStringLiteral(".*.part")}, QDir::Files | QDir::Hidden),
-            QStringList());
+        QCOMPARE(QDir(w.app.folder.path()).entryList({"~*", ".*.part"}, QDir::Files | QDir::Hidden),
+                 QStringList());
         Db db(w.app.ctx.MainDBPath);
-        QCOMPARE(db.scalar(QStringLiteral("SELECT count(*) FROM Стиль")).toInt(), 31);
+        QCOMPARE(db.scalar("SELECT count(*) FROM Стиль").toInt(), 31);
         QCOMPARE(w.app.prompter.texts(), QStringList());
     }
 
     void compactionWaitsForAnotherWriter()
     {
         Window w;
-        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
-        w.set(QStringLiteral("AutoCompactDatabase"), QStringLiteral("1"));
+        w.set("ConfirmExit", "0");
+        w.set("AutoCompactDatabase", "1");
         leaveFreePages(w.app.ctx.FilesDBPath);
         const qint64 pages = freePages(w.app.ctx.FilesDBPath);
         frmMain window(w.app.ctx);
@@ -332,12 +329,10 @@ private slots:
     void compactionAtExitDuringAScanKeepsEveryRow()
     {
         Window w;
-        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
-        w.set(QStringLiteral("AutoCompactDatabase"), QStringLiteral("1"));
-        {
-            Db db(w.app.ctx.MainDBPath);
-            db.exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (7, 'Большой', 1)");
-        }
+        w.set("ConfirmExit", "0");
+        w.set("AutoCompactDatabase", "1");
+        Db(w.app.ctx.MainDBPath)
+            .exec("INSERT INTO Компьютер (Номер, Название, КодОписания) VALUES (7, 'Большой', 1)");
         QTemporaryDir work;
         const QString tree = QDir(work.path()).filePath("tree");
         for (int folder = 0; folder < 120; ++folder) {
@@ -366,8 +361,8 @@ private slots:
         QVERIFY2(cli.exitStatus() == QProcess::NormalExit && cli.exitCode() == 0,
                  cli.readAllStandardError().constData());
         const QString out = QString::fromUtf8(cli.readAllStandardOutput());
-        const QString id = out.section(u'\n', 0, 0).section(QStringLiteral(": "), 1);
-        const int reported = out.section(u'\n', 1, 1).section(QStringLiteral(": "), 1).toInt();
+        const QString id = out.section(u'\n', 0, 0).section(": ", 1);
+        const int reported = out.section(u'\n', 1, 1).section(": ", 1).toInt();
         QVERIFY2(reported >= 12000, qPrintable(out));
         Db files(w.app.ctx.FilesDBPath);
         QCOMPARE(files.scalar("SELECT count(*) FROM Файлы WHERE ДискID = ?", {id}).toInt(), reported);
@@ -378,19 +373,19 @@ private slots:
     void failedCompactionGoesToTheFaultLogAndKeepsTheData()
     {
         Window w;
-        w.set(QStringLiteral("ConfirmExit"), QStringLiteral("0"));
-        w.set(QStringLiteral("AutoCompactDatabase"), QStringLiteral("1"));
+        w.set("ConfirmExit", "0");
+        w.set("AutoCompactDatabase", "1");
         frmMain window(w.app.ctx);
         window.Form_Load();
         // A track database that is no database at all makes it fail after the first two.
         test::writeFile(w.app.ctx.TracksDBPath, QByteArray(4096, 'x'));
         const QByteArray tracks = test::readFile(w.app.ctx.TracksDBPath);
         QVERIFY_THROWS_EXCEPTION(ProcessEnded, window.Form_Unload());
-        QVERIFY(cp1251::decode(test::readFile(w.app.file(QStringLiteral("bugreport.log"))))
-                    .endsWith(" frmMain, CompactDB()\n"));
+        QVERIFY(
+            cp1251::decode(test::readFile(w.app.file("bugreport.log"))).endsWith(" frmMain, CompactDB()\n"));
         QCOMPARE(test::readFile(w.app.ctx.TracksDBPath), tracks);
         Db db(w.app.ctx.MainDBPath);
-        QCOMPARE(db.scalar(QStringLiteral("SELECT count(*) FROM Стиль")).toInt(), 31);
+        QCOMPARE(db.scalar("SELECT count(*) FROM Стиль").toInt(), 31);
     }
 };
 

@@ -22,7 +22,7 @@ struct ScriptedChooser
         return [this]() -> std::optional<QString> {
             ++asked;
             if (answers.isEmpty()) {
-                throw test::UnexpectedPrompt{QStringLiteral("category")};
+                throw test::UnexpectedPrompt{"category"};
             }
             return answers.takeFirst();
         };
@@ -76,7 +76,7 @@ private slots:
         ScriptedChooser chooser;
         const VolumeInfo volume = readVolumeInfo(drive);
         if (!stored.isEmpty()) {
-            app.ctx.skipIni().write(QStringLiteral("CD"), SerialToID(volume.serial), stored);
+            app.ctx.skipIni().write("CD", SerialToID(volume.serial), stored);
         }
         QCOMPARE(GetDiskIDcheck(app.ctx, drive, chooser.function()), kind);
         const QString id = GetDiskID(app.ctx, drive, chooser.function());
@@ -128,18 +128,17 @@ private slots:
     void unknownKindIsAskedOnce()
     {
         test::TestApp app;
-        const VolumeInfo hfs{true, QStringLiteral("Mac disc"), 0xBEEF, 255, QStringLiteral("HFS")};
+        const VolumeInfo hfs{true, "Mac disc", 0xBEEF, 255, "HFS"};
         QVERIFY(!decideKind(app.ctx, hfs));
         ScriptedChooser chooser;
-        chooser.answers = {std::nullopt, std::nullopt, QStringLiteral("PC")};
+        chooser.answers = {std::nullopt, std::nullopt, "PC"};
         app.prompter.answer(Answer::No); // not satisfied with no category: asked again
         app.prompter.answer(Answer::No);
-        QCOMPARE(AskCategory(app.ctx, SerialToID(hfs.serial), chooser.function()), QStringLiteral("PcCD"));
+        QCOMPARE(AskCategory(app.ctx, SerialToID(hfs.serial), chooser.function()), "PcCD");
         QCOMPARE(chooser.asked, 3);
         QCOMPARE(app.prompter.texts(), (QStringList{kCancelled, kCancelled}));
-        QCOMPARE(app.ctx.skipIni().read(QStringLiteral("CD"), QStringLiteral("BEEF"), 15),
-                 QStringLiteral("PC"));
-        QCOMPARE(decideKind(app.ctx, hfs), std::optional<QString>(QStringLiteral("PcCD")));
+        QCOMPARE(app.ctx.skipIni().read("CD", "BEEF", 15), "PC");
+        QCOMPARE(decideKind(app.ctx, hfs), std::optional<QString>("PcCD"));
         QVERIFY(!app.ctx.DialogDone);
     }
 
@@ -149,9 +148,8 @@ private slots:
         ScriptedChooser chooser;
         chooser.answers = {std::nullopt};
         app.prompter.answer(Answer::Yes);
-        QCOMPARE(AskCategory(app.ctx, QStringLiteral("ABC"), chooser.function()), QString());
-        QVERIFY(
-            cp1251::decode(test::readFile(app.file("skipcd.ini"))).contains(QStringLiteral("[CD]\nABC=n/a")));
+        QCOMPARE(AskCategory(app.ctx, "ABC", chooser.function()), QString());
+        QVERIFY(cp1251::decode(test::readFile(app.file("skipcd.ini"))).contains("[CD]\nABC=n/a"));
     }
 
     void dialogChoosesThroughThePrompter()
@@ -159,15 +157,15 @@ private slots:
         test::TestApp app;
         app.prompter.handleModal([](QDialog& dialog) {
             auto& select = static_cast<frmSelectCategory&>(dialog);
-            select.choose(QStringLiteral("DVD"));
+            select.choose("DVD");
             return int(QDialog::Accepted);
         });
         app.prompter.handleModal([](QDialog&) { return int(QDialog::Rejected); });
         const CategoryChooser chooser = frmSelectCategory::chooser(app.ctx);
-        QCOMPARE(chooser(), std::optional<QString>(QStringLiteral("DVD")));
+        QCOMPARE(chooser(), std::optional<QString>("DVD"));
         QCOMPARE(chooser(), std::nullopt);
         frmSelectCategory fresh;
-        QCOMPARE(fresh.category(), QStringLiteral("AD")); // one choice always stands
+        QCOMPARE(fresh.category(), "AD"); // one choice always stands
     }
 
     void changeCategory()
@@ -176,14 +174,14 @@ private slots:
         const QString id = SerialToID(readVolumeInfo(m_data).serial);
         app.ctx.CurrentDiscID = id;
         ScriptedChooser chooser;
-        chooser.answers = {QStringLiteral("AD")};
+        chooser.answers = {"AD"};
         app.prompter.answer(Answer::Yes);
         QVERIFY(ChangeDiscCategory(app.ctx, m_data, chooser.function()));
-        QCOMPARE(ReadSkipCD(app.ctx, id), QStringLiteral("AD"));
-        QCOMPARE(GetDiskIDcheck(app.ctx, m_data, chooser.function()), QStringLiteral("AudioCD"));
+        QCOMPARE(ReadSkipCD(app.ctx, id), "AD");
+        QCOMPARE(GetDiskIDcheck(app.ctx, m_data, chooser.function()), "AudioCD");
 
         // A disc stored as n/a cannot be corrected: there is "no disc".
-        app.ctx.skipIni().write(QStringLiteral("CD"), id, QStringLiteral("n/a"));
+        app.ctx.skipIni().write("CD", id, "n/a");
         app.prompter.answer(Answer::Yes);
         QVERIFY(!ChangeDiscCategory(app.ctx, m_data, chooser.function()));
         QCOMPARE(app.prompter.texts().last(), "В устройстве " + m_data + " компакт-диск не обнаружен!");
