@@ -161,13 +161,12 @@ private slots:
     {
         QFETCH(int, category);
         QFETCH(QString, field);
-        QFETCH(QString, next);
         Keys k;
         frmAddInCatalogue editor(k.app.ctx, static_cast<Category>(category), frmAddInCatalogue::Mode::Add, 1);
         showActive(editor);
         editor.findChild<QWidget*>(field)->setFocus();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QCOMPARE(focusName(), next);
+        QTEST(focusName(), "next");
     }
 
     void enterOutsideTheFieldsDoesNotSave()

@@ -104,12 +104,11 @@ private slots:
         QFETCH(QString, kind);
         QFETCH(QString, text);
         QFETCH(bool, up);
-        QFETCH(QString, result);
         const auto spin = kind == "year"     ? spinYear
                           : kind == "tracks" ? spinTracks
                           : kind == "discs"  ? spinDiscs
                                              : spinTime;
-        QCOMPARE(spin(text, up), result);
+        QTEST(spin(text, up), "result");
     }
 
     void discCountRule()
@@ -349,7 +348,6 @@ private slots:
         QFETCH(QString, box);
         QFETCH(QString, typed);
         QFETCH(QString, column);
-        QFETCH(QString, stored);
         const auto which = static_cast<Category>(category);
         const QString table = quoted(catalogueKind(which).info().table);
         Editing e;
@@ -364,7 +362,7 @@ private slots:
         }
         editor.cmdAdd();
         QVERIFY(e.app.ctx.DialogDone);
-        QCOMPARE(e.value("SELECT " + column + " FROM " + table + " WHERE Номер = 1").toString(), stored);
+        QTEST(e.value("SELECT " + column + " FROM " + table + " WHERE Номер = 1").toString(), "stored");
         QCOMPARE(e.value("SELECT Название FROM " + table + " WHERE Номер = 2").toString(), "Old one");
     }
 

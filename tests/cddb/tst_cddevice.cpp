@@ -117,10 +117,7 @@ private slots:
     void figuresOfEachTrack()
     {
         QFETCH(int, track);
-        QFETCH(quint32, position);
-        QFETCH(quint32, length);
         QFETCH(int, seconds);
-        QFETCH(int, current);
         QFETCH(QStringList, places);
         CdDevice device;
         device.setFileName(m_three);
@@ -128,8 +125,8 @@ private slots:
         QCOMPARE(device.Tracks(), 3);
         device.setTrack(track);
         QCOMPARE(device.Track(), track);
-        QCOMPARE(device.TrackPosition(), position);
-        QCOMPARE(device.TrackLength(), length);
+        QTEST(device.TrackPosition(), "position");
+        QTEST(device.TrackLength(), "length");
         QCOMPARE(device.Position(), 0x000200u); // a stopped player stands at track 1
 
         Session s(m_three);
@@ -143,7 +140,7 @@ private slots:
         QCOMPARE(s.cddb.SongLength(track, true), seconds);
         QCOMPARE(s.cddb.device().Track(), track);
         s.cddb.setCurrentTrack(track); // ignored outside the disc
-        QCOMPARE(s.cddb.CurrentTrack(), current);
+        QTEST(s.cddb.CurrentTrack(), "current");
         const QStringList shown{s.cddb.Position(1), s.cddb.Position(2), s.cddb.Position(3),
                                 s.cddb.Position(4), s.cddb.Position(0), s.cddb.Position(5)};
         QCOMPARE(shown, (places + QStringList{QString(), QString()}));
@@ -241,7 +238,6 @@ private slots:
     {
         QFETCH(bool, openBefore);
         QFETCH(bool, queryString);
-        QFETCH(QString, result);
         QFETCH(int, modeAfter);
         QFETCH(QStringList, statuses);
         Session s(m_three);
@@ -249,7 +245,7 @@ private slots:
         if (openBefore) {
             s.cddb.Command("open");
         }
-        QCOMPARE(queryString ? s.cddb.GetQueryString() : s.cddb.cddbGetCdid(), result);
+        QTEST(queryString ? s.cddb.GetQueryString() : s.cddb.cddbGetCdid(), "result");
         QCOMPARE(s.cddb.Cdid(), kThreeId);
         QCOMPARE(s.cddb.device().Mode(), modeAfter);
         QCOMPARE(s.cddb.LastMode(), modeAfter);
@@ -302,8 +298,6 @@ private slots:
     void commandsOnAnImage()
     {
         QFETCH(QString, commands);
-        QFETCH(int, mode);
-        QFETCH(int, current);
         QFETCH(QStringList, statuses);
         Session s(m_three);
         s.cddb.Command("open");
@@ -311,8 +305,8 @@ private slots:
         for (const QString& command : commands.split(u',')) {
             s.cddb.Command(command);
         }
-        QCOMPARE(s.cddb.device().Mode(), mode);
-        QCOMPARE(s.cddb.CurrentTrack(), current);
+        QTEST(s.cddb.device().Mode(), "mode");
+        QTEST(s.cddb.CurrentTrack(), "current");
         QCOMPARE(s.statuses(), statuses);
         QVERIFY(QFile::exists(m_three));
     }

@@ -129,10 +129,9 @@ private slots:
     void tags()
     {
         QFETCH(QByteArray, file);
-        QFETCH(QString, comment);
         MP3TagEditor tag;
         QVERIFY(tag.read(file.size(), file.right(128)));
-        QCOMPARE(mp3Comment(tag), comment);
+        QTEST(mp3Comment(tag), "comment");
     }
 
     void scanRules_data()

@@ -285,7 +285,6 @@ private slots:
     void childProcessTellsTheOutcome()
     {
         QFETCH(int, how);
-        QFETCH(bool, survives);
         QElapsedTimer clock;
         clock.start();
         const bool survived = runInChild(
@@ -306,7 +305,7 @@ private slots:
                 }
             },
             std::chrono::milliseconds(500));
-        QCOMPARE(survived, survives);
+        QTEST(survived, "survives");
         QVERIFY(clock.elapsed() < 10000); // a hanging child is stopped at its limit
     }
 

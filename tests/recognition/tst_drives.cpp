@@ -46,11 +46,10 @@ private slots:
     void chosenDrive()
     {
         QFETCH(QString, stored);
-        QFETCH(QString, chosen);
         if (!stored.isEmpty()) {
             setChosenDrive(ini(), stored);
         }
-        QCOMPARE(vinora::chosenDrive(ini(), {"/dev/sr0", "/img/b.iso"}), chosen);
+        QTEST(vinora::chosenDrive(ini(), {"/dev/sr0", "/img/b.iso"}), "chosen");
         QCOMPARE(vinora::chosenDrive(ini(), {}), QString());
     }
 

@@ -101,8 +101,7 @@ private slots:
     {
         QFETCH(QList<qint32>, starts);
         QFETCH(qint32, leadout);
-        QFETCH(quint32, serial);
-        QCOMPARE(audioTocSerial(audioToc(starts, leadout)), serial);
+        QTEST(audioTocSerial(audioToc(starts, leadout)), "serial");
     }
 
     void dataTrackAfterAudioIsLeftOut()
@@ -140,12 +139,11 @@ private slots:
     {
         QFETCH(QString, image);
         QFETCH(qint64, descriptor);
-        QFETCH(quint32, maxLength);
         QFETCH(QString, label);
         const VolumeInfo volume = readVolumeInfo(image);
         QVERIFY(volume.ok);
         QCOMPARE(volume.fsName, QStringLiteral("CDFS"));
-        QCOMPARE(volume.maxComponentLength, maxLength);
+        QTEST(volume.maxComponentLength, "maxLength");
         QCOMPARE(volume.label, label);
         QCOMPARE(volume.label, isoInfoVolume(image));
         QCOMPARE(volume.serial, test::laneChecksum(test::sectorOf(image, descriptor), false));

@@ -99,10 +99,9 @@ private slots:
     {
         QFETCH(QString, sql);
         QFETCH(QVariantList, values);
-        QFETCH(int, error);
         Db(m_path).exec(
             QStringLiteral("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (100, 'Blues disc', 3)"));
-        QCOMPARE(errorOf(sql, values), error);
+        QTEST(errorOf(sql, values), "error");
     }
 
     void relationsCascade()
@@ -149,7 +148,6 @@ private slots:
     {
         QFETCH(QString, where);
         QFETCH(QVariant, value);
-        QFETCH(QStringList, found);
         {
             Db db(m_path);
             for (const char* name : {"Ёлка", "The Doors", "Зина", "50% off", "a_b", "It's \"[x]\""}) {
@@ -157,7 +155,7 @@ private slots:
                         {QString::fromUtf8(name)});
             }
         }
-        QCOMPARE(column("SELECT Название FROM Аудио WHERE " + where, {value}), found);
+        QTEST(column("SELECT Название FROM Аудио WHERE " + where, {value}), "found");
     }
 
     void russianOrder()
@@ -204,8 +202,7 @@ private slots:
     {
         QFETCH(QString, pattern);
         QFETCH(QString, text);
-        QFETCH(bool, matches);
-        QCOMPARE(vinora::jetLike(pattern, text), matches);
+        QTEST(vinora::jetLike(pattern, text), "matches");
     }
 
     void stamps()
@@ -237,7 +234,6 @@ private slots:
     {
         QFETCH(QString, name);
         QFETCH(QByteArray, content);
-        QFETCH(int, error);
         const QString path = m_dir.filePath(name.isEmpty() ? QStringLiteral("absent.db") : name);
         if (!content.isEmpty()) {
             test::writeFile(path, content);
@@ -246,7 +242,7 @@ private slots:
             Db db(path);
             QFAIL("opened");
         } catch (const AppError& e) {
-            QCOMPARE(e.number(), error);
+            QTEST(e.number(), "error");
         }
         QCOMPARE(test::readFile(path), content); // nothing written over the user's file
     }

@@ -113,8 +113,7 @@ private slots:
     void trigramsOfAText()
     {
         QFETCH(QString, text);
-        QFETCH(QString, query);
-        QCOMPARE(trigramQuery(text), query);
+        QTEST(trigramQuery(text), "query");
     }
 
     // The triggers keep the index in step with every kind of write: rows added, a name and a
