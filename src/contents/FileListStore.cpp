@@ -65,17 +65,25 @@ namespace {
 // list in one statement: the search index then takes them in one piece rather than row by
 // row, which is several times faster.
 const QString kStaged = QStringLiteral("temp.\"ФайлыНовые\"");
-const QString kFileColumns = QStringLiteral("ДискID, Имя, Путь, Размер, Комментарий");
+const QString kRowColumns = QStringLiteral("Имя, Путь, Размер, Комментарий");
+
+void bindTextOrNull(Statement& statement, int index, QStringView text)
+{
+    if (text.isEmpty()) {
+        statement.bindNull(index);
+    } else {
+        statement.bindText(index, text);
+    }
+}
 
 } // namespace
 
 FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id))
 {
-    m_db.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + kStaged + u'(' + kFileColumns + u')');
+    m_db.exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS ") + kStaged + u'(' + kRowColumns + u')');
     m_db.exec(QStringLiteral("DELETE FROM ") + kStaged);
-    m_insert =
-        std::make_unique<Statement>(m_db, QStringLiteral("INSERT INTO ") + kStaged + u'(' + kFileColumns +
-                                              QStringLiteral(") VALUES (?, ?, ?, ?, ?)"));
+    m_insert = std::make_unique<Statement>(m_db, QStringLiteral("INSERT INTO ") + kStaged + u'(' +
+                                                     kRowColumns + QStringLiteral(") VALUES (?, ?, ?, ?)"));
     m_sinceCommit.start();
 }
 
@@ -93,10 +101,12 @@ void FileListWriter::write(const QList<FileRow>& rows)
     if (!m_transaction) {
         m_transaction = std::make_unique<Transaction>(m_db);
     }
-    const auto orNull = [](const QString& text) { return text.isEmpty() ? QVariant() : QVariant(text); };
     for (const FileRow& row : rows) {
-        m_insert->run(
-            {m_id, orNull(row.name), orNull(row.path), orNull(row.size), orNull(row.comment.left(50))});
+        bindTextOrNull(*m_insert, 1, row.name);
+        bindTextOrNull(*m_insert, 2, row.path);
+        bindTextOrNull(*m_insert, 3, row.size);
+        bindTextOrNull(*m_insert, 4, QStringView(row.comment).left(50));
+        m_insert->run();
         ++m_count;
     }
     if (m_sinceCommit.elapsed() >= 250) {
@@ -107,8 +117,10 @@ void FileListWriter::write(const QList<FileRow>& rows)
 void FileListWriter::commit()
 {
     if (m_transaction) {
-        m_db.exec(QStringLiteral("INSERT INTO Файлы (") + kFileColumns + QStringLiteral(") SELECT ") +
-                  kFileColumns + QStringLiteral(" FROM ") + kStaged + QStringLiteral(" ORDER BY rowid"));
+        m_db.exec(QStringLiteral("INSERT INTO Файлы (ДискID, ") + kRowColumns +
+                      QStringLiteral(") SELECT ?, ") + kRowColumns + QStringLiteral(" FROM ") + kStaged +
+                      QStringLiteral(" ORDER BY rowid"),
+                  {m_id.isEmpty() ? QVariant() : QVariant(m_id)});
         m_db.exec(QStringLiteral("DELETE FROM ") + kStaged);
         m_transaction->commit();
         m_transaction.reset();

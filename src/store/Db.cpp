@@ -67,6 +67,12 @@ AppError fileSqlError(const QString& driverText, const QString& sql, const QStri
                     error.description() + QStringLiteral(" ('") + path + QStringLiteral("')"));
 }
 
+// The value a variant holds, without a copy (its type is checked by the caller).
+template <typename T> const T& held(const QVariant& value)
+{
+    return *static_cast<const T*>(value.constData());
+}
+
 } // namespace
 
 AppError sqlError(const QString& driverText, const QString& sql)
@@ -195,21 +201,110 @@ void Db::attach(const QString& path, const QString& schema, Access access) const
 }
 
 Statement::Statement(const Db& db, QString sql)
-    : m_query(db.connection()), m_sql(std::move(sql)), m_path(db.path())
+    : m_handle(sqliteHandle(db.connection())), m_sql(std::move(sql)), m_path(db.path())
 {
-    if (!m_query.prepare(m_sql)) {
-        throw fileSqlError(m_query.lastError().text(), m_sql, m_path);
+    const QByteArray text = m_sql.toUtf8();
+    if (sqlite3_prepare_v3(m_handle, text.constData(), static_cast<int>(text.size()),
+                           SQLITE_PREPARE_PERSISTENT, &m_statement, nullptr) != SQLITE_OK) {
+        fail();
+    }
+}
+
+Statement::~Statement()
+{
+    sqlite3_finalize(m_statement);
+}
+
+void Statement::fail() const
+{
+    throw fileSqlError(QString::fromUtf8(sqlite3_errmsg(m_handle)), m_sql, m_path);
+}
+
+void Statement::check(int result) const
+{
+    if (result != SQLITE_OK) {
+        fail();
+    }
+}
+
+void Statement::bindText(int index, QStringView text)
+{
+    // A non-null pointer, so that an empty text is stored as '' and not as NULL.
+    static const char16_t empty = 0;
+    check(sqlite3_bind_text16(m_statement, index, text.isEmpty() ? &empty : text.utf16(),
+                              static_cast<int>(text.size() * sizeof(char16_t)), SQLITE_STATIC));
+}
+
+void Statement::bindNull(int index)
+{
+    check(sqlite3_bind_null(m_statement, index));
+}
+
+void Statement::run()
+{
+    const int stepped = sqlite3_step(m_statement);
+    // Reset at once: a statement left open would hold its read of the file.
+    const int reset = sqlite3_reset(m_statement);
+    if ((stepped != SQLITE_DONE && stepped != SQLITE_ROW) || reset != SQLITE_OK) {
+        fail();
     }
 }
 
 void Statement::run(const QVariantList& values)
 {
+    if (values.size() != sqlite3_bind_parameter_count(m_statement)) {
+        throw fileSqlError(QStringLiteral("Parameter count mismatch"), m_sql, m_path);
+    }
+    // The texts made here for dates and other types must outlive the step.
+    QStringList made;
     for (qsizetype i = 0; i < values.size(); ++i) {
-        m_query.bindValue(static_cast<int>(i), values[i]);
+        const int index = static_cast<int>(i + 1);
+        const QVariant& value = values[i];
+        const int type = value.typeId();
+        if (value.isNull() || (type == QMetaType::QString && held<QString>(value).isNull()) ||
+            (type == QMetaType::QByteArray && held<QByteArray>(value).isNull()) ||
+            (type == QMetaType::QDateTime && !held<QDateTime>(value).isValid()) ||
+            (type == QMetaType::QDate && held<QDate>(value).isNull()) ||
+            (type == QMetaType::QTime && held<QTime>(value).isNull())) {
+            bindNull(index);
+            continue;
+        }
+        switch (type) {
+        case QMetaType::QByteArray: {
+            const QByteArray& bytes = held<QByteArray>(value);
+            check(sqlite3_bind_blob(m_statement, index, bytes.constData(), static_cast<int>(bytes.size()),
+                                    SQLITE_STATIC));
+            break;
+        }
+        case QMetaType::Int:
+        case QMetaType::Bool:
+            check(sqlite3_bind_int(m_statement, index, value.toInt()));
+            break;
+        case QMetaType::Double:
+            check(sqlite3_bind_double(m_statement, index, value.toDouble()));
+            break;
+        case QMetaType::UInt:
+        case QMetaType::LongLong:
+            check(sqlite3_bind_int64(m_statement, index, value.toLongLong()));
+            break;
+        case QMetaType::QString:
+            bindText(index, held<QString>(value));
+            break;
+        case QMetaType::QDateTime:
+            made.append(value.toDateTime().toString(Qt::ISODateWithMs));
+            bindText(index, made.last());
+            break;
+        case QMetaType::QTime:
+            made.append(value.toTime().toString(u"hh:mm:ss.zzz"));
+            bindText(index, made.last());
+            break;
+        default:
+            made.append(value.toString());
+            bindText(index, made.last());
+            break;
+        }
     }
-    if (!m_query.exec()) {
-        throw fileSqlError(m_query.lastError().text(), m_sql, m_path);
-    }
+    run();
 }
 
 Transaction::Transaction(const Db& db) : m_db(db)

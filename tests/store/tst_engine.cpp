@@ -102,6 +102,65 @@ private slots:
         Db(m_path).exec(
             QStringLiteral("INSERT INTO Аудио (Номер, Название, КодСтиля) VALUES (100, 'Blues disc', 3)"));
         QTEST(errorOf(sql, values), "error");
+        // A prepared statement of a bulk write is refused alike.
+        Db db(m_path);
+        int statementError = 0;
+        try {
+            Statement statement(db, sql);
+            statement.run(values);
+        } catch (const AppError& refusal) {
+            statementError = refusal.number();
+        }
+        QTEST(statementError, "error");
+    }
+
+    // A prepared statement stores every kind of value as a plain statement does.
+    void statementStoresValuesAsTheDriver()
+    {
+        const QVariantList values{QVariant(),
+                                  QString(),
+                                  QStringLiteral(""),
+                                  QStringLiteral("Ёлка 'и' \"ель\""),
+                                  7,
+                                  true,
+                                  qint64(1) << 40,
+                                  4000000000u,
+                                  2.5,
+                                  QByteArray("a\0b", 3),
+                                  QByteArray(),
+                                  QDate(2026, 11, 23),
+                                  QDate(),
+                                  QDateTime(QDate(2026, 11, 23), QTime(7, 8, 9, 10)),
+                                  QTime(1, 2, 3, 4),
+                                  QVariant::fromValue(qulonglong(18000000000000000000ull))};
+        Db db(m_path);
+        db.exec(QStringLiteral("CREATE TABLE t (way, v)"));
+        Statement insert(db, QStringLiteral("INSERT INTO t (way, v) VALUES ('statement', ?)"));
+        for (const QVariant& value : values) {
+            db.exec(QStringLiteral("INSERT INTO t (way, v) VALUES ('driver', ?)"), {value});
+            insert.run({value});
+        }
+        const auto stored = [&](const char* way) {
+            return column(
+                QStringLiteral("SELECT typeof(v) || ' ' || quote(v) FROM t WHERE way = ? ORDER BY rowid"),
+                {QString::fromLatin1(way)});
+        };
+        QCOMPARE(stored("statement").size(), values.size());
+        QCOMPARE(stored("statement"), stored("driver"));
+        QCOMPARE(stored("statement").at(2), QStringLiteral("text ''"));
+        QCOMPARE(stored("statement").at(1), QStringLiteral("null NULL"));
+
+        // Values bound one by one stay bound until replaced.
+        db.exec(QStringLiteral("DELETE FROM t"));
+        Statement pair(db, QStringLiteral("INSERT INTO t (way, v) VALUES (?, ?)"));
+        pair.bindText(1, u"one");
+        pair.bindText(2, u"");
+        pair.run();
+        pair.bindNull(2);
+        pair.run();
+        QCOMPARE(column(QStringLiteral("SELECT way || ' ' || quote(v) FROM t ORDER BY rowid")),
+                 QStringList({QStringLiteral("one ''"), QStringLiteral("one NULL")}));
+        QVERIFY_THROWS_EXCEPTION(AppError, pair.run({QStringLiteral("one value of two")}));
     }
 
     void relationsCascade()
