@@ -1,6 +1,8 @@
 #include "frame/TextRules.h"
 #include "support/TestMain.h"
 
+#include <QRandomGenerator>
+
 using namespace vinora;
 
 class tst_textrules : public QObject
@@ -22,6 +24,88 @@ private slots:
     {
         QFETCH(QString, typed);
         QTEST(CleanText(typed), "stored");
+    }
+
+    // Wherever the quick order answers, it is the collator's, in UTF-16 and in UTF-8 alike:
+    // every pair of printable ASCII characters and many texts made of them, case and
+    // prefixes included.
+    void quickOrderIsTheCollators()
+    {
+        const QCollator collator = textCollator();
+        const auto sign = [](int order) { return order < 0 ? -1 : order > 0 ? 1 : 0; };
+        int answered = 0;
+        const auto check = [&](const QString& a, const QString& b) {
+            const std::optional<int> quick = quickCompareText(a, b);
+            QCOMPARE(quickCompareText(QByteArrayView(a.toUtf8()), QByteArrayView(b.toUtf8())), quick);
+            if (quick) {
+                ++answered;
+                if (*quick != sign(collator.compare(a, b))) {
+                    QFAIL(qPrintable(QStringLiteral("'%1' against '%2'").arg(a, b)));
+                }
+                QCOMPARE(compareText(a, b), *quick);
+            }
+        };
+        for (char16_t a = 0x20; a <= 0x7E; ++a) {
+            for (char16_t b = 0x20; b <= 0x7E; ++b) {
+                check(QString(QChar(a)), QString(QChar(b)));
+            }
+        }
+        QCOMPARE(answered, 95 * 95);
+        // A fixed starting state, so that a failure can be repeated.
+        QRandomGenerator random(20261123);
+        const QString alphabet = QStringLiteral("aAbBzZ09 ._-~,;!'(@&#%+<=>|$");
+        const auto text = [&] {
+            QString made;
+            for (int length = random.bounded(7); length > 0; --length) {
+                made += alphabet[random.bounded(int(alphabet.size()))];
+            }
+            return made;
+        };
+        answered = 0;
+        for (int i = 0; i < 20000; ++i) {
+            const QString a = text();
+            check(a, random.bounded(4) == 0 ? a.toUpper() + text() : text());
+        }
+        QCOMPARE(answered, 20000);
+    }
+
+    void quickOrderLeavesTheRestToTheCollator_data()
+    {
+        QTest::addColumn<QString>("a");
+        QTest::addColumn<QString>("b");
+        QTest::addColumn<bool>("answered");
+        QTest::newRow("same Cyrillic") << "Папка"
+                                       << "Папка" << true;
+        QTest::newRow("Cyrillic against empty") << "ёж"
+                                                << "" << true;
+        QTest::newRow("empty against a digit") << ""
+                                               << "7" << true;
+        QTest::newRow("Cyrillic") << "папка"
+                                  << "Папка" << false;
+        QTest::newRow("Latin and Cyrillic") << "file"
+                                            << "файл" << false;
+        QTest::newRow("accent") << "cafe"
+                                << "café" << false;
+        // A control character weighs nothing to the collator.
+        QTest::newRow("control against empty") << "\u0001"
+                                               << "" << false;
+        QTest::newRow("tab") << "a\tb"
+                             << "ab" << false;
+    }
+
+    void quickOrderLeavesTheRestToTheCollator()
+    {
+        QFETCH(QString, a);
+        QFETCH(QString, b);
+        QFETCH(bool, answered);
+        const std::optional<int> quick = quickCompareText(a, b);
+        QCOMPARE(quick.has_value(), answered);
+        const int order = textCollator().compare(a, b);
+        QCOMPARE(compareText(a, b) < 0, order < 0);
+        QCOMPARE(compareText(a, b) > 0, order > 0);
+        if (quick) {
+            QCOMPARE(*quick, order < 0 ? -1 : order > 0 ? 1 : 0);
+        }
     }
 
     void keyRules_data()
