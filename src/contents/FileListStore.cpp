@@ -5,6 +5,7 @@
 #include "store/ContentsLists.h"
 #include "store/Db.h"
 #include "store/Schema.h"
+#include "store/SearchIndex.h"
 
 #include <QRandomGenerator>
 #include <QStringList>
@@ -117,10 +118,11 @@ void FileListWriter::write(const QList<FileRow>& rows)
 void FileListWriter::commit()
 {
     if (m_transaction) {
-        m_db.exec(QStringLiteral("INSERT INTO Файлы (ДискID, ") + kRowColumns +
-                      QStringLiteral(") SELECT ?, ") + kRowColumns + QStringLiteral(" FROM ") + kStaged +
-                      QStringLiteral(" ORDER BY rowid"),
-                  {m_id.isEmpty() ? QVariant() : QVariant(m_id)});
+        insertIndexedRows(m_db, ContentsKind::Files,
+                          QStringLiteral("INSERT INTO Файлы (ДискID, ") + kRowColumns +
+                              QStringLiteral(") SELECT ?, ") + kRowColumns + QStringLiteral(" FROM ") +
+                              kStaged + QStringLiteral(" ORDER BY rowid"),
+                          {m_id.isEmpty() ? QVariant() : QVariant(m_id)});
         m_db.exec(QStringLiteral("DELETE FROM ") + kStaged);
         m_transaction->commit();
         m_transaction.reset();

@@ -3,9 +3,12 @@
 #include "frame/AppError.h"
 #include "store/Db.h"
 #include "store/Schema.h"
+#include "store/SqlFunctions.h"
 
 #include <QStringList>
 #include <algorithm>
+#include <limits>
+#include <sqlite3.h>
 
 namespace vinora {
 namespace {
@@ -53,6 +56,40 @@ bool foldsAlike(QChar ch)
     return (code >= 0x20 && code < 0x7F) ||
            (code >= 0xC0 && code <= 0xFF && code != 0xD7 && code != 0xF7 && code != 0xDF) ||
            (code >= 0x400 && code <= 0x45F);
+}
+
+// Turns the connection's triggers off for its lifetime (the other connections keep theirs).
+class TriggersOff
+{
+public:
+    explicit TriggersOff(const Db& db) : m_handle(sqliteHandle(db.connection()))
+    {
+        if (sqlite3_db_config(m_handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr) != SQLITE_OK) {
+            throw AppError(err::EngineError, QStringLiteral("Cannot turn the triggers off: ") +
+                                                 QString::fromUtf8(sqlite3_errmsg(m_handle)));
+        }
+    }
+    ~TriggersOff() { sqlite3_db_config(m_handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 1, nullptr); }
+    TriggersOff(const TriggersOff&) = delete;
+    TriggersOff& operator=(const TriggersOff&) = delete;
+
+private:
+    sqlite3* m_handle;
+};
+
+// True when the index's own triggers are the only ones on the rows table.
+bool onlyIndexTriggers(const Db& db, const ContentsDescriptor& descriptor)
+{
+    const QString others = QStringLiteral(
+        "SELECT count(*) FROM (SELECT name, tbl_name FROM sqlite_master WHERE type = 'trigger' "
+        "UNION ALL SELECT name, tbl_name FROM sqlite_temp_master WHERE type = 'trigger') "
+        "WHERE tbl_name = ? AND name NOT IN (?, ?, ?)");
+    const auto unquoted = [&](const char* event) -> QString {
+        return descriptor.rowsTable + QStringLiteral("Поиск") + QString::fromUtf8(event);
+    };
+    return db.scalar(others,
+                     {descriptor.rowsTable, unquoted("Вставка"), unquoted("Удаление"), unquoted("Изменение")})
+               .toInt() == 0;
 }
 
 } // namespace
@@ -106,6 +143,34 @@ void rebuildSearchIndex(const Db& db, ContentsKind kind)
         const QString table = quoted(searchIndexTable(descriptor, field));
         db.exec(QStringLiteral("INSERT INTO ") + table + u'(' + table +
                 QStringLiteral(") VALUES ('rebuild')"));
+    }
+}
+
+void insertIndexedRows(const Db& db, ContentsKind kind, const QString& insert, const QVariantList& values)
+{
+    const ContentsDescriptor& descriptor = contentsDescriptor(kind);
+    const QString rows = quoted(descriptor.rowsTable);
+    // New rows are numbered after the last one, until the numbers run out; then the engine
+    // numbers them at random and only the triggers can tell them.
+    const QVariant last = db.scalar(QStringLiteral("SELECT max(rowid) FROM ") + rows);
+    // Outside a transaction the rows would be committed before their entries.
+    if (sqlite3_get_autocommit(sqliteHandle(db.connection())) != 0 || !hasSearchIndex(db, kind) ||
+        !onlyIndexTriggers(db, descriptor) || last.toLongLong() == std::numeric_limits<qint64>::max()) {
+        db.exec(insert, values);
+        return;
+    }
+    {
+        const TriggersOff off(db);
+        db.exec(insert, values);
+    }
+    const qint64 after = last.isNull() ? std::numeric_limits<qint64>::min() : last.toLongLong();
+    for (const QString& field : descriptor.searchedFields) {
+        // The rows in the order the triggers would have taken them: the same index.
+        db.exec(QStringLiteral("INSERT INTO ") + quoted(searchIndexTable(descriptor, field)) +
+                    QStringLiteral("(rowid, ") + quoted(field) + QStringLiteral(") SELECT rowid, ") +
+                    quoted(field) + QStringLiteral(" FROM ") + rows +
+                    QStringLiteral(" WHERE rowid > ? ORDER BY rowid"),
+                {after});
     }
 }
 

@@ -175,6 +175,66 @@ private slots:
         checkIndex(db, contents);
         QCOMPARE(indexed(db, contents, name, "крови"), QStringList({"Группа крови"}));
     }
+
+    // Many rows written by one statement are indexed after it, as the triggers would have
+    // indexed them; the triggers work again afterwards, and other triggers of the table, or
+    // a write outside a transaction, leave the work to them.
+    void manyRowsIndexedAtOnce()
+    {
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        const Db db(app.ctx.FilesDBPath);
+        const ContentsLists lists(db, ContentsKind::Files);
+        lists.create("A1");
+        lists.create("B2");
+        const QString one =
+            "INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES (?, ?, '\\', '0', ?)";
+        db.exec(one, {"B2", "группа", QVariant()});
+        db.exec("CREATE TEMP TABLE n (Имя, Комментарий)");
+        for (int i = 0; i < 300; ++i) {
+            db.exec("INSERT INTO temp.n VALUES (?, ?)",
+                    {QString("Группа крови %1").arg(i), i % 3 == 0 ? QVariant("концерт") : QVariant()});
+        }
+        const QString many = "INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) SELECT ?, Имя, "
+                             "'\\', '0', Комментарий FROM temp.n ORDER BY rowid";
+        {
+            Transaction transaction(db);
+            insertIndexedRows(db, ContentsKind::Files, many, {"A1"});
+            transaction.commit();
+        }
+        checkIndex(db, ContentsKind::Files);
+        QCOMPARE(indexed(db, ContentsKind::Files, "Имя", "ГРУППА").size(), 301);
+        QCOMPARE(indexed(db, ContentsKind::Files, "Имя", "крови 299"), QStringList({"Группа крови 299"}));
+        QCOMPARE(indexed(db, ContentsKind::Files, "Комментарий", "КОНЦ").size(), 100);
+
+        db.exec(one, {"B2", "Кукушка", QVariant()});
+        QCOMPARE(indexed(db, ContentsKind::Files, "Имя", "кукушка"), QStringList({"Кукушка"}));
+        {
+            // Broken off: neither the rows nor their entries stay.
+            Transaction transaction(db);
+            insertIndexedRows(db, ContentsKind::Files, many, {"B2"});
+        }
+        checkIndex(db, ContentsKind::Files);
+        QCOMPARE(lists.rowCount("B2"), 2);
+
+        // Outside a transaction, and with a trigger of another kind on the table.
+        insertIndexedRows(db, ContentsKind::Files, many, {"B2"});
+        db.exec("CREATE TEMP TABLE seen (n)");
+        db.exec(
+            "CREATE TEMP TRIGGER watch AFTER INSERT ON Файлы BEGIN INSERT INTO seen VALUES (new.rowid); END");
+        {
+            Transaction transaction(db);
+            insertIndexedRows(db, ContentsKind::Files, many, {"B2"});
+            transaction.commit();
+        }
+        QCOMPARE(db.scalar("SELECT count(*) FROM temp.seen").toInt(), 300);
+        checkIndex(db, ContentsKind::Files);
+        QCOMPARE(indexed(db, ContentsKind::Files, "Имя", "крови 299").size(), 3);
+
+        lists.drop("A1");
+        checkIndex(db, ContentsKind::Files);
+        QCOMPARE(indexed(db, ContentsKind::Files, "Имя", "крови 299").size(), 2);
+    }
 };
 
 VINORA_TEST_MAIN(tst_searchindex)
