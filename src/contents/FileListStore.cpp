@@ -9,6 +9,8 @@
 
 #include <QRandomGenerator>
 #include <QStringList>
+#include <array>
+#include <optional>
 
 namespace vinora {
 
@@ -68,16 +70,56 @@ namespace {
 const QString kStaged = QStringLiteral("temp.\"ФайлыНовые\"");
 const QString kRowColumns = QStringLiteral("Имя, Путь, Размер, Комментарий");
 
-void bindTextOrNull(Statement& statement, int index, QStringView text)
+// Writes `text` as UTF-8 at `out` and gives the end, or nothing when it holds a surrogate:
+// such a text goes to the engine as it is, to be encoded the engine's own way.
+std::optional<char*> plainUtf8(QStringView text, char* out)
 {
-    if (text.isEmpty()) {
-        statement.bindNull(index);
-    } else {
-        statement.bindText(index, text);
+    for (const QChar ch : text) {
+        const char16_t c = ch.unicode();
+        if (c < 0x80) {
+            *out++ = static_cast<char>(c);
+        } else if (c < 0x800) {
+            *out++ = static_cast<char>(0xC0 | (c >> 6));
+            *out++ = static_cast<char>(0x80 | (c & 0x3F));
+        } else if (!QChar::isSurrogate(c)) {
+            *out++ = static_cast<char>(0xE0 | (c >> 12));
+            *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+            *out++ = static_cast<char>(0x80 | (c & 0x3F));
+        } else {
+            return std::nullopt;
+        }
     }
+    return out;
 }
 
 } // namespace
+
+// A row's texts bound as UTF-8 from one buffer: the engine stores them so and would
+// otherwise convert each text in a memory block of its own.
+void FileListWriter::bindRow(const FileRow& row)
+{
+    const std::array<QStringView, 4> texts{row.name, row.path, row.size, QStringView(row.comment).left(50)};
+    qsizetype room = 0;
+    for (const QStringView text : texts) {
+        room += 3 * text.size();
+    }
+    if (m_utf8.size() < room) {
+        m_utf8.resize(room);
+    }
+    char* out = m_utf8.data();
+    for (int i = 0; i < 4; ++i) {
+        const QStringView text = texts[std::size_t(i)];
+        const std::optional<char*> end = text.isEmpty() ? std::nullopt : plainUtf8(text, out);
+        if (text.isEmpty()) {
+            m_insert->bindNull(i + 1);
+        } else if (end) {
+            m_insert->bindUtf8(i + 1, QByteArrayView(out, *end - out));
+            out = *end;
+        } else {
+            m_insert->bindText(i + 1, text);
+        }
+    }
+}
 
 FileListWriter::FileListWriter(const Db& filesDb, QString id) : m_db(filesDb), m_id(std::move(id))
 {
@@ -103,10 +145,7 @@ void FileListWriter::write(const QList<FileRow>& rows)
         m_transaction = std::make_unique<Transaction>(m_db);
     }
     for (const FileRow& row : rows) {
-        bindTextOrNull(*m_insert, 1, row.name);
-        bindTextOrNull(*m_insert, 2, row.path);
-        bindTextOrNull(*m_insert, 3, row.size);
-        bindTextOrNull(*m_insert, 4, QStringView(row.comment).left(50));
+        bindRow(row);
         m_insert->run();
         ++m_count;
     }

@@ -50,12 +50,15 @@ public:
     int rowsWritten() const { return m_count; }
 
 private:
+    void bindRow(const FileRow& row);
+
     const Db& m_db;
     QString m_id;
     int m_count = 0;
     std::unique_ptr<Transaction> m_transaction;
     std::unique_ptr<Statement> m_insert;
     QElapsedTimer m_sinceCommit;
+    QByteArray m_utf8;
 };
 
 } // namespace vinora

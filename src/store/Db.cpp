@@ -235,6 +235,13 @@ void Statement::bindText(int index, QStringView text)
                               static_cast<int>(text.size() * sizeof(char16_t)), SQLITE_STATIC));
 }
 
+void Statement::bindUtf8(int index, QByteArrayView text)
+{
+    static const char empty = 0;
+    check(sqlite3_bind_text(m_statement, index, text.isEmpty() ? &empty : text.data(),
+                            static_cast<int>(text.size()), SQLITE_STATIC));
+}
+
 void Statement::bindNull(int index)
 {
     check(sqlite3_bind_null(m_statement, index));

@@ -75,6 +75,7 @@ public:
     // For the hottest loops: values bound one by one (from 1), kept until replaced, then
     // run(). A bound text is not copied: it must live until run() returns.
     void bindText(int index, QStringView text);
+    void bindUtf8(int index, QByteArrayView text);
     void bindNull(int index);
     void run();
 

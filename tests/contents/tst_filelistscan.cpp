@@ -418,6 +418,53 @@ private slots:
         QVERIFY(readErrors > 0);
     }
 
+    // The writer stores every text byte for byte as a plain statement stores it: one to
+    // three bytes a character, a pair of surrogates, a lone one; a comment cut at 50, an
+    // empty one left NULL.
+    void textsStoredAsWritten()
+    {
+        const QString lone = QString("lone ") + QChar(0xD800) + ".txt";
+        const QList<FileRow> rows{{"ascii.txt", "\\", "0,1", ""},
+                                  {"ёлка.txt", "\\Папка\\", "1 000,0", "комментарий"},
+                                  {"€uro ✓.txt", "\\", "0,0", QString(60, u'ж')},
+                                  {QString::fromUtf8("\xF0\x9F\x98\x80 smile.mp3"), "\\", "0,0", "x"},
+                                  {lone, "\\", "0,0", QString()}};
+        test::TestApp app;
+        Reanimator(app.ctx, 0);
+        Db files(app.ctx.FilesDBPath);
+        const ContentsLists lists(files, ContentsKind::Files);
+        lists.create("WRITER");
+        lists.create("PLAIN");
+        {
+            FileListWriter writer(files, "WRITER");
+            writer.write(rows);
+        }
+        for (const FileRow& row : rows) {
+            const auto orNull = [](const QString& text) {
+                return text.isEmpty() ? QVariant() : QVariant(text);
+            };
+            files.exec(
+                "INSERT INTO Файлы (ДискID, Имя, Путь, Размер, Комментарий) VALUES ('PLAIN', ?, ?, ?, ?)",
+                {orNull(row.name), orNull(row.path), orNull(row.size), orNull(row.comment.left(50))});
+        }
+        const auto stored = [&](const char* id) {
+            return files.texts("SELECT quote(CAST(Имя AS BLOB)) || quote(CAST(Путь AS BLOB)) || "
+                               "quote(CAST(Размер AS BLOB)) || quote(CAST(Комментарий AS BLOB)) FROM Файлы "
+                               "WHERE ДискID = ? ORDER BY rowid",
+                               {QString::fromLatin1(id)});
+        };
+        QCOMPARE(stored("WRITER").size(), rows.size());
+        QCOMPARE(stored("WRITER"), stored("PLAIN"));
+        QCOMPARE(files.scalar("SELECT count(*) FROM Файлы WHERE ДискID = 'WRITER' AND Комментарий IS NULL")
+                     .toInt(),
+                 2);
+        QCOMPARE(files
+                     .scalar("SELECT length(Комментарий) FROM Файлы WHERE ДискID = 'WRITER' AND Имя = ?",
+                             {QString("€uro ✓.txt")})
+                     .toInt(),
+                 50);
+    }
+
     void commandLine()
     {
         test::TestApp app;
