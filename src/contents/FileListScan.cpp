@@ -81,6 +81,7 @@ bool FileListScanner::walk(const QString& folder, int depth)
     const bool root = folder.isEmpty();
     const QString path = listPath(folder);
     QList<FileRow> rows;
+    rows.reserve(files.size() + 1);
     if (m_options.scanDir || root) {
         rows.append({path, path, QStringLiteral("0"), {}});
     }
@@ -104,7 +105,7 @@ bool FileListScanner::walk(const QString& folder, int depth)
                 tag.read(file.size, m_volume.tail(filePath, 128).value_or(QByteArray()));
                 row.comment = mp3Comment(tag);
             }
-            rows.append(row);
+            rows.append(std::move(row));
         }
     }
     if (onRows && !rows.isEmpty()) {

@@ -78,12 +78,16 @@ QString plainIsoName(const unsigned char* name, int length)
 
 QString jolietName(const unsigned char* name, int nameLength)
 {
-    QString text;
+    QString text(nameLength / 2, Qt::Uninitialized);
+    QChar* out = text.data();
     for (int i = 0; i + 1 < nameLength; i += 2) {
-        text.append(QChar(char16_t(name[i] << 8 | name[i + 1])));
+        *out++ = QChar(char16_t(name[i] << 8 | name[i + 1]));
     }
     const qsizetype version = text.lastIndexOf(u';');
-    return version >= 0 ? text.left(version) : text;
+    if (version >= 0) {
+        text.truncate(version);
+    }
+    return text;
 }
 
 } // namespace
