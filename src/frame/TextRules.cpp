@@ -61,11 +61,12 @@ template <typename Text> bool allPrintable(Text text)
 }
 
 // True when the collator cannot take the text for the empty one: it holds a character
-// that weighs something (printable ASCII, or anything of the Cyrillic block).
+// that weighs something (printable ASCII, or a letter of the basic Cyrillic range
+// U+0400..U+045F; the block's combining marks are left to the collator).
 bool weighs(QStringView text)
 {
     return std::any_of(text.begin(), text.end(), [](QChar c) {
-        return printable(c.unicode()) || (c.unicode() >= 0x400 && c.unicode() <= 0x4FF);
+        return printable(c.unicode()) || (c.unicode() >= 0x400 && c.unicode() <= 0x45F);
     });
 }
 
@@ -73,9 +74,13 @@ bool weighs(QByteArrayView text)
 {
     for (qsizetype i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
-        // The Cyrillic block is U+0400..U+04FF: lead bytes D0..D3 and a continuation byte.
-        if (printable(byte) || (byte >= 0xD0 && byte <= 0xD3 && i + 1 < text.size() &&
-                                (static_cast<unsigned char>(text[i + 1]) & 0xC0) == 0x80)) {
+        if (printable(byte)) {
+            return true;
+        }
+        // U+0400..U+043F are D0 80..BF, U+0440..U+045F are D1 80..9F.
+        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
+        if ((byte == 0xD0 && next >= 0x80 && next <= 0xBF) ||
+            (byte == 0xD1 && next >= 0x80 && next <= 0x9F)) {
             return true;
         }
     }

@@ -51,6 +51,12 @@ private slots:
             }
         }
         QCOMPARE(answered, 95 * 95);
+        answered = 0;
+        for (char16_t letter = 0x400; letter <= 0x45F; ++letter) {
+            check(QString(QChar(letter)), QString());
+            check(QString(), QString(QChar(letter)) + u'\u0483');
+        }
+        QCOMPARE(answered, 2 * 0x60);
         // A fixed starting state, so that a failure can be repeated.
         QRandomGenerator random(20261123);
         const QString alphabet = QStringLiteral("aAbBzZ09 ._-~,;!'(@&#%+<=>|$");
@@ -91,6 +97,10 @@ private slots:
                                                << "" << false;
         QTest::newRow("tab") << "a\tb"
                              << "ab" << false;
+        QTest::newRow("Cyrillic mark against empty") << "\u0483"
+                                                     << "" << false;
+        QTest::newRow("ґ against empty") << "ґ"
+                                         << "" << false;
     }
 
     void quickOrderLeavesTheRestToTheCollator()
