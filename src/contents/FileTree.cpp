@@ -85,6 +85,49 @@ int fileImage(const QString& name)
     return lower.contains(QStringLiteral(".html")) ? 12 : 1;
 }
 
+double storedKilobytes(const QString& size, const QLocale& locale)
+{
+    // The sizes a scan writes ("4 096,0", "17", "0,5") are read here; any other text is read
+    // by the locale, which then decides. Digit groups of three only, as the locale writes them.
+    const QString group = locale.groupSeparator();
+    const QString point = locale.decimalPoint();
+    double whole = 0;
+    double fraction = 0;
+    double scale = 1;
+    int digitsInGroup = 0;
+    bool grouped = false;
+    bool afterPoint = false;
+    for (qsizetype i = 0; i < size.size(); ++i) {
+        const QChar ch = size.at(i);
+        if (ch >= u'0' && ch <= u'9') {
+            if (afterPoint) {
+                scale /= 10;
+                fraction += (ch.unicode() - u'0') * scale;
+            } else {
+                whole = whole * 10 + (ch.unicode() - u'0');
+                ++digitsInGroup;
+            }
+            continue;
+        }
+        const bool isGroup = !afterPoint && group.size() == 1 && ch == group.at(0) && digitsInGroup >= 1 &&
+                             digitsInGroup <= 3 && (!grouped || digitsInGroup == 3);
+        const bool isPoint = !afterPoint && point.size() == 1 && ch == point.at(0) && digitsInGroup > 0 &&
+                             i + 1 < size.size() && (!grouped || digitsInGroup == 3);
+        if (isGroup) {
+            grouped = true;
+            digitsInGroup = 0;
+        } else if (isPoint) {
+            afterPoint = true;
+        } else {
+            return locale.toDouble(size);
+        }
+    }
+    if (size.isEmpty() || (grouped && !afterPoint && digitsInGroup != 3) || (afterPoint && scale == 1)) {
+        return locale.toDouble(size);
+    }
+    return whole + fraction;
+}
+
 QString listVolumeText(const QStringList& sizes)
 {
     if (sizes.isEmpty()) {
@@ -93,7 +136,7 @@ QString listVolumeText(const QStringList& sizes)
     const QLocale locale;
     double sum = 0;
     for (const QString& size : sizes) {
-        sum += locale.toDouble(size);
+        sum += storedKilobytes(size, locale);
     }
     const QString whole = QString::number(static_cast<qint64>(std::llround(sum)));
     QString text = QString::number(sum, 'f', sum == std::floor(sum) ? 0 : 1);

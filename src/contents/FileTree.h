@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <optional>
 
+class QLocale;
+
 namespace vinora {
 
 // A node of the folder tree of a file list.
@@ -32,5 +34,7 @@ int fileImage(const QString& name);
 
 // "~N Мб" for a sum of kilobytes by cutting digits, never rounding; "~0 Мб" for no rows.
 QString listVolumeText(const QStringList& sizes);
+// A stored size in kilobytes, read as the locale reads it ("4 096,0" is 4096).
+double storedKilobytes(const QString& size, const QLocale& locale);
 
 } // namespace vinora

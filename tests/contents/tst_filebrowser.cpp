@@ -138,6 +138,40 @@ private slots:
         QTEST(listVolumeText(sizes), "text");
     }
 
+    // The quick reading of sizes agrees with the locale's on what a scan writes and on
+    // what it does not.
+    void sizesReadAsTheLocaleReads_data()
+    {
+        QTest::addColumn<QString>("size");
+        const QString g = QLocale().groupSeparator();
+        const QStringList sizes = {"0",
+                                   "17",
+                                   "0,5",
+                                   "4" + g + "096,0",
+                                   "1" + g + "000" + g + "000,25",
+                                   "12" + g + "34,0",
+                                   "1234" + g + "567",
+                                   g + "123",
+                                   "5,",
+                                   ",5",
+                                   "1,2,3",
+                                   "abc",
+                                   "",
+                                   "1 000",
+                                   "-3",
+                                   "1e3",
+                                   "0x10"};
+        for (const QString& size : sizes) {
+            QTest::newRow(qPrintable(size)) << size;
+        }
+    }
+
+    void sizesReadAsTheLocaleReads()
+    {
+        QFETCH(QString, size);
+        QCOMPARE(storedKilobytes(size, QLocale()), QLocale().toDouble(size));
+    }
+
     void images()
     {
         QCOMPARE(fileImage("SETUP.EXE"), 2);
