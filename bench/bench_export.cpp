@@ -43,21 +43,28 @@ int main(int argc, char* argv[])
     });
     report("the same, sorted by title", byTitle, 1000);
 
-    // With covers the time is the file system's, making and removing a file per cover: it is
-    // held against cp -r of the same covers (and the old copies removed first, as the
-    // export replaces its folder).
+    // With covers the time is the file system's, making and removing a file per cover: the
+    // goal is a second beyond cp of the same covers into a folder made anew, as the export
+    // replaces its folder.
     const QString copies = pages.filePath(QStringLiteral("copies"));
-    run(QStringLiteral("cp"), {QStringLiteral("-r"), ctx.appFile(QStringLiteral("box")), copies});
-    // The box folder holds the covers of the three catalogues; the audio ones are 3/4 of them.
-    const double copy = medianMs(3, [&] {
+    QStringList audioCovers =
+        QDir(ctx.appFile(QStringLiteral("box"))).entryList({QStringLiteral("ad_*.box")}, QDir::Files);
+    for (QString& cover : audioCovers) {
+        cover = ctx.appFile(QStringLiteral("box/") + cover);
+    }
+    const auto copyCovers = [&] {
         QDir(copies).removeRecursively();
-        run(QStringLiteral("cp"), {QStringLiteral("-r"), ctx.appFile(QStringLiteral("box")), copies});
-    });
+        QDir().mkpath(copies);
+        run(QStringLiteral("cp"), audioCovers + QStringList{copies});
+    };
+    copyCovers();
+    const double copy = medianMs(3, copyCovers);
     const double withCovers = medianMs(3, [&] {
         ExportCatalog(ctx, {Category::Audio, every, false, kAllValues}, page);
     });
-    std::printf("%-62s %.0f ms in all; rm -r and cp -r of every cover: %.0f ms\n", "", withCovers, copy);
-    report("the same with its covers, beyond rm and cp of the covers", withCovers - copy, 1000);
+    std::printf("%-62s %lld covers copied\n", "", static_cast<long long>(audioCovers.size()));
+    reportBeside("the same with its covers (goal: 1 s beyond rm and cp of them)", withCovers, 1000 + copy,
+                 "rm -r and cp of the covers", copy);
 
     int rows = 0;
     const double stored = medianMs(3, [&] {

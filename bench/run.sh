@@ -10,6 +10,8 @@ order=(startup catalogue lending store contents export maintenance search recogn
 table="$build/bench/results.tsv"
 : > "$table"
 export VINORA_BENCH_TABLE="$table"
+# Outside a desktop session the windows' libraries want a private runtime folder.
+export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$(mktemp -d)}
 status=0
 for name in "${order[@]}"; do
   bench="$build/bench/bench_$name"
