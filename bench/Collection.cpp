@@ -400,6 +400,33 @@ QString firstTrackListId()
     return discId(0xA0000000u, 1);
 }
 
+namespace {
+
+QString openedFolder(const Collection& collection, const QString& copy)
+{
+    describeCollection(collection);
+    if (copy.isEmpty()) {
+        return collection.folder;
+    }
+    const QString target = QDir(benchDataFolder()).filePath(copy);
+    copyCollection(collection, target);
+    return target;
+}
+
+} // namespace
+
+CollectionApp::CollectionApp(const QString& copy)
+    : collection(benchCollection()), folder(openedFolder(collection, copy))
+{
+}
+
+CollectionApp::~CollectionApp()
+{
+    if (folder != collection.folder) {
+        QDir(folder).removeRecursively();
+    }
+}
+
 void describeCollection(const Collection& collection)
 {
     UnattendedPrompter prompts;

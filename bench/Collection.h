@@ -6,6 +6,8 @@
 // tenth), 2,000,000 file rows over the computer discs (one disc with 100,000 files), about
 // 200,000 tracks over the audio discs, 10,000 loans to 2,000 borrowers and a dozen query
 // shortcuts. Smaller sizes scale every count; they show how the costs grow.
+#include "frame/AppContext.h"
+
 #include <QString>
 
 namespace vinora::bench {
@@ -49,5 +51,22 @@ QString firstTrackListId();
 
 // One line on what the collection holds, counted from its databases.
 void describeCollection(const Collection& collection);
+
+// The collection opened as an application folder, its contents told first: the collection
+// itself for a benchmark that only reads, or a fresh copy of it (named `copy`, under the data
+// folder, removed at the end) for one that writes.
+struct CollectionApp
+{
+    explicit CollectionApp(const QString& copy = {});
+    ~CollectionApp();
+    CollectionApp(const CollectionApp&) = delete;
+    CollectionApp& operator=(const CollectionApp&) = delete;
+
+    const Collection collection;
+    const QString folder;
+    UnattendedPrompter prompts;
+    SystemClock clock;
+    AppContext ctx{folder, prompts, clock};
+};
 
 } // namespace vinora::bench

@@ -50,11 +50,9 @@ void openCatalogue(AppContext& ctx, Category category, const char* openLine, con
 int main(int argc, char* argv[])
 {
     const OffscreenWindows windows(argc, argv);
-    const Collection collection = benchCollection();
-    describeCollection(collection);
-    UnattendedPrompter prompts;
-    SystemClock clock;
-    AppContext ctx(collection.folder, prompts, clock);
+    CollectionApp opened;
+    const Collection& collection = opened.collection;
+    AppContext& ctx = opened.ctx;
 
     openCatalogue(ctx, Category::Audio, "open the audio catalogue, first screen shown",
                   "one keystroke of the audio catalogue's name filter");

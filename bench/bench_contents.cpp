@@ -44,13 +44,8 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
-    const Collection collection = benchCollection();
-    describeCollection(collection);
-    const QString work = QDir(benchDataFolder()).filePath(QStringLiteral("contents-work"));
-    copyCollection(collection, work);
-    UnattendedPrompter prompts;
-    SystemClock clock;
-    AppContext ctx(work, prompts, clock);
+    CollectionApp opened(QStringLiteral("contents-work"));
+    AppContext& ctx = opened.ctx;
     const QTemporaryDir dir;
     const QString tree = dir.filePath(QStringLiteral("tree"));
     for (int folder = 0; folder < 1000; ++folder) {
@@ -94,6 +89,5 @@ int main(int argc, char* argv[])
     }
     paths.sort();
     report("build the folder tree of 10,000 folders", medianMs(5, [&] { BuildTree(paths); }), 200);
-    QDir(work).removeRecursively();
     return finish();
 }

@@ -19,11 +19,9 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
-    const Collection collection = benchCollection();
-    describeCollection(collection);
-    UnattendedPrompter prompts;
-    SystemClock clock;
-    const AppContext ctx(collection.folder, prompts, clock);
+    CollectionApp opened;
+    const Collection& collection = opened.collection;
+    const AppContext& ctx = opened.ctx;
     const QTemporaryDir pages;
     const QString page = pages.filePath(QStringLiteral("page.htm"));
 

@@ -20,11 +20,8 @@ using namespace vinora::bench;
 int main(int argc, char* argv[])
 {
     const OffscreenWindows windows(argc, argv);
-    const Collection collection = benchCollection();
-    describeCollection(collection);
-    UnattendedPrompter prompts;
-    SystemClock clock;
-    AppContext ctx(collection.folder, prompts, clock);
+    CollectionApp opened;
+    AppContext& ctx = opened.ctx;
 
     std::unique_ptr<frmDue> window;
     report("open the debtor list, first screen shown",

@@ -29,13 +29,9 @@ int main(int argc, char* argv[])
         report("create the three databases", medianMs(1, [&] { Reanimator(empty.ctx, 0); }), 500);
     }
 
-    const Collection collection = benchCollection();
-    describeCollection(collection);
-    const QString work = QDir(benchDataFolder()).filePath(QStringLiteral("store-work"));
-    copyCollection(collection, work);
-    UnattendedPrompter prompts;
-    SystemClock clock;
-    AppContext ctx(work, prompts, clock);
+    CollectionApp opened(QStringLiteral("store-work"));
+    const Collection& collection = opened.collection;
+    AppContext& ctx = opened.ctx;
     const int audioRows = collection.size.audioRows;
 
     report("open and close the main database", medianMs(21, [&] { Db db(ctx.MainDBPath); }), 5);
@@ -109,6 +105,5 @@ int main(int argc, char* argv[])
                         }
                     }),
            1500);
-    QDir(work).removeRecursively();
     return finish();
 }
