@@ -2,6 +2,7 @@
 #include "frame/Cp1251.h"
 #include "frame/IniFile.h"
 #include "frame/WindowPlacement.h"
+#include "support/DataRows.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
@@ -273,11 +274,8 @@ private slots:
 
     void namesRoundTrip_data()
     {
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("key");
-        const auto row = [](const char* tag, const QString& section, const QString& key) {
-            QTest::newRow(tag) << section << key;
-        };
+        test::addColumns<QString>({"section", "key"});
+        const auto row = test::addRow<QString, QString>;
         row("Cyrillic shortcut name", "Мой запрос", "Category");
         row("Japanese shortcut name", "日本のアニメ", "Category");
         row("emoji key", "Sec", "ключ🎵");
@@ -392,16 +390,10 @@ private slots:
 
     void windowPlacementFromAnyText_data()
     {
-        QTest::addColumn<QString>("height");
-        QTest::addColumn<QString>("width");
-        QTest::addColumn<QString>("left");
-        QTest::addColumn<QString>("top");
+        test::addColumns<QString>({"height", "width", "left", "top"});
         QTest::addColumn<QRect>("expected");
         const QRect designed(100, 80, 640, 480);
-        const auto row = [](const char* tag, const QString& height, const QString& width, const QString& left,
-                            const QString& top, const QRect& expected) {
-            QTest::newRow(tag) << height << width << left << top << expected;
-        };
+        const auto row = test::addRow<QString, QString, QString, QString, QRect>;
         row("as stored", "6000", "9000", "1500", "750", QRect(100, 50, 600, 400));
         row("huge size", "99999999999999", "99999999999999", "0", "0", QRect(0, 0, 1920, 1040));
         row("beyond double", "1e999", "-1e999", "1e999", "-1e999", designed);

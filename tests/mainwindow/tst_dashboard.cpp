@@ -14,6 +14,7 @@
 #include "store/Db.h"
 #include "store/InfoStamp.h"
 #include "store/Reanimator.h"
+#include "support/DataRows.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
@@ -487,11 +488,8 @@ private slots:
 
     void lastAction_data()
     {
-        QTest::addColumn<QString>("stored"); // "-" for missing
-        QTest::addColumn<QString>("command");
-        const auto row = [](const char* tag, const QString& stored, const QString& command) {
-            QTest::newRow(tag) << stored << command;
-        };
+        test::addColumns<QString>({"stored", "command"}); // stored "-" for missing
+        const auto row = test::addRow<QString, QString>;
         row("missing", "-", "ID_Catalog_AddAudioCD");
         row("1", "1", "ID_Catalog_AddAudioCD");
         row("2", "2", "ID_Catalog_AddPCCD");

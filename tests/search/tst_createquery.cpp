@@ -8,6 +8,7 @@
 #include "search/frmCreateQuery.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "support/DataRows.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
@@ -180,10 +181,7 @@ private slots:
         QTest::addColumn<int>("category");
         QTest::addColumn<QStringList>("conditions");
         QTest::addColumn<QString>("message"); // empty when saved
-        const auto row = [](const char* tag, const QString& stored, const QString& name, int category,
-                            const QStringList& conditions, const QString& message) {
-            QTest::newRow(tag) << stored << name << category << conditions << message;
-        };
+        const auto row = test::addRow<QString, QString, int, QStringList, QString>;
         const QString noName = "Введите название ярлыка!";
         const QString twice = "В условии запроса дважды указано одно и то же поле!";
         const QString none = "Хотя бы один запрос должен быть сформирован!";
@@ -249,10 +247,7 @@ private slots:
         QTest::addColumn<QStringList>("conditions");
         QTest::addColumn<QString>("code");
         QTest::addColumn<QStringList>("queries");
-        const auto row = [](const char* tag, int category, const QStringList& conditions, const QString& code,
-                            const QStringList& queries) {
-            QTest::newRow(tag) << category << conditions << code << queries;
-        };
+        const auto row = test::addRow<int, QStringList, QString, QStringList>;
         row("Номер =", 0, {"Номер|=|5"}, "AD", {"And Номер = 5"});
         row("Номер <", 0, {"Номер|<|10"}, "AD", {"And Номер < 10"});
         row("Номер >", 1, {"Номер|>| 3 "}, "PC", {"And Номер > 3"});
@@ -355,11 +350,8 @@ private slots:
 
     void readBack_data()
     {
-        QTest::addColumn<QString>("fragment");
-        QTest::addColumn<QString>("condition"); // "-" when it does not read
-        const auto row = [](const char* tag, const QString& fragment, const QString& condition) {
-            QTest::newRow(tag) << fragment << condition;
-        };
+        test::addColumns<QString>({"fragment", "condition"}); // condition "-" when it does not read
+        const auto row = test::addRow<QString, QString>;
         row("number", "And Номер > 12", "Номер|>|12");
         row("LIKE", "and Название like '*abc*'", "Название|LIKE|abc");
         row("doubled apostrophe", "And Альбом LIKE '*O''Brien*'", "Альбом|LIKE|O'Brien");

@@ -5,6 +5,7 @@
 #include "store/ContentsLists.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "support/DataRows.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
@@ -164,13 +165,8 @@ private slots:
     {
         // The window opened with `category`; `options` ticked; what the list and its line show, and
         // what is said when nothing is found.
-        for (const char* column : {"category", "options", "text", "found", "said"}) {
-            QTest::addColumn<QString>(column);
-        }
-        const auto row = [](const char* name, const char* category, const char* options, const char* text,
-                            const char* found, const char* said) {
-            QTest::newRow(name) << category << options << text << found << said;
-        };
+        test::addColumns<QString>({"category", "options", "text", "found", "said"});
+        const auto row = test::addRow<QString, QString, QString, QString, QString>;
         row("files: disc 2, root", "", "", "ROCK",
             "rock.txt|12 (2)|...; rock.mp3|12 (2)|\\Rock\\; rock.doc|5|...",
             "Результат поиска (найдено файлов: 3):");
@@ -288,13 +284,8 @@ private slots:
     void hitOpensItsListAtTheFoundPlace_data()
     {
         // The hit `hit` of `text` opened by Enter or a double click: what its list shows.
-        for (const char* column : {"category", "text", "hit", "how", "state"}) {
-            QTest::addColumn<QString>(column);
-        }
-        const auto row = [](const char* name, const char* category, const char* text, const char* hit,
-                            const char* how, const char* state) {
-            QTest::newRow(name) << category << text << hit << how << state;
-        };
+        test::addColumns<QString>({"category", "text", "hit", "how", "state"});
+        const auto row = test::addRow<QString, QString, QString, QString, QString>;
         row("file of disc 2", "PC", "rock", "rock.mp3", "double click",
             "frmFileList / 2 / Rock / rock.mp3 / rock.mp3");
         row("file at the root", "PC", "ёлка", "Ёлка.txt", "Enter",
