@@ -3,6 +3,7 @@
 #include "lending/frmDueStat.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "support/DataRows.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
@@ -13,7 +14,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QProgressBar>
-#include <QRadioButton>
 #include <QTableWidget>
 #include <QTreeWidget>
 
@@ -126,10 +126,7 @@ private slots:
         QTest::addColumn<QStringList>("lines");
         QTest::addColumn<QString>("figures");
 
-        const auto row = [](const char* tag, const QList<PastLoan>& loans, const QStringList& filters,
-                            const QStringList& lines, const QString& figures) {
-            QTest::newRow(tag) << loans << filters << lines << figures;
-        };
+        const auto row = test::addRow<QList<PastLoan>, QStringList, QStringList, QString>;
         const PastLoan late20{"AD", 12, "2026-10-01", "2026-10-21"};
         const PastLoan outPc{"PC", 12, "2026-12-01", ""};
         const QString nothing = "- | - | 0 | -";
@@ -197,26 +194,6 @@ private slots:
         QCOMPARE(shown.listShown, !lines.isEmpty());
         QCOMPARE(shown.figures, figures);
         QVERIFY(shelf.app.prompter.texts().isEmpty());
-    }
-
-    void fixedTextsAndTheBarRange()
-    {
-        Shelf shelf;
-        frmDueStat window(shelf.app.ctx);
-        const auto* bar = window.findChild<QProgressBar*>("prbRating");
-        QCOMPARE((QList<int>{bar->minimum(), bar->maximum()}), (QList<int>{0, 80}));
-        QVERIFY(window.findChild<QLabel*>("imgGood") && window.findChild<QLabel*>("imgBad"));
-        QStringList texts;
-        for (const char* name : {"lblTotalDays0", "lblDueCount0", "chDue", "optSorted0", "optSorted1",
-                                 "optSorted2", "optSorted3"}) {
-            texts.append(window.findChild<QWidget*>(QString::fromLatin1(name))->property("text").toString());
-        }
-        QCOMPARE(texts, (QStringList{"Общее количество дней задержки:", "Долгов:", "Долги", "Все", "Аудио",
-                                     "Компьютерные", "DVD"}));
-        const QTreeWidgetItem* header = ratingList(window)->headerItem();
-        QCOMPARE((QStringList{header->text(0), header->text(1), header->text(2)}),
-                 (QStringList{"Категория диска", "№", "Задержка (дн.)"}));
-        QVERIFY(window.findChild<QRadioButton*>("optSorted0")->isChecked());
     }
 
     void borrowersInTheOrderOfTheirNames()

@@ -4,6 +4,7 @@
 #include "lending/frmAddInDueFromMain.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "support/DataRows.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
@@ -128,31 +129,21 @@ private slots:
     {
         QTest::addColumn<Category>("category");
         QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("question");
-        QTest::addColumn<QString>("categoryText");
-        QTest::addColumn<QString>("description");
-        QTest::newRow("audio with album")
-            << Category::Audio << 12
-            << QString("Подтвердите добавление должника на диск № 12:\n'Кино - Группа крови'")
-            << QString("Аудио диск") << "Группа/Исполнитель";
-        QTest::newRow("audio without album")
-            << Category::Audio << 13 << QString("Подтвердите добавление должника на диск № 13:\n'Аквариум'")
-            << QString("Аудио диск") << "Группа/Исполнитель";
-        QTest::newRow("computer, apostrophes in the title")
-            << Category::Computer << 12
-            << QString("Подтвердите добавление должника на диск № 12:\n'Rock'n'Roll Racing'")
-            << QString("Компьютерный диск") << "Название";
-        QTest::newRow("DVD") << Category::Dvd << 12
-                             << QString("Подтвердите добавление должника на диск № 12:\n'Брат'")
-                             << QString("DVD диск") << "Название";
+        test::addColumns<QString>({"title", "categoryText", "description"});
+        const auto row = test::addRow<Category, int, QString, QString, QString>;
+        row("audio with album", Category::Audio, 12, "Кино - Группа крови", "Аудио диск",
+            "Группа/Исполнитель");
+        row("audio without album", Category::Audio, 13, "Аквариум", "Аудио диск", "Группа/Исполнитель");
+        row("computer, apostrophes in the title", Category::Computer, 12, "Rock'n'Roll Racing",
+            "Компьютерный диск", "Название");
+        row("DVD", Category::Dvd, 12, "Брат", "DVD диск", "Название");
     }
 
     void lendingEndsInTheLendingDialog()
     {
         QFETCH(Category, category);
         QFETCH(int, number);
-        QFETCH(QString, question);
-        QFETCH(QString, description);
+        QFETCH(QString, title);
         Shelf shelf;
         Window window(shelf, category, true);
         LendingDialog lending;
@@ -160,11 +151,13 @@ private slots:
         shelf.app.prompter.handleModal(lending.handler("Борис"));
         window.enter(QString::number(number));
 
-        QCOMPARE(shelf.app.prompter.texts(), QStringList{question});
+        QCOMPARE(shelf.app.prompter.texts(),
+                 QStringList{
+                     QString("Подтвердите добавление должника на диск № %1:\n'%2'").arg(number).arg(title)});
         QCOMPARE(shelf.app.prompter.shown.value(0).style, MessageStyle::OkCancelInformation);
         QCOMPARE(lending.number, QString::number(number));
         QTEST(lending.category, "categoryText");
-        QCOMPARE(lending.description, description);
+        QTEST(lending.description, "description");
         QCOMPARE(lending.title, shelf.disc(category, number).title);
         QVERIFY(shelf.disc(category, number).lent);
         QCOMPARE(
@@ -211,26 +204,21 @@ private slots:
     {
         QTest::addColumn<bool>("adding");
         QTest::addColumn<Category>("category");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("message");
+        test::addColumns<QString>({"typed", "message"});
+        const auto row = test::addRow<bool, Category, QString, QString>;
         const QString wrong = "Указан не верный номер диска. Повторите ввод.";
-        QTest::newRow("nothing typed") << true << Category::Audio << "" << wrong;
-        QTest::newRow("number 0") << true << Category::Audio << "0" << wrong;
-        QTest::newRow("zeros, taking back") << false << Category::Dvd << "000" << wrong;
-        QTest::newRow("unknown number")
-            << true << Category::Audio << QString("77") << "Диск № 77 отсутствует в каталоге.";
-        QTest::newRow("leading zeros")
-            << false << Category::Audio << QString("0077") << "Диск № 77 отсутствует в каталоге.";
-        QTest::newRow("number of another catalogue")
-            << true << Category::Dvd << QString("13") << "Диск № 13 отсутствует в каталоге.";
-        QTest::newRow("beyond any number") << true << Category::Audio << QString("99999999999")
-                                           << "Диск № 99999999999 отсутствует в каталоге.";
-        QTest::newRow("letters dropped")
-            << true << Category::Audio << QString("7a7") << "Диск № 77 отсутствует в каталоге.";
-        QTest::newRow("already out") << true << Category::Computer << QString("12")
-                                     << "Диск № 12 уже находится у должника.";
-        QTest::newRow("never lent") << false << Category::Audio << QString("13")
-                                    << "Диск № 13 не одалживался!";
+        const QString no77 = "Диск № 77 отсутствует в каталоге.";
+        row("nothing typed", true, Category::Audio, "", wrong);
+        row("number 0", true, Category::Audio, "0", wrong);
+        row("zeros, taking back", false, Category::Dvd, "000", wrong);
+        row("unknown number", true, Category::Audio, "77", no77);
+        row("leading zeros", false, Category::Audio, "0077", no77);
+        row("number of another catalogue", true, Category::Dvd, "13", "Диск № 13 отсутствует в каталоге.");
+        row("beyond any number", true, Category::Audio, "99999999999",
+            "Диск № 99999999999 отсутствует в каталоге.");
+        row("letters dropped", true, Category::Audio, "7a7", no77);
+        row("already out", true, Category::Computer, "12", "Диск № 12 уже находится у должника.");
+        row("never lent", false, Category::Audio, "13", "Диск № 13 не одалживался!");
     }
 
     void refusals()
@@ -267,15 +255,12 @@ private slots:
     {
         QTest::addColumn<Category>("category");
         QTest::addColumn<QString>("question");
-        QTest::newRow("audio") << Category::Audio
-                               << "Подтвердите удаление должника на Аудио диск № 12:\n'Кино - Группа крови'\n"
-                                  "Должник: Борис";
+        const QString asked = "Подтвердите удаление должника на %1 диск № 12:\n'%2'\nДолжник: Борис";
+        QTest::newRow("audio") << Category::Audio << asked.arg("Аудио").arg("Кино - Группа крови");
         QTest::newRow("computer") << Category::Computer
-                                  << "Подтвердите удаление должника на Компьютерный диск № 12:\n'Rock'n'Roll "
-                                     "Racing'\nДолжник: Борис";
+                                  << asked.arg("Компьютерный").arg("Rock'n'Roll Racing");
         QTest::newRow("DVD, asked as a computer disc")
-            << Category::Dvd
-            << "Подтвердите удаление должника на Компьютерный диск № 12:\n'Брат'\nДолжник: Борис";
+            << Category::Dvd << asked.arg("Компьютерный").arg("Брат");
     }
 
     void takingBack()
@@ -331,21 +316,18 @@ private slots:
     {
         QTest::addColumn<QString>("start");
         QTest::addColumn<int>("checked");
-        QTest::addColumn<QString>("question");
-        QTest::newRow("none") << "" << 0
-                              << "Подтвердите добавление должника на диск № 12:\n'Кино - Группа крови'";
-        QTest::newRow("AD") << "AD" << 0
-                            << "Подтвердите добавление должника на диск № 12:\n'Кино - Группа крови'";
-        QTest::newRow("PC") << "PC" << 1
-                            << "Подтвердите добавление должника на диск № 12:\n'Rock'n'Roll Racing'";
-        QTest::newRow("DVD") << "DVD" << 2 << "Подтвердите добавление должника на диск № 12:\n'Брат'";
+        QTest::addColumn<QString>("title");
+        QTest::newRow("none") << "" << 0 << "Кино - Группа крови";
+        QTest::newRow("AD") << "AD" << 0 << "Кино - Группа крови";
+        QTest::newRow("PC") << "PC" << 1 << "Rock'n'Roll Racing";
+        QTest::newRow("DVD") << "DVD" << 2 << "Брат";
     }
 
     void startingCategory()
     {
         QFETCH(QString, start);
         QFETCH(int, checked);
-        QFETCH(QString, question);
+        QFETCH(QString, title);
         Shelf shelf;
         frmAddInDueFromMain dialog(shelf.app.ctx, DiscPicker(), start);
         dialog.show();
@@ -358,7 +340,8 @@ private slots:
         auto* number = dialog.findChild<QLineEdit*>("txtNumber");
         QTest::keyClicks(number, "12");
         QTest::keyClick(number, Qt::Key_Enter); // the keypad's Enter
-        QCOMPARE(shelf.app.prompter.texts(), QStringList{question});
+        QCOMPARE(shelf.app.prompter.texts(),
+                 QStringList{"Подтвердите добавление должника на диск № 12:\n'" + title + "'"});
     }
 
     void pickingADisc_data()
