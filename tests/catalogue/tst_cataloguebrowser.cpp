@@ -136,19 +136,6 @@ private slots:
         QCOMPARE(dictionary->currentText(), QString());
     }
 
-    void nameFilterCaption_data() { addCategories(); }
-    void nameFilterCaption()
-    {
-        QFETCH(int, category);
-        Catalogue c(static_cast<Category>(category));
-        c.open();
-        QStringList captions;
-        for (const QLabel* label : c.window->findChildren<QLabel*>()) {
-            captions.append(label->text());
-        }
-        QVERIFY(captions.contains(c.kind().nameCaption + " [запрос]"));
-    }
-
     void filteredListStaysAfterAChangeAndAnAdd_data()
     {
         QTest::addColumn<bool>("stored"); // a stored query, or a name typed in
@@ -254,26 +241,6 @@ private slots:
         }
         const QString log = cp1251::decode(test::readFile(c.app.file("bugreport.log")));
         QVERIFY2(log.contains(c.kind().formName + ", " + routine + "()"), qPrintable(log));
-    }
-
-    void coverChooserOffersPictures()
-    {
-        // A prompter that notes the chooser's filter and cancels it.
-        struct Chooser : UnattendedPrompter
-        {
-            QString filter;
-            QString openFile(const QString&, const QString& offered, const QString&) override
-            {
-                filter = offered;
-                return {};
-            }
-        } chooser;
-        Catalogue c(Category::Audio);
-        c.add(1, "Один");
-        AppContext ctx(c.app.folder.path(), chooser, c.app.clock);
-        frmCatalogue w(ctx, Category::Audio);
-        w.cmdChangeBox();
-        QCOMPARE(chooser.filter, "Файлы изображений (*.jpg;*.gif)|*.jpg;*.gif|Все файлы (*.*)|*.*");
     }
 
     void windowKeepsItsSizeUnderAFilter()

@@ -11,6 +11,7 @@
 #include "store/InfoStamp.h"
 #include "store/Reanimator.h"
 #include "store/Schema.h"
+#include "support/DataRows.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
@@ -84,19 +85,20 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("up");
         QTest::addColumn<QString>("result");
-        QTest::newRow("year down at 0000") << QString("year") << "0000" << false << "0000";
-        QTest::newRow("year up at 9999") << QString("year") << "9999" << true << "9999";
-        QTest::newRow("year up") << QString("year") << "1999" << true << "2000";
-        QTest::newRow("tracks down at 00") << QString("tracks") << "00" << false << "00";
-        QTest::newRow("tracks up at 99") << QString("tracks") << "99" << true << "99";
-        QTest::newRow("tracks up") << QString("tracks") << "09" << true << "10";
-        QTest::newRow("discs up at 6") << QString("discs") << "6" << true << "6";
-        QTest::newRow("discs down at 1") << QString("discs") << "1" << false << "1";
-        QTest::newRow("time down at 00:00") << QString("time") << "00:00" << false << "00:00";
-        QTest::newRow("time seconds run to 99") << QString("time") << "00:59" << true << "00:60";
-        QTest::newRow("time past 99 seconds") << QString("time") << "00:99" << true << "01:00";
-        QTest::newRow("time below 0 seconds") << QString("time") << "01:00" << false << "00:99";
-        QTest::newRow("time up at 99:99") << QString("time") << "99:99" << true << "99:99";
+        const auto row = test::addRow<QString, QString, bool, QString>;
+        row("year down at 0000", "year", "0000", false, "0000");
+        row("year up at 9999", "year", "9999", true, "9999");
+        row("year up", "year", "1999", true, "2000");
+        row("tracks down at 00", "tracks", "00", false, "00");
+        row("tracks up at 99", "tracks", "99", true, "99");
+        row("tracks up", "tracks", "09", true, "10");
+        row("discs up at 6", "discs", "6", true, "6");
+        row("discs down at 1", "discs", "1", false, "1");
+        row("time down at 00:00", "time", "00:00", false, "00:00");
+        row("time seconds run to 99", "time", "00:59", true, "00:60");
+        row("time past 99 seconds", "time", "00:99", true, "01:00");
+        row("time below 0 seconds", "time", "01:00", false, "00:99");
+        row("time up at 99:99", "time", "99:99", true, "99:99");
     }
 
     void spinners()
@@ -270,13 +272,11 @@ private slots:
         QTest::addColumn<QStringList>("checkedBefore");
         QTest::addColumn<QString>("toggle");
         QTest::addColumn<QString>("saved");
-        QTest::newRow("none, one added") << "" << QStringList{} << QString("DTS") << "5,";
-        QTest::newRow("one dropped") << "2,5," << QStringList{"Dolby Digital 5.1", "DTS"} << QString("DTS")
-                                     << "2,";
-        QTest::newRow("added in dictionary order")
-            << "5," << QStringList{"DTS"} << QString("Dolby Digital 2.0") << "1,5,";
-        QTest::newRow("unknown code forgotten")
-            << "9,7," << QStringList{"Stereo"} << QString("Mono") << "7,8,";
+        const auto row = test::addRow<QString, QStringList, QString, QString>;
+        row("none, one added", "", {}, "DTS", "5,");
+        row("one dropped", "2,5,", {"Dolby Digital 5.1", "DTS"}, "DTS", "2,");
+        row("added in dictionary order", "5,", {"DTS"}, "Dolby Digital 2.0", "1,5,");
+        row("unknown code forgotten", "9,7,", {"Stereo"}, "Mono", "7,8,");
     }
     void dvdSoundFormats()
     {
@@ -324,22 +324,15 @@ private slots:
     void inputIsCutToWhatTheTableHolds_data()
     {
         QTest::addColumn<int>("category");
-        QTest::addColumn<QString>("box");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("column");
-        QTest::addColumn<QString>("stored");
-        QTest::newRow("audio title") << int(Category::Audio) << "txtName" << QString(61, u'n') << "Название"
-                                     << QString(60, u'n');
-        QTest::newRow("audio album") << int(Category::Audio) << "txtAlbum" << QString(70, u'a') << "Альбом"
-                                     << QString(60, u'a');
-        QTest::newRow("computer title")
-            << int(Category::Computer) << "txtName" << QString(61, u'n') << "Название" << QString(60, u'n');
-        QTest::newRow("DVD title") << int(Category::Dvd) << "txtName" << QString(61, u'n') << "Название"
-                                   << QString(60, u'n');
-        QTest::newRow("DVD time") << int(Category::Dvd) << QString("txtTime") << QString("99999")
-                                  << QString("Время") << "9999";
-        QTest::newRow("year") << int(Category::Computer) << QString("txtYear") << QString("123456")
-                              << QString("Год") << "12345";
+        test::addColumns<QString>({"box", "typed", "column", "stored"});
+        const auto row = test::addRow<int, QString, QString, QString, QString>;
+        const int audio = int(Category::Audio), computer = int(Category::Computer), dvd = int(Category::Dvd);
+        row("audio title", audio, "txtName", QString(61, u'n'), "Название", QString(60, u'n'));
+        row("audio album", audio, "txtAlbum", QString(70, u'a'), "Альбом", QString(60, u'a'));
+        row("computer title", computer, "txtName", QString(61, u'n'), "Название", QString(60, u'n'));
+        row("DVD title", dvd, "txtName", QString(61, u'n'), "Название", QString(60, u'n'));
+        row("DVD time", dvd, "txtTime", "99999", "Время", "9999");
+        row("year", computer, "txtYear", "123456", "Год", "12345");
     }
 
     void inputIsCutToWhatTheTableHolds()
