@@ -9,6 +9,7 @@
 #include "store/Reanimator.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestFolders.h"
+#include "support/Widgets.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -49,28 +50,11 @@ struct App
     }
 };
 
-template <typename T> T* child(const QObject& parent, const QString& name)
-{
-    T* found = parent.findChild<T*>(name);
-    if (found == nullptr) {
-        qFatal("no control %s", qPrintable(name));
-    }
-    return found;
-}
-
-template <typename T> T* child(const QObject& parent, const char* name)
-{
-    return child<T>(parent, QString::fromUtf8(name));
-}
-
-void click(const QObject& dialog, const QString& button)
-{
-    child<QAbstractButton>(dialog, button)->click();
-}
+using test::child;
 
 void click(const QObject& dialog, const char* button)
 {
-    click(dialog, QString::fromUtf8(button));
+    child<QAbstractButton>(dialog, button)->click();
 }
 
 const QStringList kSortKeys = {"ADCDsorted",     "ADCDsortedDESC", "PCCDsorted",
@@ -286,13 +270,7 @@ private slots:
         frmOption dialog(a.app.ctx);
         auto* servers = child<QComboBox>(dialog, "cmbServer");
         auto* edit = child<QLineEdit>(dialog, QStringLiteral("txtServer%1").arg(entry));
-        const QStringList before = [servers] {
-            QStringList items;
-            for (int i = 0; i < servers->count(); ++i) {
-                items.append(servers->itemText(i));
-            }
-            return items;
-        }();
+        const QStringList before = test::items(servers);
         QCOMPARE(before.size(), 7);
         QVERIFY(before[entry - 1] != shown);
 
@@ -309,10 +287,9 @@ private slots:
         }
         // Half typed, the entry is not a server yet, and the list says so.
         if (typed.endsWith(u"8081")) {
-            QTest::keyClick(edit, Qt::Key_Backspace);
-            QTest::keyClick(edit, Qt::Key_Backspace);
-            QTest::keyClick(edit, Qt::Key_Backspace);
-            QTest::keyClick(edit, Qt::Key_Backspace);
+            for (int i = 0; i < 4; ++i) {
+                QTest::keyClick(edit, Qt::Key_Backspace);
+            }
             QCOMPARE(servers->currentText(), QStringLiteral("%1: (не задан)").arg(entry));
             QTest::keyClicks(edit, "8081");
         }
