@@ -54,6 +54,13 @@ struct Lists
         db.exec("UPDATE Компьютер SET ДискID1 = ?", {id});
         app.ctx.DiscIDSlots[0] = id;
     }
+    // Puts a disc image in the drive; its list id comes back.
+    QString insert(const QString& image) const
+    {
+        addVirtualDrive(app.ctx.ini(), image);
+        setChosenDrive(app.ctx.ini(), image);
+        return QString::number(readVolumeInfo(image).serial, 16).toUpper();
+    }
 };
 
 // Clicks, or double-clicks, the row of `text` in a shown view, as the user does.
@@ -111,11 +118,7 @@ private slots:
             texts.append(node.parent < 0 ? node.text : texts[node.parent] + '/' + node.text);
         }
         QTEST(texts, "nodes");
-        QString deep = "\\";
-        for (int i = 0; i < 41; ++i) {
-            deep += "d\\";
-        }
-        QVERIFY(!BuildTree({deep}));
+        QVERIFY(!BuildTree({"\\" + QString("d\\").repeated(41)}));
     }
 
     void volumes_data()
@@ -281,10 +284,7 @@ private slots:
     void scanThroughTheWindows()
     {
         Lists l;
-        const QString iso = m_discs.iso("scan.iso", {"-J", "-V", "SCAN"});
-        const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
-        addVirtualDrive(l.app.ctx.ini(), iso);
-        setChosenDrive(l.app.ctx.ini(), iso);
+        const QString id = l.insert(m_discs.iso("scan.iso", {"-J", "-V", "SCAN"}));
         l.app.ctx.ini().write("Option", "SaveFileListOption", "1");
         frmFileList list(l.app.ctx, 4, "Программы", 2);
         const auto runWalk = [](QDialog& dialog) {
@@ -411,9 +411,7 @@ private slots:
         QFETCH(QString, file);
         Lists l;
         const QString iso = m_discs.iso("open.iso", {"-J", "-V", "OPEN"});
-        const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
-        addVirtualDrive(l.app.ctx.ini(), iso);
-        setChosenDrive(l.app.ctx.ini(), iso);
+        const QString id = l.insert(iso);
         l.app.ctx.ini().write("Option", "FilesAction", filesAction);
         ScanRequest request{iso, "PcCD", id, ScanOptions{}, 4, 1, false};
         QVERIFY(startScan(l.app.ctx, request, {}).done);
@@ -466,9 +464,7 @@ private slots:
         const QString iso =
             m_dir.filePath(damaged ? QString("damaged-open.iso") : QString("plain-open-copy.iso"));
         test::writeFile(iso, image);
-        const QString id = QString::number(readVolumeInfo(iso).serial, 16).toUpper();
-        addVirtualDrive(l.app.ctx.ini(), iso);
-        setChosenDrive(l.app.ctx.ini(), iso);
+        const QString id = l.insert(iso);
         l.app.ctx.ini().write("Option", "FilesAction", "1");
         l.makeList(id, {{"\\", "\\", "0"}, {"\\DOCS\\", "\\DOCS\\", "0"}, {file, "\\DOCS\\", "1,0"}});
         frmFileList list(l.app.ctx, 4, "Программы", 2);
@@ -541,9 +537,7 @@ private slots:
     {
         QFETCH(QStringList, clicks);
         Lists l;
-        const QString iso = m_discs.iso("ticks.iso", {"-J"});
-        addVirtualDrive(l.app.ctx.ini(), iso);
-        setChosenDrive(l.app.ctx.ini(), iso);
+        l.insert(m_discs.iso("ticks.iso", {"-J"}));
         frmFileListOption options(l.app.ctx, 4, 1);
         for (const QString& box : clicks) {
             options.findChild<QCheckBox*>(box)->click();
@@ -556,13 +550,11 @@ private slots:
             {"filterChoice", options.findChild<QRadioButton*>("optFilter0")->isEnabled()},
             {"applied", options.options().filter.has_value()},
             {"namesOnly", options.options().scanDirOnly}};
-        QStringList found;
+        QString found;
         for (const auto& [name, on] : state) {
-            if (on) {
-                found.append(QString::fromUtf8(name));
-            }
+            found += on ? QString::fromUtf8(name) + ' ' : QString();
         }
-        QTEST(found.join(' '), "state");
+        QTEST(found.trimmed(), "state");
     }
 
     // A filter of more used entries than the scan holds is a fault of the loading of the
