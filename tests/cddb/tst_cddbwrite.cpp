@@ -37,14 +37,9 @@ struct Writing
     }
     QStringList tracks() const
     {
-        Db db(app.ctx.TracksDBPath);
-        QSqlQuery q = db.query("SELECT Номер, Название FROM Треки WHERE ДискID = ? ORDER BY Номер",
-                               {app.ctx.CurrentDiscID});
-        QStringList rows;
-        while (q.next()) {
-            rows.append(q.value(0).toString() + ' ' + q.value(1).toString());
-        }
-        return rows;
+        return Db(app.ctx.TracksDBPath)
+            .texts("SELECT Номер || ' ' || coalesce(Название, '') FROM Треки WHERE ДискID = ? ORDER BY Номер",
+                   {app.ctx.CurrentDiscID});
     }
     CddbWrite write(const CddbRecord& record, int seconds = 2405)
     {
@@ -78,6 +73,7 @@ private slots:
     {
         QTest::addColumn<int>("seconds");
         QTest::addColumn<QString>("text");
+        QTest::newRow("none") << 0 << "00:00";
         QTest::newRow("two minutes") << 120 << "02:59";
         QTest::newRow("just over") << 122 << "02:00";
         QTest::newRow("a minute and one") << 61 << "01:00";
@@ -292,18 +288,15 @@ private slots:
     {
         QFETCH(QByteArray, settings);
         QFETCH(QString, choice);
-        QFETCH(QString, server);
-        QFETCH(int, port);
-        QFETCH(int, timeout);
         QFETCH(QString, email);
         test::TestApp app;
         test::writeFile(app.ctx.IniFilePath, settings);
         QTcpSocket socket;
         CdBase session(app.ctx, socket);
         prepareCddbSession(session, app.ctx.ini(), choice);
-        QCOMPARE(session.Server(), server);
-        QCOMPARE(int(session.Port()), port);
-        QCOMPARE(session.ConnectTimeout(), timeout);
+        QTEST(session.Server(), "server");
+        QTEST(int(session.Port()), "port");
+        QTEST(session.ConnectTimeout(), "timeout");
         QCOMPARE(session.AppName(), QString("vinora"));
         QCOMPARE(session.Email(), email.isEmpty() ? defaultCddbEmail(session.HostName()) : email);
     }
