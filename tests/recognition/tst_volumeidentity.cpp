@@ -1,11 +1,10 @@
 #include "DiscFixtures.h"
 #include "recognition/Medium.h"
 #include "recognition/VolumeIdentity.h"
+#include "support/CliRun.h"
 #include "support/TestFolders.h"
 #include "support/TestMain.h"
 
-#include <QFile>
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
@@ -152,9 +151,7 @@ private slots:
     void lastSessionDescriptorCounts()
     {
         const QString image = m_discs.twoSessionIso("sessions.iso");
-        QFile file(image);
-        file.open(QIODevice::ReadOnly);
-        const QByteArray bytes = file.readAll();
+        const QByteArray bytes = test::readFile(image);
         // Spoil the copy of the descriptor at the start: a disc's last session has its own.
         QByteArray spoiled = bytes;
         spoiled[16 * 2048 + 100] = char(spoiled[16 * 2048 + 100] + 1);
@@ -294,16 +291,12 @@ private slots:
         QCOMPARE(volume.serial, 0u);
         QCOMPARE(volume.maxComponentLength, 0u);
 
-        int exitCode = 0;
-        QProcess cli;
-        cli.start(QStringLiteral(VINORA_CLI), {"identify", drive});
-        QVERIFY(cli.waitForFinished(20000));
-        exitCode = cli.exitCode();
-        QCOMPARE(exitCode, 1);
-        QCOMPARE(cli.readAllStandardOutput(), QByteArray());
-        const QByteArray error = cli.readAllStandardError();
-        QCOMPARE(error.count('\n'), 1);
-        QVERIFY(error.startsWith("vinora-cli: no usable medium in "));
+        QTemporaryDir home;
+        const test::CliRun run = test::runCli(home.path(), {"identify", drive});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.out, QString());
+        QCOMPARE(run.err.count('\n'), 1);
+        QVERIFY(run.err.startsWith("vinora-cli: no usable medium in "));
     }
 
     void commandLine()
@@ -311,14 +304,9 @@ private slots:
         QTemporaryDir home;
         const QString iso = m_discs.iso("cli.iso", {"-J", "-V", "Диск 7"});
         const auto cli = [&](const QStringList& arguments, int expectedExit) {
-            QProcess process;
-            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-            environment.insert("VINORA_HOME", home.path());
-            process.setProcessEnvironment(environment);
-            process.start(QStringLiteral(VINORA_CLI), arguments);
-            process.waitForFinished(20000);
-            [&] { QCOMPARE(process.exitCode(), expectedExit); }();
-            return QString::fromUtf8(process.readAllStandardOutput());
+            const test::CliRun run = test::runCli(home.path(), arguments);
+            [&] { QCOMPARE(run.code, expectedExit); }();
+            return run.out;
         };
         const VolumeInfo volume = readVolumeInfo(iso);
         const QString id = QString::number(volume.serial, 16).toUpper();
