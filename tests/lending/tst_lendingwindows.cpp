@@ -5,6 +5,7 @@
 #include "lending/frmEditDue.h"
 #include "store/Db.h"
 #include "store/Reanimator.h"
+#include "support/DataRows.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestMain.h"
 #include "support/Widgets.h"
@@ -204,25 +205,21 @@ private slots:
     void borrowerNames_data()
     {
         QTest::addColumn<QList<std::optional<QString>>>("typed"); // the names typed, in turn
-        QTest::addColumn<QList<Answer>>("answers");                // to "уже существует. Ввести другое?"
+        QTest::addColumn<QList<Answer>>("answers"); // to "уже существует. Ввести другое?"
         QTest::addColumn<QStringList>("names");
         QTest::addColumn<QStringList>("messages");
         const QString fifty(50, u'ж');
-        QTest::newRow("new name") << QList<std::optional<QString>>{"Вера"} << QList<Answer>{}
-                                  << QStringList{"Анна", "Антон", "Борис", "Вера", "Пётр"} << QStringList{};
-        QTest::newRow("50 characters") << QList<std::optional<QString>>{fifty} << QList<Answer>{}
-                                       << QStringList{"Анна", "Антон", "Борис", fifty, "Пётр"} << QStringList{};
-        QTest::newRow("51 characters, then cancelled")
-            << QList<std::optional<QString>>{fifty + "ж", std::nullopt} << QList<Answer>{}
-            << QStringList{"Анна", "Антон", "Борис", "Пётр"}
-            << QStringList{"Имя должника не должно быть длинее 50 символов!"};
-        QTest::newRow("taken, another typed")
-            << QList<std::optional<QString>>{"борис", "Глеб"} << QList<Answer>{Answer::Yes}
-            << QStringList{"Анна", "Антон", "Борис", "Глеб", "Пётр"}
-            << QStringList{"Должник с именем 'борис' уже существует. Ввести другое?"};
-        QTest::newRow("taken, given up") << QList<std::optional<QString>>{"Анна"} << QList<Answer>{Answer::No}
-                                         << QStringList{"Анна", "Антон", "Борис", "Пётр"}
-                                         << QStringList{"Должник с именем 'Анна' уже существует. Ввести другое?"};
+        const QStringList four{"Анна", "Антон", "Борис", "Пётр"};
+        const auto row = test::addRow<QList<std::optional<QString>>, QList<Answer>, QStringList, QStringList>;
+        row("new name", {"Вера"}, {}, {"Анна", "Антон", "Борис", "Вера", "Пётр"}, {});
+        row("50 characters", {fifty}, {}, {"Анна", "Антон", "Борис", fifty, "Пётр"}, {});
+        row("51 characters, then cancelled", {fifty + "ж", std::nullopt}, {}, four,
+            {"Имя должника не должно быть длинее 50 символов!"});
+        row("taken, another typed", {"борис", "Глеб"}, {Answer::Yes},
+            {"Анна", "Антон", "Борис", "Глеб", "Пётр"},
+            {"Должник с именем 'борис' уже существует. Ввести другое?"});
+        row("taken, given up", {"Анна"}, {Answer::No}, four,
+            {"Должник с именем 'Анна' уже существует. Ввести другое?"});
     }
 
     void borrowerNames()

@@ -380,14 +380,13 @@ private slots:
 
     void editingKeepsItsPlace_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("message");
+        test::addColumns<QString>({"name", "message"});
         QTest::addColumn<QStringList>("list");
-        QTest::newRow("same name") << QString("Джаз") << QString() << QStringList{"Рок", "Джаз", "Игры"};
-        QTest::newRow("renamed") << QString("Блюз") << QString() << QStringList{"Рок", "Блюз", "Игры"};
-        QTest::newRow("name of another")
-            << QString("игры") << "Запрос с таким именем уже существует. Выберите другое название!"
-            << QStringList{"Рок", "Джаз", "Игры"};
+        const auto row = test::addRow<QString, QString, QStringList>;
+        row("same name", "Джаз", "", {"Рок", "Джаз", "Игры"});
+        row("renamed", "Блюз", "", {"Рок", "Блюз", "Игры"});
+        row("name of another", "игры", "Запрос с таким именем уже существует. Выберите другое название!",
+            {"Рок", "Джаз", "Игры"});
     }
 
     void editingKeepsItsPlace()
