@@ -315,14 +315,6 @@ private slots:
                      QString("%1").arg(volume.serial, 8, 16, QChar(u'0')).toUpper() + "\n");
         test::writeFile(home.filePath("skipcd.ini"), "[CD]\n" + id.toLatin1() + "=n/a\n");
         QVERIFY(cli({"identify", iso}, 0).startsWith("kind: \nid: "));
-
-        cli({"add-image", iso}, 0);
-        cli({"add-image", iso}, 1);
-        QVERIFY(cli({"drives"}, 0).endsWith(iso + "\n"));
-        cli({"remove-image", iso}, 0);
-        QVERIFY(!cli({"drives"}, 0).contains(iso));
-        cli({"add-image", m_dir.path()}, 1);
-        cli({"frobnicate"}, 2); // bad usage
     }
 
     void damagedImagesNeverCrash()
