@@ -238,46 +238,6 @@ private slots:
         QCOMPARE(shown, names);
     }
 
-    void borrowerRecord()
-    {
-        Ledger l;
-        const qint64 a1 = l.addAudio(1, "Один");
-        const qint64 a2 = l.addAudio(2, "Два");
-        const qint64 gone = 999; // a disc deleted since it was lent
-        l.pastLoan("Пётр", Category::Audio, a1, day(2026, 3, 1), day(2026, 3, 21)); // 20 days late
-        l.pastLoan("Пётр", Category::Audio, a2, QVariant(), QVariant());             // still out
-        const qint64 borrower = *findBorrower(*l.db, "Пётр");
-        BorrowerRecord record = vinora::borrowerRecord(*l.db, borrower, {}, kToday);
-        QCOMPARE(record.totalDays, 20);
-        QCOMPARE(record.out, 1);
-        QCOMPARE(record.rating, std::optional<int>(10));
-        QCOMPARE(ratingWord(*record.rating), "Плохой");
-        QCOMPARE(record.lines.value(0).delay, "20");
-        QCOMPARE(record.lines.value(1).delay, "?");
-
-        // Only the discs still out: no rating; another category: nothing listed.
-        record = vinora::borrowerRecord(*l.db, borrower, {std::nullopt, true}, kToday);
-        QCOMPARE(record.lines.size(), 1);
-        QVERIFY(!record.rating);
-        QVERIFY(vinora::borrowerRecord(*l.db, borrower, {Category::Dvd, false}, kToday).lines.isEmpty());
-
-        // An early return and a returned loan without term are on time; a deleted disc reads "-".
-        l.pastLoan("Ира", Category::Audio, gone, day(2026, 3, 10), day(2026, 3, 1));
-        l.pastLoan("Ира", Category::Audio, a1, QVariant(), day(2026, 3, 1));
-        record = vinora::borrowerRecord(*l.db, *findBorrower(*l.db, "Ира"), {}, kToday);
-        QCOMPARE(record.lines.value(0).number, "-");
-        QCOMPARE(record.lines.value(0).delay, "нет");
-        QCOMPARE(record.lines.value(1).delay, "нет");
-        QCOMPARE(record.rating, std::optional<int>(0));
-        QCOMPARE(ratingWord(0), "Хороший");
-
-        // 200 days on average: the bar's end.
-        l.pastLoan("Гоша", Category::Audio, a1, day(2026, 1, 1), day(2026, 7, 20));
-        record = vinora::borrowerRecord(*l.db, *findBorrower(*l.db, "Гоша"), {}, kToday);
-        QCOMPARE(record.rating, std::optional<int>(kRatingCap));
-        QCOMPARE(ratingWord(*record.rating), "Хуже некуда...");
-    }
-
     void lendingWarningFromBadUp_data()
     {
         QTest::addColumn<int>("daysLate"); // of one returned loan, beside one open loan
