@@ -136,18 +136,6 @@ private slots:
         QVERIFY(borrowerFor(*l.db, "Анна ") != first);
     }
 
-    void cancelledQuickReturnLeavesTheMarkWithoutALoan()
-    {
-        Ledger l;
-        const qint64 key = l.addDvd(3, "Солярис");
-        lendDisc(*l.db, l.disc(Category::Dvd, 3), "Борис", std::nullopt, kToday);
-        QCOMPARE(closeNewestLoan(*l.db, Category::Dvd, key, kToday), "Борис");
-        QVERIFY(l.lent(Category::Dvd, 3));
-        QCOMPARE(l.openLoansOf(Category::Dvd, key), 0);
-        clearLentMark(*l.db, Category::Dvd, key); // confirmed after all
-        QVERIFY(!l.lent(Category::Dvd, 3));
-    }
-
     void changeOfTermTouchesTheOpenLoanOnly()
     {
         Ledger l;
