@@ -515,22 +515,14 @@ private slots:
         QCOMPARE(files.code, 0);
         QCOMPARE(files.err, QString());
         QCOMPARE(files.out, "3\t1\t\\\tЁлка.txt\n3\t2\t\\Ёлки\\\tёлка.jpg\n");
-        const QString folder = "3\t2\t\\Ёлки\\\t\\Ёлки\\\n";
-        QCOMPARE(home.cli({"search", "ёлки", "--folders"}).out, folder);
-        QCOMPARE(home.cli({"search", "ЗИМА", "--folders", "--comments", "--whole"}).out, folder);
+        // The switches reach the search; what each of them means is left to the search's own tests.
+        QCOMPARE(home.cli({"search", "ЗИМА", "--folders", "--comments", "--whole"}).out,
+                 "3\t2\t\\Ёлки\\\t\\Ёлки\\\n");
         QCOMPARE(home.cli({"search", "группа*", "--tracks", "--whole"}).out, "12\t1\t\tГруппа крови\n");
-
-        const QList<std::pair<QStringList, QString>> nothing = {
-            {{"search", "ёлка", "--whole"}, "Нет таких файлов!"},
-            {{"search", "зима", "--folders"}, "Нет таких папок!"},
-            {{"search", "ёлка", "--tracks"}, "Нет таких треков!"},
-        };
-        for (const auto& [arguments, message] : nothing) {
-            const Run run = home.cli(arguments);
-            QCOMPARE(run.code, 1);
-            QCOMPARE(run.out, QString());
-            QCOMPARE(run.err, "vinora-cli: " + message + "\n");
-        }
+        const Run nothing = home.cli({"search", "зима", "--folders"});
+        QCOMPARE(nothing.code, 1);
+        QCOMPARE(nothing.out, QString());
+        QCOMPARE(nothing.err, "vinora-cli: Нет таких папок!\n");
         QVERIFY(QFile::remove(home.tracksDb()));
         const Run missing = home.cli({"search", "x", "--tracks"});
         QCOMPARE(missing.code, 1);
